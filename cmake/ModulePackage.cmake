@@ -1,0 +1,21 @@
+# package_module(<target>): the module's file under the name that its UpdateInfo announces.
+#
+# The mingw release is stripped where it is built, so that what the tests load is what ships; the
+# debug symbols stand beside it, and a debugger finds them by the link in the module.
+function(package_module target)
+    set(name morvane-config-${PROJECT_VERSION}.X64)
+    if(MINGW AND CMAKE_BUILD_TYPE STREQUAL Release)
+        set(symbols ${CMAKE_BINARY_DIR}/${name}.debug)
+        add_custom_command(TARGET ${target} POST_BUILD
+            # -p: without it these tools write the time of day into the file's header.
+            COMMAND ${CMAKE_OBJCOPY} -p --only-keep-debug $<TARGET_FILE:${target}> ${symbols}
+            COMMAND ${CMAKE_STRIP} -p $<TARGET_FILE:${target}>
+            COMMAND ${CMAKE_OBJCOPY} -p --add-gnu-debuglink=${symbols} $<TARGET_FILE:${target}>
+            BYPRODUCTS ${symbols}
+            VERBATIM)
+        install(FILES ${symbols} DESTINATION .)
+    elseif(MSVC)
+        install(FILES $<TARGET_PDB_FILE:${target}> DESTINATION . RENAME ${name}.pdb OPTIONAL)
+    endif()
+    install(PROGRAMS $<TARGET_FILE:${target}> DESTINATION . RENAME ${name}.dll)
+endfunction()

@@ -1,0 +1,28 @@
+#include "common/config/command/ConfigureNic.h"
+
+#include "common/config/command/CommandLog.h"
+#include "common/err/GeneralError.h"
+
+namespace config::command {
+
+void ConfigureNic::Execute() {
+    if (nicIndex_ == kNotSet) {
+        throw ConfigError("common\\config\\command\\ConfigureNic",
+                          "ConfigureNic has not been been associated with a nic index", 68, 0);
+    }
+    log_.Log(logging::kProgress,
+             "ConfigureNic::Execute(): NIC index (Win32_NetworkAdapterConfiguration.Index)=%d",
+             static_cast<int>(nicIndex_));
+    for (const std::unique_ptr<IConfigureCommand>& command : commands_) {
+        if (auto* const nicCommand = dynamic_cast<NicCommand*>(command.get())) {
+            nicCommand->SetNicIndex(nicIndex_);
+        }
+        if (!command->IsNeeded()) {
+            continue;
+        }
+        LogExecution(log_, "ConfigureNic::Execute()", *command);
+        command->Execute();
+    }
+}
+
+}  // namespace config::command

@@ -1,0 +1,33 @@
+#include "common/config/command/JoinDomain.h"
+
+#include "common/sys/Domain.h"
+#include "common/util/Strings.h"
+
+namespace config::command {
+
+bool JoinDomain::IsNeeded() {
+    if (dnsDomain_.empty() && windowsDomain_.empty()) {
+        return false;
+    }
+    sys::Domain& domain = sys::getDomain();
+    if (!domain.IsDomainMember()) {
+        return true;  // its names may be those of a domain that it has left
+    }
+    const bool isDnsDomain =
+        !dnsDomain_.empty() && util::NoCaseEqual(dnsDomain_, domain.DnsDomainName());
+    const bool isWindowsDomain =
+        !windowsDomain_.empty() && util::NoCaseEqual(windowsDomain_, domain.DomainName());
+    return !isDnsDomain && !isWindowsDomain;
+}
+
+void JoinDomain::Execute() {
+    UseAccount();
+    sys::getDomain().JoinDomainAndOu(dnsDomain_, unit_, option_ != 0);
+}
+
+std::string JoinDomain::GetDescription() {
+    return "DNS Domain=" + dnsDomain_ + ", Windows Domain=" + windowsDomain_ +
+           " {User=" + UserName() + "}";
+}
+
+}  // namespace config::command

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+namespace lang {
+
+/// Suspends the calling thread (the platform's Sleep).
+void Pause(std::uint32_t milliseconds);
+
+}  // namespace lang

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+namespace logging {
+
+/// Levels of the lines this module writes.
+enum Level : std::uint32_t {
+    kMain = 0,      ///< errors and the main steps of a request; hosts always write these
+    kTrace = 1,     ///< trace detail
+    kProgress = 2,  ///< progress of the builder and of its commands
+};
+
+/// Where the module's own classes log to.
+class ILogSink {
+public:
+    virtual ~ILogSink() = default;
+
+    /// `format` is printf-style. A line may reach a host that formats the finished line once more:
+    /// pass text that came from outside through util::DoublePercents first.
+#ifdef __GNUC__
+    __attribute__((format(printf, 3, 4)))
+#endif
+    virtual void
+    Log(std::uint32_t level, const char* format, ...) = 0;
+};
+
+/// Discards every line.
+class NullLogSink : public ILogSink {
+public:
+    void Log(std::uint32_t /*level*/, const char* /*format*/, ...) override {}
+};
+
+}  // namespace logging

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace sys {
+
+/// Owner of one reference to a COM interface.
+template <class Interface>
+class ComPointer {
+public:
+    ComPointer() noexcept = default;
+    ComPointer(ComPointer&& other) noexcept : pointer_(other.Release()) {}
+    ComPointer& operator=(ComPointer&& other) noexcept {
+        Reset(other.Release());
+        return *this;
+    }
+    ~ComPointer() { Reset(); }
+
+    Interface* Get() const noexcept { return pointer_; }
+    Interface* operator->() const noexcept { return pointer_; }
+    explicit operator bool() const noexcept { return pointer_ != nullptr; }
+
+    void Reset(Interface* pointer = nullptr) noexcept {
+        Interface* const old = std::exchange(pointer_, pointer);
+        if (old != nullptr) {
+            old->Release();
+        }
+    }
+    Interface* Release() noexcept { return std::exchange(pointer_, nullptr); }
+    Interface** Receive() noexcept {
+        Reset();
+        return &pointer_;
+    }
+
+private:
+    Interface* pointer_ = nullptr;
+};
+
+/// Owner of one BSTR, made from narrow text in the system code page or from wide text.
+class Bstr {
+public:
+    /// Throw ComError (E_OUTOFMEMORY) when there is no memory for the text.
+    explicit Bstr(std::string_view narrow);
+    explicit Bstr(std::wstring_view wide);
+    Bstr(Bstr&& other) noexcept : text_(other.Release()) {}
+    Bstr& operator=(Bstr&&) = delete;
+    ~Bstr() { SysFreeString(text_); }
+
+    BSTR Get() const noexcept { return text_; }
+    BSTR Release() noexcept { return std::exchange(text_, nullptr); }
+
+private:
+    BSTR text_ = nullptr;
+};
+
+/// Owner of one VARIANT and of what it holds.
+class Variant {
+public:
+    Variant() noexcept { VariantInit(&value_); }
+    ~Variant() { VariantClear(&value_); }
+    Variant(Variant&& other) noexcept : value_(other.value_) { VariantInit(&other.value_); }
+    Variant& operator=(Variant&&) = delete;
+
+    static Variant FromText(std::string_view narrow);
+    static Variant FromInteger(std::int32_t value) noexcept;
+    /// A one-dimensional array of texts with the lower bound 0.
+    static Variant FromTexts(const std::vector<std::string>& texts);
+
+    VARIANT& Get() noexcept { return value_; }
+    const VARIANT& Get() const noexcept { return value_; }
+    VARTYPE Type() const noexcept { return value_.vt; }
+    bool IsEmptyOrNull() const noexcept { return Type() == VT_EMPTY || Type() == VT_NULL; }
+
+    VARIANT* Receive() noexcept {
+        VariantClear(&value_);
+        return &value_;
+    }
+
+    /// Overwrites a text before it is freed.
+    void EraseText() noexcept;
+
+private:
+    VARIANT value_{};
+};
+
+}  // namespace sys

@@ -1,0 +1,208 @@
+#include "common/sys/WmiConnection.h"
+
+#include "common/sys/ComError.h"
+#include "common/sys/WmiValues.h"
+
+namespace sys {
+
+namespace {
+
+/// A step of the set-up ends it when its HRESULT is negative.
+bool Stops(HRESULT result) noexcept {
+    return FAILED(result);
+}
+
+}  // namespace
+
+ScopedWmiComInit::ScopedWmiComInit() : setupResult_(Connect()) {}
+
+ScopedWmiComInit::~ScopedWmiComInit() {
+    locator_.Reset();
+    services_.Reset();
+    CoUninitialize();
+}
+
+HRESULT ScopedWmiComInit::Connect() {
+    // Made before COM is joined: what throws here must leave nothing to undo.
+    const Bstr wmiNamespace(L"root\\cimv2");
+    HRESULT result = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    if (Stops(result)) {
+        return result;
+    }
+    result = CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_CONNECT,
+                                  RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
+    // Security is set once per process, by this module's first connection or by the agent itself.
+    if (Stops(result) && result != RPC_E_TOO_LATE) {
+        return result;
+    }
+    result = CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                              reinterpret_cast<void**>(locator_.Receive()));
+    if (Stops(result)) {
+        return result;
+    }
+    result = locator_->ConnectServer(wmiNamespace.Get(), nullptr, nullptr, nullptr, 0, nullptr,
+                                     nullptr, services_.Receive());
+    if (Stops(result)) {
+        return result;
+    }
+    return CoSetProxyBlanket(services_.Get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
+                             RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr,
+                             EOAC_NONE);
+}
+
+CWmiError MakeWmiError(const WmiFailure& failure, HRESULT result) {
+    return {failure.message, failure.line, result, GetLastError()};
+}
+
+void WmiRow::Read(const wchar_t* property, const std::function<void(const VARIANT&)>& convert) {
+    Variant value;
+    lastResult_ = object_.Get(property, 0, value.Receive(), nullptr, nullptr);
+    if (SUCCEEDED(lastResult_)) {
+        convert(value.Get());
+    }
+}
+
+void WmiRow::ReadText(const wchar_t* property, std::string& text) {
+    Read(property, [&text](const VARIANT& value) { text = TextOf(value); });
+}
+
+void WmiRow::ReadAddress(const wchar_t* property, ipc::IPv4Address& address) {
+    Read(property, [&address](const VARIANT& value) { address.Resolve(TextOf(value)); });
+}
+
+Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
+                  const std::string& text, WmiRows rows,
+                  const std::function<void(WmiRow&)>& visit) {
+    if (connection.Services() == nullptr) {
+        throw MakeWmiError(query.failure, connection.SetupResult());
+    }
+    const Bstr language(L"WQL");
+    const Bstr queryText{std::string_view(text)};
+    ComPointer<IEnumWbemClassObject> enumerator;
+    const HRESULT result = connection.Services()->ExecQuery(
+        language.Get(), queryText.Get(), WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY,
+        nullptr, enumerator.Receive());
+    if (FAILED(result)) {
+        throw MakeWmiError(query.failure, result);
+    }
+    for (HRESULT last = S_OK;;) {
+        ComPointer<IWbemClassObject> object;
+        ULONG returned = 0;
+        const HRESULT next =
+            enumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, object.Receive(), &returned);
+        if (returned == 0 || !object) {
+            return FAILED(next) ? next : last;
+        }
+        WmiRow row(*object.Get());
+        visit(row);
+        last = row.LastResult();
+        if (rows == WmiRows::kFirst) {
+            return last;
+        }
+    }
+}
+
+void WmiInParameters::Put(const wchar_t* name, Variant& value) {
+    const HRESULT result = object_.Put(name, 0, &value.Get(), 0);
+    if (FAILED(result)) {
+        throw MakeWmiError(failure_, result);
+    }
+}
+
+void WmiInParameters::PutText(const wchar_t* name, const std::string& text) {
+    Variant value = Variant::FromText(text);
+    Put(name, value);
+}
+
+void WmiInParameters::PutSecret(const wchar_t* name, const std::string& text) {
+    struct ErasingVariant {
+        Variant value;
+        ~ErasingVariant() { value.EraseText(); }
+    } secret{Variant::FromText(text)};
+    Put(name, secret.value);
+}
+
+void WmiInParameters::PutInteger(const wchar_t* name, std::int32_t value) {
+    Variant integer = Variant::FromInteger(value);
+    Put(name, integer);
+}
+
+void WmiInParameters::PutTexts(const wchar_t* name, const std::vector<std::string>& texts) {
+    Variant value = Variant::FromTexts(texts);
+    Put(name, value);
+}
+
+void WmiInParameters::PutAddresses(const wchar_t* name,
+                                   const std::vector<ipc::IPv4Address>& addresses) {
+    std::vector<std::string> texts;
+    texts.reserve(addresses.size());
+    for (const ipc::IPv4Address& address : addresses) {
+        texts.push_back(address.ToString());
+    }
+    PutTexts(name, texts);
+}
+
+namespace {
+
+class MethodCall {
+public:
+    MethodCall(IWbemServices& services, const WmiMethod& method)
+        : services_(services), method_(method) {}
+
+    std::uint32_t Run(const std::string& objectPath,
+                      const std::function<void(WmiInParameters&)>& fill) {
+        ComPointer<IWbemClassObject> classDefinition;
+        const Bstr className(std::wstring_view(method_.className));
+        Check(services_.GetObject(className.Get(), 0, nullptr, classDefinition.Receive(), nullptr));
+        ComPointer<IWbemClassObject> inDefinition;
+        Check(classDefinition->GetMethod(method_.name, 0, inDefinition.Receive(), nullptr));
+        ComPointer<IWbemClassObject> inParameters;
+        if (fill) {
+            // A class that declares no in-parameters here is not the class this module knows.
+            Check(inDefinition ? inDefinition->SpawnInstance(0, inParameters.Receive())
+                               : static_cast<HRESULT>(WBEM_E_INVALID_METHOD_PARAMETERS));
+            WmiInParameters parameters(*inParameters.Get(), method_.failure);
+            fill(parameters);
+        }
+        return Execute(objectPath, inParameters.Get());
+    }
+
+private:
+    std::uint32_t Execute(const std::string& objectPath, IWbemClassObject* inParameters) {
+        const Bstr path{std::string_view(objectPath)};
+        const Bstr name(std::wstring_view(method_.name));
+        ComPointer<IWbemClassObject> outParameters;
+        Check(services_.ExecMethod(path.Get(), name.Get(), 0, nullptr, inParameters,
+                                   outParameters.Receive(), nullptr));
+        Check(outParameters ? S_OK : static_cast<HRESULT>(WBEM_E_FAILED));
+        Variant returnValue;
+        Check(outParameters->Get(L"ReturnValue", 0, returnValue.Receive(), nullptr, nullptr));
+        return IntegerOf(returnValue.Get());
+    }
+
+    void Check(HRESULT result) const {
+        if (FAILED(result)) {
+            throw MakeWmiError(method_.failure, result);
+        }
+    }
+
+    IWbemServices& services_;
+    const WmiMethod& method_;
+};
+
+}  // namespace
+
+std::uint32_t CallMethod(const ScopedWmiComInit& connection, const WmiMethod& method,
+                         const std::string& objectPath,
+                         const std::function<void(WmiInParameters&)>& fill) {
+    if (connection.Services() == nullptr) {
+        throw MakeWmiError(method.failure, connection.SetupResult());
+    }
+    try {
+        return MethodCall(*connection.Services(), method).Run(objectPath, fill);
+    } catch (const ComError& error) {
+        throw MakeWmiError(method.failure, error.Result());
+    }
+}
+
+}  // namespace sys

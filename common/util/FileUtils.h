@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+
+// <windows.h> defines these names as macros. Included before it or after it, this header declares
+// the functions under both spellings, so that callers need not care.
+#undef MoveFile
+#undef DeleteFile
+
+namespace util {
+
+/// A path counts as an existing file when its attributes can be read and it is no directory. The
+/// functions below go by the same rule. Failures are CFileIOError with the last Windows error.
+bool FileExists(const std::string& path);
+
+/// Never replaces: an existing `destination` is an error, found before `source` is looked at.
+void MoveFile(const std::string& source, const std::string& destination);
+inline void MoveFileA(const std::string& source, const std::string& destination) {
+    MoveFile(source, destination);
+}
+
+void DeleteFile(const std::string& path);
+inline void DeleteFileA(const std::string& path) {
+    DeleteFile(path);
+}
+
+/// Whether both paths lead to one file, however they are spelled. Where the files cannot be opened
+/// or their file system gives them no identity, the full paths are compared, without case.
+bool IsSameFile(const std::string& left, const std::string& right);
+
+/// The path of the host process's executable, as the system reports it in at most 260 characters.
+std::string ExecutablePath();
+
+/// A path cut at its last "\" or "/".
+struct SplitPath {
+    std::string directory;  // without the separator; empty where there is none
+    std::string fileName;
+};
+SplitPath Split(const std::string& path);
+
+}  // namespace util

@@ -1,0 +1,122 @@
+#include "common/util/Strings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <vector>
+
+namespace util {
+
+std::string Format(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::string text = FormatV(format, arguments);
+    va_end(arguments);
+    return text;
+}
+
+namespace {
+
+/// An argument list is a pointer on most platforms, and only there can it be null.
+template <class Element>
+bool IsNull(Element* arguments) {
+    return arguments == nullptr;
+}
+template <class List>
+bool IsNull(const List& /*arguments*/) {
+    return false;
+}
+
+}  // namespace
+
+std::string FormatV(const char* format, std::va_list arguments) {
+    if (format == nullptr || IsNull(arguments)) {
+        return {};
+    }
+    std::va_list measured;
+    va_copy(measured, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, measured);
+    va_end(measured);
+    if (length <= 0) {
+        return {};
+    }
+    std::vector<char> buffer(static_cast<std::size_t>(length) + 1);
+    const int written = std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
+    return written > 0 ? std::string(buffer.data()) : std::string();
+}
+
+std::string IntToString(std::int32_t value) {
+    char buffer[12];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    return std::string(buffer, result.ptr);
+}
+
+namespace {
+
+constexpr bool IsSpace(char character) noexcept {
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+// atoi with the range made explicit: its answer to an overflow is undefined in C, the nearest value
+// in Microsoft's library.
+std::int32_t ParseDecimal(std::string_view text) noexcept {
+    text.remove_prefix(static_cast<std::size_t>(
+        std::find_if_not(text.begin(), text.end(), IsSpace) - text.begin()));
+    if (text.starts_with('+') && text.size() > 1 && IsDigit(text[1])) {
+        text.remove_prefix(1);
+    }
+    std::int32_t value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec == std::errc::result_out_of_range) {
+        return text.starts_with('-') ? std::numeric_limits<std::int32_t>::min()
+                                     : std::numeric_limits<std::int32_t>::max();
+    }
+    return value;
+}
+
+}  // namespace
+
+std::int32_t StringToInt(const std::string& text, std::uint32_t base) {
+    if (base == 10) {
+        return ParseDecimal(text);
+    }
+    const long long value = std::strtoll(text.c_str(), nullptr, static_cast<int>(base));
+    return static_cast<std::int32_t>(std::clamp<long long>(
+        value, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
+}
+
+bool NoCaseLess(std::string_view left, std::string_view right) noexcept {
+    return std::lexicographical_compare(
+        left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
+            return static_cast<unsigned char>(ToUpper(a)) < static_cast<unsigned char>(ToUpper(b));
+        });
+}
+
+bool NoCaseEqual(std::string_view left, std::string_view right) noexcept {
+    // Most names are asked for as they are written: equal bytes are compared many at a time.
+    return left.size() == right.size() &&
+           (left == right || std::equal(left.begin(), left.end(), right.begin(),
+                                        [](char a, char b) { return ToUpper(a) == ToUpper(b); }));
+}
+
+std::string DoublePercents(std::string_view text) {
+    std::string doubled;
+    doubled.reserve(text.size());
+    for (const char character : text) {
+        doubled.append(character == '%' ? 2 : 1, character);
+    }
+    return doubled;
+}
+
+void SecureErase(std::string& text) noexcept {
+    text.resize(text.capacity());  // never reallocates: the capacity is there
+    volatile char* bytes = text.data();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bytes[i] = 0;
+    }
+    text.clear();
+}
+
+}  // namespace util

@@ -1,0 +1,42 @@
+#include "common/util/WideText.h"
+
+#include <windows.h>
+
+namespace util {
+
+// The conversions refuse an empty text and set the thread's last error, which somebody may report.
+
+WideToMBCSString::WideToMBCSString(std::wstring_view wide) {
+    if (wide.empty()) {
+        return;
+    }
+    const int wideLength = static_cast<int>(wide.size());
+    const int length =
+        WideCharToMultiByte(CP_ACP, 0, wide.data(), wideLength, nullptr, 0, nullptr, nullptr);
+    narrow_.resize(static_cast<std::size_t>(length));
+    WideCharToMultiByte(CP_ACP, 0, wide.data(), wideLength, narrow_.data(), length, nullptr,
+                        nullptr);
+}
+
+std::string Narrow(std::wstring_view wide) {
+    return WideToMBCSString(wide).Text();
+}
+
+std::wstring Widen(std::string_view narrow) {
+    if (narrow.empty()) {
+        return {};
+    }
+    const int narrowLength = static_cast<int>(narrow.size());
+    const int length = MultiByteToWideChar(CP_ACP, 0, narrow.data(), narrowLength, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(length), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, narrow.data(), narrowLength, wide.data(), length);
+    return wide;
+}
+
+void SecureErase(std::wstring& text) noexcept {
+    text.resize(text.capacity());
+    SecureZeroMemory(text.data(), text.size() * sizeof(wchar_t));
+    text.clear();
+}
+
+}  // namespace util

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+/// Text of the system code page as UTF-8. A byte that means nothing in the code page becomes
+/// U+FFFD; no input fails.
+std::string ToUtf8(std::string_view text);
+
+/// ToUtf8 for one line of a terminal: control characters (line feeds too) are written as \xNN, so
+/// that a text from a file or a message can neither move the cursor nor look like another line.
+std::string ToLine(std::string_view text);
+
+/// What Windows says about an error code, in the system code page, without a final line feed, and
+/// with the code: "Access is denied. (error 5)".
+std::string DescribeSystemError(std::uint32_t code);
+
+}  // namespace host

@@ -1,0 +1,205 @@
+#include "host/check/FileCheck.h"
+
+#include <algorithm>
+#include <deque>
+#include <map>
+#include <tuple>
+
+#include "common/util/Strings.h"
+#include "host/check/AdapterCheck.h"
+#include "host/check/ModuleReading.h"
+#include "host/check/NetworkingCheck.h"
+#include "host/check/RouteCheck.h"
+#include "host/check/StructureCheck.h"
+#include "toolbox/config/IniFile.h"
+
+namespace host::check {
+
+namespace {
+
+/// The settings of the whole file: each section by itself, then what they do to each other.
+class SettingsCheck {
+public:
+    SettingsCheck(IniFile& file, const SourceFile& source, Findings& findings)
+        : source_(source), findings_(findings), entries_(file), readings_(ReadAsTheModule(file)) {}
+
+    void Check() {
+        for (const SectionReading& reading : readings_) {
+            CheckSection(reading);
+        }
+        if (readings_.size() == 1) {
+            findings_.Warning("nothing-to-do", {},
+                              "no section asks for anything: the module changes nothing and "
+                              "answers \"Success\"");
+        }
+        CheckRestart();
+        CheckSuffixes();
+        CheckRouteSections();
+        CheckRepeatedRoutes();
+        CheckRouteGateways();
+    }
+
+    const FirstEntries& Entries() const noexcept { return entries_; }
+
+private:
+    void CheckSection(const SectionReading& reading);
+    void CheckRestart();
+    void CheckSuffixes();
+    void CheckRouteSections();
+    void CheckRepeatedRoutes();
+    void CheckRouteGateways();
+    std::vector<RouteWish> Routes() const;
+
+    const SourceFile& source_;
+    Findings& findings_;
+    const FirstEntries entries_;
+    const std::vector<SectionReading> readings_;  // [Global] first, even where it is not there
+    std::deque<AdapterCheck> adapters_;
+    std::deque<RouteCheck> routes_;
+    bool mayRestart_ = false;
+};
+
+void SettingsCheck::CheckSection(const SectionReading& reading) {
+    switch (reading.role) {
+        case SectionRole::kNetworking: {
+            NetworkingCheck networking(reading, source_, entries_, findings_);
+            networking.Check();
+            mayRestart_ = networking.MayRestart();
+            break;
+        }
+        case SectionRole::kAdapter:
+            adapters_.emplace_back(reading, source_, entries_, findings_).Check();
+            routes_.emplace_back(reading, source_, entries_, findings_).Check();
+            break;
+        case SectionRole::kGlobal:
+        case SectionRole::kIgnored:
+            break;
+    }
+}
+
+void SettingsCheck::CheckRestart() {
+    const LookUp& answer = readings_.front().lookUps.front();
+    if (!answer.found) {
+        return;
+    }
+    const bool suppressed = util::NoCaseEqual(answer.text, "false");
+    const Place place = source_.ValuePlace(answer.sourceLine);
+    if (!suppressed && !util::NoCaseEqual(answer.text, "true")) {
+        findings_.Warning("odd-switch", place,
+                          Quoted(answer.text) +
+                              " is neither true nor false: the module answers "
+                              "\"Reboot\" where a restart is needed");
+    }
+    if (suppressed && mayRestart_) {
+        findings_.Warning("suppressed-restart", place,
+                          "where a new name or membership needs a restart, the module stops "
+                          "there, answers \"Failure\" (Tovrune, 3) and puts the file away");
+    }
+}
+
+void SettingsCheck::CheckSuffixes() {
+    const LookUp* first = nullptr;
+    for (const AdapterCheck& adapter : adapters_) {
+        const LookUp* const suffixes = adapter.SentSuffixes();
+        if (suffixes == nullptr) {
+            continue;
+        }
+        if (first != nullptr && suffixes->text != first->text) {
+            findings_.Warning("suffix-conflict", source_.ValuePlace(suffixes->sourceLine),
+                              "the DNS suffixes are the machine's, not the adapter's: every "
+                              "request sets those of " +
+                                  LineText(first->sourceLine) + " and then these");
+        }
+        first = first == nullptr ? suffixes : first;
+    }
+}
+
+void SettingsCheck::CheckRouteSections() {
+    const RouteCheck* first = nullptr;
+    for (const RouteCheck& routes : routes_) {
+        if (!routes.SendsRoutes()) {
+            continue;
+        }
+        if (first != nullptr) {
+            findings_.Error("several-route-sections", routes.CountPlace(),
+                            "a second section that sets routes (the first: " +
+                                LineText(first->CountPlace().line) +
+                                "): each makes the machine's persistent routes its own alone, so "
+                                "that one deletes those of the other, or one route twice, which "
+                                "fails; Static-Route-Count=-1 sets none");
+        }
+        first = first == nullptr ? &routes : first;
+    }
+}
+
+std::vector<RouteWish> SettingsCheck::Routes() const {
+    std::vector<RouteWish> all;
+    for (const RouteCheck& routes : routes_) {
+        all.insert(all.end(), routes.Routes().begin(), routes.Routes().end());
+    }
+    return all;
+}
+
+void SettingsCheck::CheckRepeatedRoutes() {
+    std::map<std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>, std::size_t> lines;
+    for (const RouteWish& route : Routes()) {
+        const auto [first, added] =
+            lines.try_emplace({route.destination, route.mask, route.gateway}, route.place.line);
+        if (!added) {
+            findings_.Error("repeated-route", route.place,
+                            "the same route as in " + LineText(first->second) +
+                                ": the route program refuses to add it twice");
+        }
+    }
+}
+
+/// Only where every adapter of the file says which networks it is in.
+void SettingsCheck::CheckRouteGateways() {
+    std::vector<Network> networks;
+    for (const AdapterCheck& adapter : adapters_) {
+        if (!adapter.IsStatic() || adapter.Networks().empty()) {
+            return;
+        }
+        networks.insert(networks.end(), adapter.Networks().begin(), adapter.Networks().end());
+    }
+    for (const RouteWish& route : Routes()) {
+        const bool reachable = std::any_of(
+            networks.begin(), networks.end(),
+            [&route](const Network& network) { return network.Contains(route.gateway); });
+        if (!reachable) {
+            findings_.Warning("gateway-outside", route.place,
+                              "the route's gateway " + FormatAddress(route.gateway) +
+                                  " is in none of the networks that the file sets: the route "
+                                  "program refuses it unless another adapter reaches it");
+        }
+    }
+}
+
+}  // namespace
+
+void CheckFile(const std::string& path, CheckedFile& checked) {
+    Findings& findings = checked.findings;
+    if (!checked.source.Load(path)) {
+        findings.Error("unreadable", {}, "the file cannot be read: the module finds nothing");
+        return;
+    }
+    if (checked.source.Bytes().empty()) {
+        findings.Warning("empty-file", {},
+                         "the file is empty: the module changes nothing and answers \"Success\"");
+        return;
+    }
+    StructureCheck structure(checked.source, findings);
+    if (!structure.CheckEncoding()) {
+        return;
+    }
+    structure.CheckLines();
+    structure.CheckHeaders();
+    IniFile file;
+    file.Load(path, false);
+    SettingsCheck settings(file, checked.source, findings);
+    structure.CheckKeys(settings.Entries());
+    settings.Check();
+    findings.Sort();
+}
+
+}  // namespace host::check

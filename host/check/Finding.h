@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host::check {
+
+enum class Severity { kWarning, kError };
+
+/// A piece of a line of the file, in bytes; `line` and `column` count from 1. Line 0 means the file
+/// as a whole.
+struct Place {
+    std::size_t line = 0;
+    std::size_t column = 1;
+    std::size_t length = 0;
+};
+
+/// One fault of a configuration file. Texts are in the system code page and hold no secret.
+struct Finding {
+    Severity severity;
+    const char* code;  ///< what kind of fault, for programs: "unknown-key"
+    Place place;
+    std::string message;
+};
+
+/// Gathers findings. Very many of them help nobody: from a bound on they are only counted.
+class Findings {
+public:
+    static constexpr std::size_t kKept = 1000;
+
+    void Error(const char* code, const Place& place, std::string message) {
+        Add({Severity::kError, code, place, std::move(message)});
+    }
+    void Warning(const char* code, const Place& place, std::string message) {
+        Add({Severity::kWarning, code, place, std::move(message)});
+    }
+    void Add(Finding finding);
+
+    /// Puts them into the order of the file; at one place the errors come first.
+    void Sort();
+
+    const std::vector<Finding>& List() const noexcept { return list_; }
+    /// All that were added, those that are not kept included.
+    std::size_t Errors() const noexcept { return errors_; }
+    std::size_t Warnings() const noexcept { return warnings_; }
+
+private:
+    std::vector<Finding> list_;
+    std::size_t errors_ = 0;
+    std::size_t warnings_ = 0;
+};
+
+/// `"text"`, cut where it is long.
+std::string Quoted(std::string_view text);
+
+}  // namespace host::check

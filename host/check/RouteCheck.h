@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/check/SectionCheck.h"
+
+namespace host::check {
+
+/// A route that the module is asked to set, as the module reads it; host byte order.
+struct RouteWish {
+    std::uint32_t destination;
+    std::uint32_t mask;
+    std::uint32_t gateway;
+    Place place;  ///< of the line, or of the header where the line is missing
+};
+
+/// Checks the static routes of one adapter section.
+class RouteCheck : private SectionCheck {
+public:
+    using SectionCheck::SectionCheck;
+
+    void Check();
+
+    /// Whether the section sends routes, an empty set of them included: that one deletes routes.
+    bool SendsRoutes() const;
+    /// Where the section asks for routes.
+    Place CountPlace() const;
+    /// The routes without faults, in the module's order.
+    const std::vector<RouteWish>& Routes() const noexcept { return routes_; }
+
+private:
+    struct Field {
+        std::string text;
+        Place place;
+    };
+    /// What the module reads of a route's text: the fields that a comma follows, and what is left.
+    struct Fields {
+        std::vector<Field> sent;
+        Field rest;
+    };
+
+    void CheckSent(const LookUp& count);
+    void CheckUnread();
+    void CheckMissing(const LookUp& first, std::size_t count);
+    Fields FieldsOf(const LookUp& route) const;
+    std::optional<RouteWish> CheckRoute(const LookUp& route, Findings& findings) const;
+    static void CheckCompleteness(const Fields& fields, Findings& findings);
+    static void CheckMetric(const Field& metric, Findings& findings);
+
+    std::vector<RouteWish> routes_;
+};
+
+}  // namespace host::check

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/check/Finding.h"
+#include "host/check/ModuleReading.h"
+#include "host/check/SourceFile.h"
+#include "host/check/Values.h"
+
+namespace host::check {
+
+/// What the checks of the settings share: one section as the module reads it, where it stands, and
+/// how findings about its look-ups are worded and placed.
+class SectionCheck {
+public:
+    SectionCheck(const SectionReading& reading, const SourceFile& source,
+                 const FirstEntries& entries, Findings& findings);
+
+protected:
+    const SectionReading& Reading() const noexcept { return reading_; }
+    const SourceFile& Source() const noexcept { return source_; }
+    Findings& Found() noexcept { return findings_; }
+
+    /// The section's header: where findings about a missing key stand.
+    Place HeaderPlace() const noexcept { return header_; }
+    /// The value that a look-up yielded, wherever it stands.
+    Place ValueOf(const LookUp& lookUp) const { return Source().ValuePlace(lookUp.sourceLine); }
+    /// The same, or the header where the module goes by another key's value.
+    Place OwnValueOf(const LookUp& lookUp) const {
+        return lookUp.found ? ValueOf(lookUp) : header_;
+    }
+
+    /// "there is no "Gateway": the module takes the text of "Netmask" in line 7"
+    static std::string Reuse(const LookUp& lookUp);
+
+    /// The section's own entry of that key; null when there is none.
+    const IniFile::Entry* Own(std::string_view key) const {
+        return entries_.Find(reading_.name, key);
+    }
+
+    /// The section's entries that look-ups can find, in file order.
+    std::vector<const IniFile::Entry*> OwnEntries() const;
+    /// Those that no look-up of the module has found.
+    std::vector<const IniFile::Entry*> UnreadEntries() const;
+
+    /// Reports a fault of the whole value that the look-up found.
+    void ReportValue(const LookUp& lookUp, const std::optional<ValueFault>& fault);
+
+    /// Warns that the key, if it is there, is not used, and why.
+    void ReportUnused(std::string_view key, const std::string& why);
+
+    /// Reports what the module reads a count as. A count of another key's text that is less than
+    /// `leastReported` has no effect worth a word; `whenZero` says what a count of 0 does.
+    void ReportCount(const LookUp& count, std::int32_t leastReported, const std::string& whenZero);
+
+    /// Warns of every entry `stem`, followed by a number, that the module does not ask for because
+    /// the count ends before it.
+    void ReportBeyondCount(std::string_view stem, const LookUp& count);
+
+private:
+    const SectionReading& reading_;
+    const SourceFile& source_;
+    const FirstEntries& entries_;
+    Findings& findings_;
+    Place header_;
+};
+
+/// Whether the key is the stem followed by a number. Regards no case.
+bool IsNumbered(std::string_view key, std::string_view stem);
+
+/// "line 7"
+std::string LineText(std::size_t number);
+
+}  // namespace host::check

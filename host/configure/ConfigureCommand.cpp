@@ -1,0 +1,201 @@
+#include "host/configure/ConfigureCommand.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/ExitCode.h"
+#include "host/HostError.h"
+#include "host/configure/Json.h"
+#include "host/configure/MachineFiles.h"
+#include "host/configure/Passes.h"
+#include "host/configure/Report.h"
+#include "host/snapshot/Snapshot.h"
+#include "machine/State.h"
+
+namespace host::configure {
+
+namespace {
+
+struct ConfigureOptions {
+    std::string file;
+    std::string machineFile;
+    bool thisMachine = false;
+    bool yes = false;
+    bool plan = false;
+    bool untilDone = false;
+    bool log = false;
+    std::vector<std::string> faults;
+    std::string traceFile;
+    std::string saveFile;
+    bool withPasswords = false;
+};
+
+/// Combinations that the parser cannot express.
+void CheckCombination(const ConfigureOptions& options) {
+    const bool real = options.thisMachine && !options.plan;
+    if (real && !options.yes) {
+        throw HostError(
+            "--this-machine changes this machine: add --yes to do that, or --plan to "
+            "see what would change",
+            kWrongUsage);
+    }
+    if (real && (options.untilDone || !options.faults.empty() || !options.traceFile.empty() ||
+                 !options.saveFile.empty())) {
+        throw HostError(
+            "--until-done, --fail, --trace and --save-machine are for simulated "
+            "machines: this machine can neither be restarted nor watched from here",
+            kWrongUsage);
+    }
+    if (options.plan && !options.saveFile.empty()) {
+        throw HostError("--plan changes no machine that --save-machine could save", kWrongUsage);
+    }
+}
+
+machine::FaultPlan ReadFaults(const std::vector<std::string>& texts) {
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += (joined.empty() ? "" : ",") + text;
+    }
+    try {
+        return joined.empty() ? machine::FaultPlan() : machine::FaultPlan::Parse(joined);
+    } catch (const machine::FaultPlanError& error) {
+        throw HostError(std::string("--fail: ") + error.what(), kWrongUsage);
+    }
+}
+
+std::string MachineName(const ConfigureOptions& options) {
+    return options.thisMachine           ? "this machine"
+           : options.machineFile.empty() ? "the embedded machine"
+                                         : options.machineFile;
+}
+
+machine::State ReadMachine(const ConfigureOptions& options, Output& output) {
+    if (!options.thisMachine) {
+        return options.machineFile.empty() ? machine::DefaultState()
+                                           : LoadMachine(options.machineFile);
+    }
+    snapshot::Snapshot taken = snapshot::TakeSnapshot();
+    for (const std::string& note : taken.notes) {
+        output.Note(note);
+    }
+    return std::move(taken.state);
+}
+
+bool HasAccounts(const machine::State& machine) {
+    return std::any_of(machine.domains.begin(), machine.domains.end(),
+                       [](const machine::Domain& domain) { return !domain.accounts.empty(); });
+}
+
+bool ChangesSomething(const Outcome& outcome) {
+    return std::any_of(outcome.passes.begin(), outcome.passes.end(), [](const Pass& pass) {
+        return !pass.changes.empty() || CountRows(pass.rows).changes != 0;
+    });
+}
+
+int ExitCodeOf(const Outcome& outcome, const ConfigureOptions& options) {
+    const Story& story = outcome.Last().story;
+    if (!outcome.violations.empty()) {
+        return kFailure;
+    }
+    if (story.failure) {
+        return story.failure->configurationRefused ? kBadInput : kFailure;
+    }
+    const bool unsettled = outcome.furtherRun && !outcome.Settled();
+    if (unsettled || (options.untilDone && story.fileKept)) {
+        return kFailure;
+    }
+    if (options.plan) {
+        return ChangesSomething(outcome) ? kChangesPlanned : kDone;
+    }
+    // A restart that the file keeps quiet about makes the module answer "Failure".
+    return story.fileKept ? kRestartNeeded : story.stoppedForRestart ? kFailure : kDone;
+}
+
+int Configure(const CommonOptions& common, const ConfigureOptions& options, Output& output) {
+    CheckCombination(options);
+    const Request request{common.module, options.file, options.untilDone,
+                          ReadFaults(options.faults),
+                          [&output](const std::string& text) { output.Progress(text); }};
+    Outcome outcome;
+    if (options.thisMachine && !options.plan) {
+        outcome = RunHere(request);
+    } else {
+        const machine::State machine = ReadMachine(options, output);
+        outcome = RunPasses(request, machine);
+    }
+    output.Progress({});
+    if (!options.traceFile.empty()) {
+        WriteTrace(outcome.trace, options.traceFile);
+    }
+    if (!options.saveFile.empty()) {
+        const bool keep =
+            options.withPasswords || (!options.machineFile.empty() &&
+                                      IsSameMachineFile(options.machineFile, options.saveFile));
+        SaveMachine(outcome.machine, options.saveFile, keep);
+        if (!keep && HasAccounts(outcome.machine)) {
+            output.Note(options.saveFile +
+                        " is without the passwords of the directory's accounts; "
+                        "--with-passwords saves them too");
+        }
+    }
+    const std::string machineName = MachineName(options);
+    output.Document() = ToJson(outcome, options.file, machineName);
+    PrintReport(outcome, {options.file, machineName, options.plan, options.untilDone}, output);
+    if (options.log) {
+        for (const Pass& pass : outcome.passes) {
+            for (const Mark& mark : pass.run.log) {
+                output.Log(mark.line);
+            }
+        }
+    }
+    for (const std::string& violation : outcome.violations) {
+        output.Error("the module broke a rule of the simulated machine: " + violation);
+    }
+    return ExitCodeOf(outcome, options);
+}
+
+}  // namespace
+
+void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& action) {
+    CLI::App* const command = app.add_subcommand(
+        "configure", "Run a configuration file against a machine, a simulated one unless told");
+    const auto options = std::make_shared<ConfigureOptions>();
+    command->add_option("file", options->file, "The configuration file")->required();
+    CLI::Option* const machine =
+        command
+            ->add_option("--machine", options->machineFile,
+                         "A machine file to run against, else an embedded machine")
+            ->type_name("FILE");
+    command->add_flag("--this-machine", options->thisMachine, "Run against the real machine")
+        ->excludes(machine);
+    command->add_flag("--yes", options->yes, "Yes, change the real machine");
+    command->add_flag("--plan", options->plan,
+                      "Change nothing; exit code 2 when there would be changes");
+    command->add_flag("--until-done", options->untilDone,
+                      "Restart the simulated machine and go on as long as the module asks for it");
+    command
+        ->add_option("--fail", options->faults,
+                     "Make calls fail: EnableStatic=84, RegOpenKeyExA#2=5, call:17 (repeatable)")
+        ->type_name("SPEC")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--trace", options->traceFile,
+                     "Write every platform call as JSON lines; as a timeline to *.trace.json")
+        ->type_name("FILE");
+    CLI::Option* const save = command
+                                  ->add_option("--save-machine", options->saveFile,
+                                               "Write the machine as it is afterwards")
+                                  ->type_name("FILE");
+    command
+        ->add_flag("--with-passwords", options->withPasswords,
+                   "Save the passwords of the directory's accounts too")
+        ->needs(save);
+    command->add_flag("--log", options->log, "Print the module's log beside the report");
+    command->callback([&common, &action, options] {
+        action = [&common, options](Output& output) { return Configure(common, *options, output); };
+    });
+}
+
+}  // namespace host::configure

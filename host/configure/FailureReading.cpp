@@ -1,0 +1,198 @@
+#include "host/configure/FailureReading.h"
+
+#include <algorithm>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "common/util/Strings.h"
+#include "host/configure/Codes.h"
+
+namespace host::configure {
+
+namespace {
+
+// Codes of config::ConfigError.
+constexpr std::int32_t kEmptyList = 2;
+constexpr std::int32_t kMethodFailed = 4;
+constexpr std::int32_t kProgramFailed = 5;
+constexpr std::int32_t kOutOfRange = 87;
+
+// Winsock's codes for a name that does not resolve.
+constexpr std::int32_t kHostNotFound = 11001;
+constexpr std::int32_t kNoData = 11004;
+
+std::size_t FindLine(const Run& run, std::string_view text) {
+    const auto found = std::find_if(run.log.begin(), run.log.end(), [text](const Mark& mark) {
+        return mark.line.text.find(text) != std::string::npos;
+    });
+    return static_cast<std::size_t>(found - run.log.begin());
+}
+
+bool Logged(const Run& run, std::string_view text) {
+    return FindLine(run, text) < run.log.size();
+}
+
+bool Mentions(const std::string& result, std::uint32_t code) {
+    const auto standsAlone = [&result](const std::string& number) {
+        const std::size_t at = result.find(number);
+        return at != std::string::npos &&
+               (at + number.size() == result.size() || !util::IsDigit(result[at + number.size()]));
+    };
+    return standsAlone(util::Format("0x%X", code)) || standsAlone(" " + std::to_string(code)) ||
+           result == std::to_string(code);
+}
+
+/// The platform calls until the module caught an error.
+std::span<const machine::TraceEntry> CallsUntilCaught(const Run& run) {
+    const std::size_t caught = FindLine(run, "Configure::HandleMessage(): caught ");
+    const std::size_t end = caught < run.log.size() ? run.log[caught].calls : run.calls.size();
+    return std::span(run.calls).first(std::min(end, run.calls.size()));
+}
+
+/// The failing platform call behind the error: the last one that gave its code, or one that a fault
+/// was injected into, or one just before the error was caught.
+std::string FindCause(const Run& run, std::uint32_t code) {
+    constexpr std::size_t kCleaningUp = 4;  // calls that may lie between failure and catch
+    const auto calls = CallsUntilCaught(run);
+    const machine::TraceEntry* withCode = nullptr;
+    const machine::TraceEntry* injected = nullptr;
+    const machine::TraceEntry* late = nullptr;
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        const machine::TraceEntry& call = calls[i];
+        if (!call.failed) {
+            continue;
+        }
+        withCode = code != 0 && Mentions(call.result, code) ? &call : withCode;
+        injected = call.injected ? &call : injected;
+        late = i + kCleaningUp >= calls.size() ? &call : late;
+    }
+    const machine::TraceEntry* const cause = withCode != nullptr   ? withCode
+                                             : injected != nullptr ? injected
+                                                                   : late;
+    return cause == nullptr ? std::string() : cause->function + ": " + cause->result;
+}
+
+/// The module asks for its program's place when the commands are done, and before it may report
+/// anything about the file.
+bool WasPuttingAway(const Run& run) {
+    const auto calls = CallsUntilCaught(run);
+    return std::any_of(calls.begin(), calls.end(), [](const machine::TraceEntry& call) {
+        return call.function == "GetModuleFileNameA";
+    });
+}
+
+std::string DescribeStatus(std::int32_t status) {
+    return status == 0 ? "the error carries no code"
+                       : DescribeCode(static_cast<std::uint32_t>(status));
+}
+
+std::string DescribeRefusal(std::int32_t code) {
+    return code == kOutOfRange ? "a count in the file is out of range"
+                               : "settings of the file do not fit together, or a section is not "
+                                 "complete; \"check\" says which";
+}
+
+/// The outcome of the step's last call, told by its code.
+void DescribeCall(const ChangingCall& call, Failure& failure) {
+    failure.code = call.value;
+    failure.call = call.name;
+    if (!call.reached) {
+        failure.call += ": " + call.result;
+        failure.text = DescribeCode(call.value);
+    } else if (call.name.starts_with("route ")) {
+        failure.text = "the program's exit code";
+    } else {
+        failure.text =
+            call.onAdapter ? DescribeAdapterMethod(call.value) : DescribeCode(call.value);
+    }
+}
+
+void ReadConfigError(std::vector<Step>& steps, std::int32_t status, Failure& failure) {
+    Step& step = steps.back();
+    step.failed = true;
+    failure.step = steps.size() - 1;
+    const bool called = status == kMethodFailed || status == kProgramFailed;
+    if (called && !step.calls.empty()) {
+        DescribeCall(step.calls.back(), failure);
+    } else if (called) {
+        failure.text = status == kMethodFailed ? "the method did not succeed"
+                                               : "the route program did not succeed";
+    } else if (step.command == "ConfigureNic") {
+        failure.text = "the machine has no PCI adapter left for this section";
+    } else if (status == kEmptyList) {
+        failure.text = "the list of addresses or masks is empty";
+    } else {
+        failure.text = "the module gives no reason";
+    }
+}
+
+/// An error of the system: of the last step, or of reading a present setting after it, which only
+/// happens between the commands of an adapter.
+void ReadSystemError(const Run& run, std::vector<Step>& steps, Failure& failure) {
+    const auto status = static_cast<std::uint32_t>(failure.status.value_or(0));
+    failure.text = DescribeStatus(failure.status.value_or(0));
+    failure.call = FindCause(run, status);
+    Step& step = steps.back();
+    const bool worked = step.command == "ConfigureNic" || step.command == "Sleep" ||
+                        (!step.calls.empty() && step.calls.back().Succeeded());
+    failure.afterLastStep = step.nic.has_value() && worked;
+    if (!failure.afterLastStep) {
+        step.failed = true;
+        failure.step = steps.size() - 1;
+    }
+}
+
+/// DoMagic's words for an error that left the handler.
+std::string UnhandledError(const Run& run) {
+    const std::size_t line = FindLine(run, "Exception Details: ");
+    if (line == run.log.size()) {
+        return {};
+    }
+    const std::string& text = run.log[line].line.text;
+    const std::size_t dash = text.find(" - ");
+    return dash == std::string::npos ? text : text.substr(dash + 3);
+}
+
+}  // namespace
+
+Failure ReadFailure(const Run& run, std::vector<Step>& steps) {
+    Failure failure;
+    failure.stage = !steps.empty()                               ? Stage::kRunning
+                    : Logged(run, "about to call Analyze() and") ? Stage::kAnalysing
+                                                                 : Stage::kReading;
+    if (run.Reply("Result") != "Failure") {
+        const std::string unhandled = UnhandledError(run);
+        failure.stage = run.Reply("Result").empty() ? failure.stage : Stage::kPuttingAway;
+        failure.text = !run.moduleError.empty() ? run.moduleError
+                       : !unhandled.empty()     ? unhandled
+                                                : "the module did not handle the message";
+        return failure;
+    }
+    const std::int32_t status = util::StringToInt(run.Reply("Status-Code"));
+    failure.status = status;
+    failure.code = status;
+    const bool ofConfiguration = Logged(run, "caught win32 error");
+    if (!ofConfiguration && WasPuttingAway(run)) {
+        failure.stage = Stage::kPuttingAway;
+        failure.text = DescribeStatus(status);
+        failure.call = FindCause(run, static_cast<std::uint32_t>(status));
+        return failure;
+    }
+    if (failure.stage == Stage::kRunning) {
+        if (ofConfiguration) {
+            ReadConfigError(steps, status, failure);
+        } else {
+            ReadSystemError(run, steps, failure);
+        }
+        return failure;
+    }
+    failure.text = ofConfiguration ? DescribeRefusal(status) : DescribeStatus(status);
+    failure.call = ofConfiguration ? "" : FindCause(run, static_cast<std::uint32_t>(status));
+    failure.configurationRefused =
+        failure.stage == Stage::kReading &&
+        (ofConfiguration || (status >= kHostNotFound && status <= kNoData));
+    return failure;
+}
+
+}  // namespace host::configure

@@ -1,0 +1,15 @@
+// The outcome for programs: docs/configure.schema.json describes it.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "host/configure/Passes.h"
+
+namespace host::configure {
+
+/// The same object for a plan and for a run. All texts are UTF-8.
+nlohmann::ordered_json ToJson(const Outcome& outcome, const std::string& file,
+                              const std::string& machine);
+
+}  // namespace host::configure

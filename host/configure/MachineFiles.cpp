@@ -1,0 +1,82 @@
+#include "host/configure/MachineFiles.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "host/HostError.h"
+#include "host/configure/PrivateFolder.h"
+#include "machine/MachineFile.h"
+
+namespace host::configure {
+
+namespace {
+
+constexpr const char* kMask = "***";
+
+/// Masks one of a method's parameters: Name="PC7", UserName="joiner", Password=***
+void MaskParameter(std::string& text, const std::string& name) {
+    const std::string opening = name + "=\"";
+    const std::size_t start = text.find(opening);
+    if (start == std::string::npos) {
+        return;
+    }
+    const std::size_t value = start + opening.size();
+    const std::size_t end = text.find("\", ", value);
+    text.replace(value, std::min(end, text.size() - 1) - value, kMask);
+}
+
+void MaskAccount(machine::TraceEntry& entry) {
+    bool isUserName = false;
+    for (auto& [name, value] : entry.arguments) {
+        if (name == "user") {
+            value = value.empty() ? value : kMask;
+        } else if (name == "in") {
+            MaskParameter(value, "UserName");
+        } else if (name == "name") {
+            isUserName = value == "UserName";
+        } else if (name == "value" && isUserName) {
+            value = kMask;
+        }
+    }
+}
+
+}  // namespace
+
+machine::State LoadMachine(const std::string& file) {
+    try {
+        return machine::LoadState(ToPath(file));
+    } catch (const machine::MachineFileError& error) {
+        throw HostError(error.what(), kBadInput);
+    }
+}
+
+void SaveMachine(machine::State machine, const std::string& file, bool withPasswords) {
+    if (!withPasswords) {
+        for (machine::Domain& domain : machine.domains) {
+            for (machine::Account& account : domain.accounts) {
+                // Not empty: a configuration without a password would get in.
+                account.password = "(not saved)";
+            }
+        }
+    }
+    try {
+        machine::SaveState(machine, ToPath(file));
+    } catch (const machine::MachineFileError& error) {
+        throw HostError(error.what());
+    }
+}
+
+bool IsSameMachineFile(const std::string& left, const std::string& right) {
+    std::error_code noSuchFile;
+    return std::filesystem::equivalent(ToPath(left), ToPath(right), noSuchFile);
+}
+
+void WriteTrace(machine::Trace trace, const std::string& file) {
+    for (std::size_t i = 0; i < trace.Size(); ++i) {
+        MaskAccount(trace.At(i));
+    }
+    trace.WriteFile(file);
+}
+
+}  // namespace host::configure

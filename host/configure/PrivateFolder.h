@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace host::configure {
+
+/// A new folder under the user's temporary folder, removed with all that is in it.
+class PrivateFolder {
+public:
+    /// Throws HostError when it cannot be made.
+    PrivateFolder();
+    ~PrivateFolder();
+    PrivateFolder(const PrivateFolder&) = delete;
+    PrivateFolder& operator=(const PrivateFolder&) = delete;
+
+    /// In the system code page, without a separator at the end.
+    const std::string& Path() const noexcept { return path_; }
+
+    /// Copies the file here and returns the copy's path. The copy's name is one that no other file
+    /// has, wherever it may be moved to. Throws HostError (bad input) when that fails.
+    std::string CopyOf(const std::string& file) const;
+
+private:
+    std::string path_;
+};
+
+/// The path of a text in the system code page: the library would take it for UTF-8.
+std::filesystem::path ToPath(const std::string& text);
+
+}  // namespace host::configure

@@ -1,0 +1,104 @@
+#include "host/configure/Reasons.h"
+
+#include <algorithm>
+
+#include "common/util/Strings.h"
+#include "host/configure/Values.h"
+
+namespace host::configure {
+
+namespace {
+
+using Kind = Setting::Kind;
+using Texts = std::vector<std::string>;
+
+bool Same(const Texts& left, const Texts& right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(), util::NoCaseEqual);
+}
+
+Texts Sorted(Texts texts) {
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+bool IsThere(const Row& row, const machine::State& before) {
+    switch (row.setting.kind) {
+        case Kind::kDomain:
+            return !row.setting.wanted.empty() && before.membership.member &&
+                   (util::NoCaseEqual(row.setting.wanted.front(), before.membership.domain) ||
+                    util::NoCaseEqual(row.setting.wanted.front(), before.membership.dnsDomain));
+        case Kind::kRoutes:
+            return Same(Sorted(row.current.value_or(Texts())), Sorted(row.wanted));
+        default:
+            return row.current && Same(*row.current, row.wanted);
+    }
+}
+
+}  // namespace
+
+std::string WhyExecuted(const Row& row, const Step& step) {
+    const Kind kind = row.setting.kind;
+    if (kind == Kind::kUnit && step.command == "JoinDomain") {
+        return "goes with the join";
+    }
+    if (!step.before) {
+        return {};
+    }
+    const std::optional<Texts> now = CurrentValues(*step.before, kind, row.index);
+    if (now != row.current) {
+        return "a step before it has left " + ListText(now);
+    }
+    if (row.current && Same(*row.current, row.wanted) && kind == Kind::kDnsSuffixes) {
+        return "the letter case differs";
+    }
+    return {};
+}
+
+std::string WhySkipped(const Row& row, const machine::State& before) {
+    if (IsThere(row, before)) {
+        return kAlreadySet;
+    }
+    switch (row.setting.kind) {
+        case Kind::kAddresses:
+            return "skipped although it differs: the module compares the first address alone";
+        case Kind::kUnit:
+            return before.membership.member ? "the module finds the computer there"
+                                            : "skipped: the machine is in no domain";
+        case Kind::kWorkgroup:
+            return "skipped: the module finds nothing to do";
+        case Kind::kRoutes:
+            return "the module finds nothing to delete or add";
+        default:
+            return "the module finds nothing to do";
+    }
+}
+
+std::string WhyNoWish(const Row& row, const Run& run, const Story& story, const Row* next) {
+    switch (row.setting.kind) {
+        case Kind::kAdapter:
+            if (row.index) {
+                return "the next free PCI adapter";
+            }
+            if (next != nullptr && next->index) {
+                return "after the restart: " + next->adapter;
+            }
+            return story.failure ? "the run ended before it" : "not reached in this run";
+        case Kind::kAccount:
+            return "for what changes names and membership; never shown";
+        case Kind::kRestartAnswer:
+            if (!util::NoCaseEqual(ListText(row.setting.wanted), "false")) {
+                return "a needed restart is reported";
+            }
+            return run.Reply("Status-Module") == "Tovrune"
+                       ? "a needed restart is not reported: the run stopped for one, and the "
+                         "module "
+                         "calls that a failure"
+                       : "a needed restart would not be reported";
+        case Kind::kDnsServers:
+            return "no server is left";
+        default:
+            return row.setting.notes.empty() ? "" : row.setting.notes.front();
+    }
+}
+
+}  // namespace host::configure

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "host/configure/Plan.h"
+
+namespace host::configure {
+
+/// The reason of a setting that is as the file wants it.
+constexpr const char* kAlreadySet = "already set";
+
+/// Why the module executed the setting's command, where the values before the run do not say it.
+std::string WhyExecuted(const Row& row, const Step& step);
+
+/// Why the module passed over the setting.
+std::string WhySkipped(const Row& row, const machine::State& before);
+
+/// What a setting does that asks for nothing by itself.
+std::string WhyNoWish(const Row& row, const Run& run, const Story& story, const Row* next);
+
+}  // namespace host::configure

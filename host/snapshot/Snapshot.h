@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "machine/State.h"
+
+namespace host::snapshot {
+
+/// A machine as the module sees it.
+struct Snapshot {
+    machine::State state;
+    /// What could not be seen, in sentences. Texts are in the system code page.
+    std::vector<std::string> notes;
+};
+
+/// Reads the machine that this program runs on through the module's own queries. Never fails: what
+/// cannot be read is left out and noted.
+///
+/// The queries see the IP-enabled adapters, of each the first address, and nothing of a directory
+/// but the unit that holds the computer's object.
+Snapshot TakeSnapshot();
+
+}  // namespace host::snapshot

@@ -1,0 +1,50 @@
+#include "host/snapshot/SnapshotCommand.h"
+
+#include <memory>
+#include <string>
+
+#include "host/ExitCode.h"
+#include "host/HostError.h"
+#include "host/configure/PrivateFolder.h"
+#include "host/snapshot/Snapshot.h"
+#include "machine/MachineFile.h"
+
+namespace host::snapshot {
+
+namespace {
+
+int Take(const std::string& file, Output& output) {
+    const Snapshot snapshot = TakeSnapshot();
+    for (const std::string& note : snapshot.notes) {
+        output.Note(note);
+    }
+    output.Note(
+        "Seen of each adapter: its first address. Not seen: directories with their accounts "
+        "and units; add them to plan a join.");
+    if (file.empty()) {
+        output.Raw(machine::FormatState(snapshot.state));
+        return kDone;
+    }
+    try {
+        machine::SaveState(snapshot.state, configure::ToPath(file));
+    } catch (const machine::MachineFileError& error) {
+        throw HostError(error.what());
+    }
+    output.Line("wrote " + file);
+    output.Document()["file"] = file;
+    return kDone;
+}
+
+}  // namespace
+
+void AddSnapshotCommand(CLI::App& app, Action& action) {
+    CLI::App* const command = app.add_subcommand(
+        "snapshot", "Write the machine that this program runs on as a machine file");
+    const auto file = std::make_shared<std::string>();
+    command->add_option("--output,-o", *file, "Where to write it, else standard output")
+        ->type_name("FILE");
+    command->callback(
+        [&action, file] { action = [file](Output& output) { return Take(*file, output); }; });
+}
+
+}  // namespace host::snapshot

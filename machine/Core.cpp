@@ -1,0 +1,63 @@
+#include "machine/Core.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "machine/com/ComObject.h"
+
+namespace machine {
+namespace {
+
+std::shared_ptr<Core>& ActiveCore() {
+    static std::shared_ptr<Core> active;
+    return active;
+}
+
+// Real handles are small multiples of 4; these stand far above them.
+constexpr std::uintptr_t firstHandle = 0x5A000004;
+
+}  // namespace
+
+Core::Core() : nextHandle_(firstHandle) {
+    InitializeCriticalSection(&lock_);
+}
+
+Core::~Core() {
+    DeleteCriticalSection(&lock_);
+}
+
+Core* Core::Active() {
+    return ActiveCore().get();
+}
+
+void Core::SetActive(std::shared_ptr<Core> core) {
+    ActiveCore() = std::move(core);
+}
+
+std::uintptr_t Core::NewHandle() {
+    return std::exchange(nextHandle_, nextHandle_ + 4);
+}
+
+void Core::RecordUnexpected(std::string what) {
+    unexpected.push_back(std::move(what));
+}
+
+bool Core::ComIsInitialised() const {
+    // A thread of its own need not initialise COM once another one opened the multithreaded
+    // apartment.
+    return std::ranges::any_of(apartments, [](const auto& entry) {
+        const auto& [thread, apartment] = entry;
+        return apartment.initialisations != 0 &&
+               (apartment.multithreaded || thread == GetCurrentThreadId());
+    });
+}
+
+void Core::CollectRouteChildren() {
+    // In the order started: a later command saw what an earlier one left.
+    while (!routeChildren.empty() && routeChildren.front().Ended()) {
+        routeChildren.front().Apply(state);
+        routeChildren.erase(routeChildren.begin());
+    }
+}
+
+}  // namespace machine

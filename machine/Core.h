@@ -1,0 +1,81 @@
+// What the simulation and its hooks share: the state, the records and what is handed out at the
+// moment.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "machine/FaultPlan.h"
+#include "machine/ImportTable.h"
+#include "machine/Ledger.h"
+#include "machine/State.h"
+#include "machine/Trace.h"
+#include "machine/route/RouteChild.h"
+
+namespace machine {
+
+class ComObjectBase;
+
+// A thread's standing with COM.
+struct Apartment {
+    std::uint64_t initialisations = 0;
+    std::uint64_t refusals = 0;  // initialisations that the fault plan made fail
+    bool multithreaded = false;
+};
+
+class Core {
+public:
+    Core();
+    ~Core();
+    Core(const Core&) = delete;
+    Core& operator=(const Core&) = delete;
+
+    // The simulation that serves calls now; null when there is none.
+    static Core* Active();
+    static void SetActive(std::shared_ptr<Core> core);
+
+    State state;
+    Trace trace;
+    Ledger ledger;
+    FaultPlan faults;
+    std::vector<std::string> unexpected;
+    std::vector<std::string> unservedImports;
+    std::uint64_t clock = 0;  // milliseconds
+
+    std::map<DWORD, Apartment> apartments;
+    bool comSecuritySet = false;
+    std::map<std::uintptr_t, std::string> openKeys;  // by handle: the path below HKEY_LOCAL_MACHINE
+    std::map<std::uintptr_t, std::unique_ptr<std::byte[]>> buffers;  // of LSA and NetApi
+    // By interface pointer; those already released too.
+    std::unordered_map<const void*, std::unique_ptr<ComObjectBase>> objects;
+    std::vector<RouteChild> routeChildren;
+    std::set<HANDLE> standardHandles;  // given out by GetStdHandle
+    std::vector<std::unique_ptr<ImportTable>> images;
+    std::filesystem::path routeProgram;
+    std::string programFile;  // empty: the real one
+
+    // A handle value that the process can have no real handle of.
+    std::uintptr_t NewHandle();
+    void RecordUnexpected(std::string what);
+    bool ComIsInitialised() const;
+    // Takes over the effects of route programs that have ended.
+    void CollectRouteChildren();
+
+    CRITICAL_SECTION* Lock() { return &lock_; }
+
+private:
+    std::uintptr_t nextHandle_;
+    CRITICAL_SECTION lock_ = {};
+};
+
+}  // namespace machine

@@ -1,0 +1,156 @@
+// COM's start, end, security and object creation.
+#include <windows.h>
+
+#include <objbase.h>
+#include <wbemcli.h>
+
+#include "machine/Call.h"
+#include "machine/Text.h"
+#include "machine/hooks/Hooks.h"
+#include "machine/wmi/Services.h"
+
+namespace machine {
+namespace {
+
+constexpr std::string_view initialisation = "COM initialisation";
+
+HRESULT Initialise(Call& call, bool multithreaded) {
+    Apartment& apartment = call->apartments[GetCurrentThreadId()];
+    if (apartment.initialisations != 0 && apartment.multithreaded != multithreaded) {
+        return call.Hresult(RPC_E_CHANGED_MODE);
+    }
+    const bool isFirst = apartment.initialisations++ == 0;
+    apartment.multithreaded = multithreaded;
+    call->ledger.HandOut(initialisation, GetCurrentThreadId(), call.Origin());
+    return call.Hresult(isFirst ? S_OK : S_FALSE);
+}
+
+HRESULT WINAPI ServeCoInitialize(LPVOID reserved) {
+    Call call("CoInitialize");
+    if (const auto fault = call.Fault()) {
+        ++call->apartments[GetCurrentThreadId()].refusals;
+        return call.Hresult(*fault);
+    }
+    if (reserved != nullptr) {
+        return call.Hresult(E_INVALIDARG);
+    }
+    return Initialise(call, false);
+}
+
+HRESULT WINAPI ServeCoInitializeEx(LPVOID reserved, DWORD mode) {
+    Call call("CoInitializeEx", {{"mode", Hex(mode)}});
+    if (const auto fault = call.Fault()) {
+        ++call->apartments[GetCurrentThreadId()].refusals;
+        return call.Hresult(*fault);
+    }
+    if (reserved != nullptr) {
+        return call.Hresult(E_INVALIDARG);
+    }
+    return Initialise(call, (mode & COINIT_APARTMENTTHREADED) == 0);
+}
+
+void WINAPI ServeCoUninitialize() {
+    Call call("CoUninitialize", {}, Failing::Never);
+    const auto found = call->apartments.find(GetCurrentThreadId());
+    if (found == call->apartments.end()) {
+        call->ledger.RecordMisuse(call.Origin() + ": COM is not initialised on this thread");
+        return;
+    }
+    Apartment& apartment = found->second;
+    if (apartment.initialisations != 0) {
+        --apartment.initialisations;
+        call->ledger.TakeBack(initialisation, GetCurrentThreadId());
+    } else {
+        // The answer to an initialisation that the plan refused: Windows ignores it too.
+        --apartment.refusals;
+    }
+    if (apartment.initialisations == 0 && apartment.refusals == 0) {
+        call->apartments.erase(found);
+    }
+}
+
+HRESULT WINAPI ServeCoInitializeSecurity(PSECURITY_DESCRIPTOR, LONG, SOLE_AUTHENTICATION_SERVICE*,
+                                         void*, DWORD authenticationLevel, DWORD impersonationLevel,
+                                         void*, DWORD capabilities, void*) {
+    Call call("CoInitializeSecurity",
+              {{"authentication level", std::to_string(authenticationLevel)},
+               {"impersonation level", std::to_string(impersonationLevel)},
+               {"capabilities", Hex(capabilities)}});
+    if (const auto fault = call.Fault()) {
+        return call.Hresult(*fault);
+    }
+    if (!call->ComIsInitialised()) {
+        return call.Hresult(CO_E_NOTINITIALIZED);
+    }
+    // Security is set once for a process; whoever comes second is told so.
+    if (call->comSecuritySet) {
+        return call.Hresult(RPC_E_TOO_LATE);
+    }
+    call->comSecuritySet = true;
+    return call.Hresult(S_OK);
+}
+
+HRESULT WINAPI ServeCoCreateInstance(REFCLSID wantedClass, LPUNKNOWN outer, DWORD context,
+                                     REFIID wanted, LPVOID* object) {
+    Call call("CoCreateInstance", {{"context", Hex(context)}});
+    if (object != nullptr) {
+        *object = nullptr;
+    }
+    if (const auto fault = call.Fault()) {
+        return call.Hresult(*fault);
+    }
+    if (object == nullptr) {
+        return call.Hresult(E_POINTER);
+    }
+    if (!call->ComIsInitialised()) {
+        return call.Hresult(CO_E_NOTINITIALIZED);
+    }
+    if (!IsEqualCLSID(wantedClass, CLSID_WbemLocator)) {
+        call.Unexpected("a class other than the WBEM locator");
+        return call.Hresult(REGDB_E_CLASSNOTREG);
+    }
+    if (outer != nullptr) {
+        return call.Hresult(CLASS_E_NOAGGREGATION);
+    }
+    if ((context & CLSCTX_INPROC_SERVER) == 0) {
+        call.Unexpected("the WBEM locator lives in process only");
+        return call.Hresult(REGDB_E_CLASSNOTREG);
+    }
+    if (!IsEqualIID(wanted, IID_IWbemLocator)) {
+        call.Unexpected("an interface that the WBEM locator does not have");
+        return call.Hresult(E_NOINTERFACE);
+    }
+    *object = MakeComObject<wmi::Locator>(call.Machine()).HandOut(call);
+    return call.Hresult(S_OK);
+}
+
+HRESULT WINAPI ServeCoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWORD authorisation,
+                                      OLECHAR*, DWORD authenticationLevel, DWORD impersonationLevel,
+                                      RPC_AUTH_IDENTITY_HANDLE, DWORD capabilities) {
+    Call call("CoSetProxyBlanket", {{"authentication", std::to_string(authentication)},
+                                    {"authorisation", std::to_string(authorisation)},
+                                    {"authentication level", std::to_string(authenticationLevel)},
+                                    {"impersonation level", std::to_string(impersonationLevel)},
+                                    {"capabilities", Hex(capabilities)}});
+    if (const auto fault = call.Fault()) {
+        return call.Hresult(*fault);
+    }
+    if (FindComObject<wmi::Services>(call.Machine(), proxy) == nullptr) {
+        call.Unexpected("security is set on something that is no proxy of WMI");
+        return call.Hresult(E_INVALIDARG);
+    }
+    return call.Hresult(S_OK);
+}
+
+}  // namespace
+
+void AddComHooks(Hooks& hooks) {
+    hooks.push_back(MakeHook("CoCreateInstance", &ServeCoCreateInstance));
+    hooks.push_back(MakeHook("CoInitialize", &ServeCoInitialize));
+    hooks.push_back(MakeHook("CoInitializeEx", &ServeCoInitializeEx));
+    hooks.push_back(MakeHook("CoInitializeSecurity", &ServeCoInitializeSecurity));
+    hooks.push_back(MakeHook("CoSetProxyBlanket", &ServeCoSetProxyBlanket));
+    hooks.push_back(MakeHook("CoUninitialize", &ServeCoUninitialize));
+}
+
+}  // namespace machine

@@ -1,0 +1,287 @@
+// What the machine says about its name and membership: LSA policy, workstation information, the
+// distinguished name of its computer object.
+#include <windows.h>
+
+#include <lmcons.h>
+
+#include <lmerr.h>
+#include <lmwksta.h>
+#include <ntsecapi.h>
+
+#define SECURITY_WIN32
+#include <security.h>
+
+#include <cstring>
+#include <new>
+
+#include "machine/Call.h"
+#include "machine/RealCalls.h"
+#include "machine/Text.h"
+#include "machine/hooks/Hooks.h"
+#include "machine/model/Directory.h"
+
+namespace machine {
+namespace {
+
+constexpr std::string_view policyKind = "LSA policy handle";
+constexpr std::string_view lsaBufferKind = "LSA buffer";
+constexpr std::string_view netBufferKind = "NetApi buffer";
+
+constexpr std::uint32_t statusInvalidHandle = 0xC0000008;
+constexpr std::uint32_t statusInvalidParameter = 0xC000000D;
+constexpr std::uint32_t statusObjectTypeMismatch = 0xC0000024;
+
+// The SID that a member machine reports; only that there is one matters.
+struct DomainSid {
+    std::uint8_t revision = 1;
+    std::uint8_t subAuthorities = 4;
+    std::uint8_t authority[6] = {0, 0, 0, 0, 0, 5};
+    std::uint32_t parts[4] = {21, 1000001, 1000002, 1000003};
+};
+
+// One block that holds a record and everything that it points to, as the platform hands it out.
+class BlockWriter {
+public:
+    explicit BlockWriter(std::size_t size)
+        : block_(std::make_unique<std::byte[]>(size)), size_(size) {}
+
+    template <typename Record>
+    Record* Add(const Record& record) {
+        constexpr std::size_t alignment = alignof(std::max_align_t);
+        used_ = (used_ + alignment - 1) / alignment * alignment;
+        return new (Take(sizeof(Record))) Record(record);
+    }
+
+    wchar_t* AddText(const std::wstring& text) {
+        const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+        void* place = Take(bytes);
+        std::memcpy(place, text.c_str(), bytes);
+        return static_cast<wchar_t*>(place);
+    }
+
+    std::unique_ptr<std::byte[]> Finish() { return std::move(block_); }
+
+private:
+    void* Take(std::size_t bytes) {
+        if (used_ + bytes > size_) {
+            throw std::bad_alloc();
+        }
+        used_ += bytes;
+        return block_.get() + used_ - bytes;
+    }
+
+    std::unique_ptr<std::byte[]> block_;
+    std::size_t size_;
+    std::size_t used_ = 0;
+};
+
+void* HandOutBlock(Call& call, std::string_view kind, BlockWriter& writer) {
+    auto block = writer.Finish();
+    void* address = block.get();
+    const auto identity = reinterpret_cast<std::uintptr_t>(address);
+    call->buffers.emplace(identity, std::move(block));
+    call->ledger.HandOut(kind, identity, call.Origin());
+    return address;
+}
+
+// Frees a handed out block; records misuse when there is none.
+void TakeBlockBack(Call& call, std::string_view kind, void* address) {
+    const auto identity = reinterpret_cast<std::uintptr_t>(address);
+    if (!call->ledger.TakeBack(kind, identity)) {
+        call->ledger.RecordMisuse(call.Origin() + ": this " + std::string(kind) + " is not held");
+        return;
+    }
+    call->buffers.erase(identity);
+}
+
+LSA_UNICODE_STRING Text(BlockWriter& writer, const std::string& text) {
+    LSA_UNICODE_STRING unicode = {};
+    if (!text.empty()) {
+        const std::wstring wide = Widen(text);
+        unicode.Buffer = writer.AddText(wide);
+        // Counted in bytes; a terminator may follow but does not count.
+        unicode.Length = static_cast<USHORT>(wide.size() * sizeof(wchar_t));
+        unicode.MaximumLength = static_cast<USHORT>(unicode.Length + sizeof(wchar_t));
+    }
+    return unicode;
+}
+
+std::size_t RoomFor(const Membership& membership) {
+    return 512 + 8 * (membership.workgroup.size() + membership.domain.size() +
+                      membership.dnsDomain.size());
+}
+
+NTSTATUS NTAPI ServeLsaOpenPolicy(PLSA_UNICODE_STRING system, PLSA_OBJECT_ATTRIBUTES attributes,
+                                  ACCESS_MASK access, PLSA_HANDLE policy) {
+    Call call("LsaOpenPolicy", {{"access", Hex(access)}});
+    if (const auto fault = call.Fault()) {
+        return call.NtStatus(*fault);
+    }
+    if (attributes == nullptr || policy == nullptr) {
+        return call.NtStatus(statusInvalidParameter);
+    }
+    if (system != nullptr && system->Length != 0) {
+        call.Unexpected("the policy of another machine");
+        return call.NtStatus(statusInvalidParameter);
+    }
+    const std::uintptr_t handle = call->NewHandle();
+    call->ledger.HandOut(policyKind, handle, call.Origin());
+    *policy = reinterpret_cast<LSA_HANDLE>(handle);
+    return call.NtStatus(0);
+}
+
+NTSTATUS NTAPI ServeLsaQueryInformationPolicy(LSA_HANDLE policy, POLICY_INFORMATION_CLASS wanted,
+                                              PVOID* buffer) {
+    Call call("LsaQueryInformationPolicy", {{"class", std::to_string(static_cast<int>(wanted))}});
+    if (const auto fault = call.Fault()) {
+        return call.NtStatus(*fault);
+    }
+    if (buffer == nullptr) {
+        return call.NtStatus(statusInvalidParameter);
+    }
+    if (!call->ledger.Holds(policyKind, reinterpret_cast<std::uintptr_t>(policy))) {
+        call->ledger.RecordMisuse(call.Origin() + ": the policy is not open");
+        return call.NtStatus(statusInvalidHandle);
+    }
+    const Membership& membership = call->state.membership;
+    BlockWriter writer(RoomFor(membership));
+    if (wanted == PolicyPrimaryDomainInformation) {
+        auto* information = writer.Add(POLICY_PRIMARY_DOMAIN_INFO());
+        information->Name =
+            Text(writer, membership.member ? membership.domain : membership.workgroup);
+        information->Sid = membership.member ? writer.Add(DomainSid()) : nullptr;
+    } else if (wanted == PolicyDnsDomainInformation) {
+        auto* information = writer.Add(POLICY_DNS_DOMAIN_INFO());
+        information->Name =
+            Text(writer, membership.member ? membership.domain : membership.workgroup);
+        if (membership.member) {
+            information->DnsDomainName = Text(writer, membership.dnsDomain);
+            information->DnsForestName = Text(writer, membership.dnsDomain);
+            information->Sid = writer.Add(DomainSid());
+        }
+    } else {
+        call.Unexpected("an information class other than the primary domain and the DNS domain");
+        return call.NtStatus(statusObjectTypeMismatch);
+    }
+    *buffer = HandOutBlock(call, lsaBufferKind, writer);
+    return call.NtStatus(0);
+}
+
+NTSTATUS NTAPI ServeLsaFreeMemory(PVOID buffer) {
+    Call call("LsaFreeMemory", {}, Failing::Never);
+    TakeBlockBack(call, lsaBufferKind, buffer);
+    return call.NtStatus(0);
+}
+
+NTSTATUS NTAPI ServeLsaClose(LSA_HANDLE policy) {
+    Call call("LsaClose");
+    if (const auto fault = call.Fault()) {
+        call->ledger.Excuse(policyKind, reinterpret_cast<std::uintptr_t>(policy));
+        return call.NtStatus(*fault);
+    }
+    if (!call->ledger.TakeBack(policyKind, reinterpret_cast<std::uintptr_t>(policy))) {
+        call->ledger.RecordMisuse(call.Origin() + ": the policy is not open");
+        return call.NtStatus(statusInvalidHandle);
+    }
+    return call.NtStatus(0);
+}
+
+ULONG WINAPI ServeLsaNtStatusToWinError(NTSTATUS status) {
+    Call call("LsaNtStatusToWinError", {{"status", Hex(static_cast<std::uint32_t>(status))}},
+              Failing::Never);
+    const ULONG error = Real().LsaNtStatusToWinError(status);
+    call.Note(std::to_string(error));
+    return error;
+}
+
+DWORD WINAPI ServeNetWkstaGetInfo(LPCWSTR server, DWORD level, LPBYTE* buffer) {
+    Call call("NetWkstaGetInfo", {{"level", std::to_string(level)}});
+    const auto result = [&call](DWORD code) { return static_cast<DWORD>(call.Status(code)); };
+    if (const auto fault = call.Fault()) {
+        return result(*fault);
+    }
+    if (buffer == nullptr) {
+        return result(ERROR_INVALID_PARAMETER);
+    }
+    if (server != nullptr && *server != L'\0') {
+        call.Unexpected("the workstation information of another machine");
+        return result(ERROR_BAD_NETPATH);
+    }
+    if (level != 100) {
+        call.Unexpected("a level other than 100");
+        return result(ERROR_INVALID_LEVEL);
+    }
+    const State& state = call->state;
+    BlockWriter writer(RoomFor(state.membership) + 8 * state.computerName.size());
+    auto* information = writer.Add(WKSTA_INFO_100());
+    information->wki100_platform_id = 500;  // PLATFORM_ID_NT
+    information->wki100_computername = writer.AddText(Widen(state.computerName));
+    information->wki100_langroup = writer.AddText(
+        Widen(state.membership.member ? state.membership.domain : state.membership.workgroup));
+    information->wki100_ver_major = 10;
+    *buffer = static_cast<LPBYTE>(HandOutBlock(call, netBufferKind, writer));
+    return result(NERR_Success);
+}
+
+DWORD WINAPI ServeNetApiBufferFree(LPVOID buffer) {
+    Call call("NetApiBufferFree", {}, Failing::Never);
+    if (buffer != nullptr) {
+        TakeBlockBack(call, netBufferKind, buffer);
+    }
+    return static_cast<DWORD>(call.Status(NERR_Success));
+}
+
+BOOLEAN WINAPI ServeGetComputerObjectNameA(EXTENDED_NAME_FORMAT format, LPSTR name, PULONG size) {
+    Call call("GetComputerObjectNameA", {{"format", std::to_string(static_cast<int>(format))}});
+    const auto result = [&call](bool succeeded, DWORD error) {
+        return static_cast<BOOLEAN>(call.Boolean(succeeded, error));
+    };
+    if (const auto fault = call.Fault()) {
+        return result(false, *fault);
+    }
+    if (size == nullptr) {
+        return result(false, ERROR_INVALID_PARAMETER);
+    }
+    if (format != NameFullyQualifiedDN) {
+        call.Unexpected("a name format other than the distinguished name");
+        return result(false, ERROR_INVALID_PARAMETER);
+    }
+    State& state = call->state;
+    if (!state.membership.member) {
+        return result(false, ERROR_CANT_ACCESS_DOMAIN_INFO);
+    }
+    const auto dn = model::OwnDistinguishedName(state);
+    if (!dn) {
+        const Domain* domain = model::FindDomain(state, state.membership.dnsDomain);
+        return result(false, domain != nullptr && domain->reachable ? ERROR_NONE_MAPPED
+                                                                    : ERROR_NO_SUCH_DOMAIN);
+    }
+    // Both sizes, given and returned, count the terminator.
+    const auto needed = static_cast<ULONG>(dn->size() + 1);
+    const bool fits = *size >= needed;
+    *size = needed;
+    if (name == nullptr) {
+        return result(true, 0);
+    }
+    if (!fits) {
+        return result(false, ERROR_INSUFFICIENT_BUFFER);
+    }
+    std::memcpy(name, dn->c_str(), needed);
+    call.AddArgument("name", *dn);
+    return result(true, 0);
+}
+
+}  // namespace
+
+void AddIdentityHooks(Hooks& hooks) {
+    hooks.push_back(MakeHook("GetComputerObjectNameA", &ServeGetComputerObjectNameA));
+    hooks.push_back(MakeHook("LsaClose", &ServeLsaClose));
+    hooks.push_back(MakeHook("LsaFreeMemory", &ServeLsaFreeMemory));
+    hooks.push_back(MakeHook("LsaNtStatusToWinError", &ServeLsaNtStatusToWinError));
+    hooks.push_back(MakeHook("LsaOpenPolicy", &ServeLsaOpenPolicy));
+    hooks.push_back(MakeHook("LsaQueryInformationPolicy", &ServeLsaQueryInformationPolicy));
+    hooks.push_back(MakeHook("NetApiBufferFree", &ServeNetApiBufferFree));
+    hooks.push_back(MakeHook("NetWkstaGetInfo", &ServeNetWkstaGetInfo));
+}
+
+}  // namespace machine

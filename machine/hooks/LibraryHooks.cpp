@@ -1,0 +1,138 @@
+// "LibCrypto.dll", which the simulated machine has, lacks, or has without its export. Other
+// libraries are real.
+#include <windows.h>
+
+#include <cstdlib>
+#include <new>
+#include <string>
+
+#include "machine/Call.h"
+#include "machine/Cipher.h"
+#include "machine/RealCalls.h"
+#include "machine/Text.h"
+#include "machine/hooks/Hooks.h"
+
+namespace machine {
+namespace {
+
+constexpr std::string_view kind = "module";
+constexpr std::string_view cryptoLibrary = "LibCrypto.dll";
+
+// No real module is loaded here.
+char cryptoModule;
+
+HMODULE CryptoModule() {
+    return reinterpret_cast<HMODULE>(&cryptoModule);
+}
+
+std::uintptr_t IdentityOf(HMODULE module) {
+    return reinterpret_cast<std::uintptr_t>(module);
+}
+
+// Allocates as the module's runtime does, from the C runtime that all images share, whatever
+// operator new the program around this library has.
+template <typename Value>
+struct SharedAllocator {
+    using value_type = Value;
+
+    SharedAllocator() = default;
+    template <typename Other>
+    explicit SharedAllocator(const SharedAllocator<Other>&) {}
+
+    Value* allocate(std::size_t count) {
+        void* block = std::malloc(count * sizeof(Value));
+        if (block == nullptr) {
+            throw std::bad_alloc();
+        }
+        return static_cast<Value*>(block);
+    }
+    void deallocate(Value* block, std::size_t) { std::free(block); }
+    bool operator==(const SharedAllocator&) const { return true; }
+};
+
+using SharedString = std::basic_string<char, std::char_traits<char>, SharedAllocator<char>>;
+static_assert(sizeof(SharedString) == sizeof(std::string));
+
+// Gives a string of the module a new text.
+void Assign(std::string& target, const std::string& text) {
+    const bool isUnallocated = target.capacity() == std::string().capacity();
+    if (text.size() > target.capacity() && isUnallocated) {
+        reinterpret_cast<SharedString&>(target).assign(text.data(), text.size());
+    } else {
+        target = text;
+    }
+}
+
+// The stand-in for the library's function. The module and this library share the string type's
+// layout.
+int Decrypt(const std::string& enciphered, std::string& plain) {
+    Call call("Decrypt", {{"enciphered", "***"}});
+    const auto result = [&call](int code) {
+        call.Note(std::to_string(code), code != 0);
+        return code;
+    };
+    if (const auto fault = call.Fault()) {
+        return result(static_cast<int>(*fault));
+    }
+    Assign(plain, Decipher(enciphered));
+    return result(0);
+}
+
+HMODULE WINAPI ServeLoadLibraryA(LPCSTR name) {
+    if (!Serving() || !EqualNoCase(OrEmpty(name), cryptoLibrary)) {
+        return Real().LoadLibraryA(name);
+    }
+    Call call("LoadLibraryA", {{"name", name}});
+    if (const auto fault = call.Fault()) {
+        call.Note("null", true, *fault);
+        return nullptr;
+    }
+    if (call->state.system.libCrypto == CryptoLibrary::Absent) {
+        call.Note("null", true, ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+    call->ledger.HandOut(kind, IdentityOf(CryptoModule()), call.Origin());
+    call.Note("module");
+    return CryptoModule();
+}
+
+FARPROC WINAPI ServeGetProcAddress(HMODULE module, LPCSTR name) {
+    if (!Serving() || module != CryptoModule()) {
+        return Real().GetProcAddress(module, name);
+    }
+    Call call("GetProcAddress", {{"name", IS_INTRESOURCE(name) ? "by number" : name}});
+    if (const auto fault = call.Fault()) {
+        call.Note("null", true, *fault);
+        return nullptr;
+    }
+    const bool exported = call->state.system.libCrypto == CryptoLibrary::Present &&
+                          !IS_INTRESOURCE(name) && std::string_view(name) == "Decrypt";
+    if (!exported) {
+        call.Note("null", true, ERROR_PROC_NOT_FOUND);
+        return nullptr;
+    }
+    call.Note("function");
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Decrypt));
+}
+
+BOOL WINAPI ServeFreeLibrary(HMODULE module) {
+    if (!Serving() || module != CryptoModule()) {
+        return Real().FreeLibrary(module);
+    }
+    Call call("FreeLibrary", {}, Failing::Never);
+    if (!call->ledger.TakeBack(kind, IdentityOf(module))) {
+        call->ledger.RecordMisuse(call.Origin() + ": the library is not loaded");
+        return call.Boolean(false, ERROR_MOD_NOT_FOUND);
+    }
+    return call.Boolean(true);
+}
+
+}  // namespace
+
+void AddLibraryHooks(Hooks& hooks) {
+    hooks.push_back(MakeHook("FreeLibrary", &ServeFreeLibrary));
+    hooks.push_back(MakeHook("GetProcAddress", &ServeGetProcAddress));
+    hooks.push_back(MakeHook("LoadLibraryA", &ServeLoadLibraryA));
+}
+
+}  // namespace machine

@@ -1,0 +1,51 @@
+// The name and the membership of the simulated machine: what the methods of Win32_ComputerSystem do
+// to it. Every method gives a Windows error code (0: done) and changes nothing unless it gives 0.
+// Name and membership change at the next restart (ApplyRestart), the directory at once.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "machine/State.h"
+
+namespace machine::model {
+
+enum IdentityCode : std::uint32_t {
+    Done = 0,
+    UnitNotFound = 2,              // ERROR_FILE_NOT_FOUND: what a wrong AccountOU gives
+    NotAllowed = 5,                // ERROR_ACCESS_DENIED
+    WrongOptions = 87,             // ERROR_INVALID_PARAMETER
+    InvalidComputerName = 1210,    // ERROR_INVALID_COMPUTERNAME
+    NoSuchComputerAccount = 1317,  // ERROR_NO_SUCH_USER
+    WrongCredentials = 1326,       // ERROR_LOGON_FAILURE
+    NoSuchDomain = 1355,           // ERROR_NO_SUCH_DOMAIN
+    AccountExists = 2224,          // NERR_UserExists
+    AlreadyJoined = 2691,          // NERR_SetupAlreadyJoined
+    NotJoined = 2692,              // NERR_SetupNotJoined
+    InvalidWorkgroup = 2695,       // NERR_InvalidWorkgroupName
+};
+
+enum JoinOption : std::uint32_t {
+    JoinDomain = 0x1,
+    CreateAccount = 0x2,
+    DeleteAccount = 0x4,
+    JoinIfJoined = 0x20,
+    JoinWithNewName = 0x400,
+    AllJoinOptions = 0x7FF,
+};
+
+struct Credentials {
+    std::string userName;
+    std::string password;
+};
+
+// The name that Windows makes of a host name: capitals, at most 15 characters.
+std::string NetBiosName(std::string_view hostName);
+
+std::uint32_t Rename(State& state, const std::string& newName, const Credentials& credentials);
+std::uint32_t Join(State& state, const std::string& name, const Credentials& credentials,
+                   const std::string& accountOu, std::uint32_t options);
+std::uint32_t Unjoin(State& state, const Credentials& credentials, std::uint32_t options);
+
+}  // namespace machine::model

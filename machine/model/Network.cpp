@@ -1,0 +1,153 @@
+#include "machine/model/Network.h"
+
+#include <algorithm>
+
+#include "machine/model/Address.h"
+#include "machine/model/RegistryView.h"
+
+namespace machine::model {
+namespace {
+
+std::optional<TextList> NullWhenEmpty(const TextList& list) {
+    return list.empty() ? std::nullopt : std::optional(list);
+}
+
+bool IsHostAddress(const std::string& text) {
+    const auto address = ParseAddress(text);
+    const std::uint32_t first = address.value_or(0) >> 24;
+    return first != 0 && first != 127 && first < 224;
+}
+
+// A machine may ask itself: domain controllers do.
+bool IsDnsServer(const std::string& text) {
+    return IsHostAddress(text) || ParseAddress(text).value_or(0) >> 24 == 127;
+}
+
+bool IsSuffix(const std::string& suffix) {
+    return !suffix.empty() && suffix.size() <= 255 &&
+           suffix.find_first_of(" \t,\\/:*?\"<>|") == std::string::npos;
+}
+
+// A gateway must be a host that one of the adapter's own networks reaches directly.
+bool IsReachable(const Adapter& adapter, std::uint32_t gateway) {
+    if (!adapter.ipAddress || !adapter.ipSubnet) {
+        return false;
+    }
+    const std::size_t count = std::min(adapter.ipAddress->size(), adapter.ipSubnet->size());
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto address = ParseAddress((*adapter.ipAddress)[i]);
+        const auto mask = ParseAddress((*adapter.ipSubnet)[i]);
+        if (address && mask && (*address & *mask) == (gateway & *mask)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool UsesLease(const Adapter& adapter) {
+    return adapter.dhcpEnabled.value_or(false) && adapter.dhcpLease.has_value();
+}
+
+}  // namespace
+
+void TakeLease(Adapter& adapter) {
+    const DhcpLease lease = adapter.dhcpLease.value_or(DhcpLease());
+    adapter.ipAddress = NullWhenEmpty(lease.ipAddress);
+    adapter.ipSubnet = NullWhenEmpty(lease.ipSubnet);
+    adapter.gateways = NullWhenEmpty(lease.gateways);
+    adapter.dnsDomain = lease.dnsDomain.value_or("");
+    // Servers set by hand outlive the change to DHCP, as on Windows.
+    adapter.dnsServers =
+        NullWhenEmpty(adapter.staticDns.empty() ? lease.dnsServers : adapter.staticDns);
+}
+
+std::uint32_t EnableDhcp(Adapter& adapter) {
+    if (!adapter.ipEnabled) {
+        return IpNotEnabled;
+    }
+    if (adapter.dhcpEnabled.value_or(false)) {
+        return Succeeded;
+    }
+    adapter.dhcpEnabled = true;
+    TakeLease(adapter);
+    return Succeeded;
+}
+
+std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const TextList& masks) {
+    if (!adapter.ipEnabled) {
+        return IpNotEnabled;
+    }
+    if (addresses.empty() || addresses.size() != masks.size()) {
+        return InvalidInput;
+    }
+    if (!std::ranges::all_of(addresses, IsHostAddress)) {
+        return InvalidIpAddress;
+    }
+    for (const std::string& text : masks) {
+        const auto mask = ParseAddress(text);
+        if (!mask || *mask == 0 || !IsMask(*mask)) {
+            return InvalidSubnetMask;
+        }
+    }
+    if (adapter.dhcpEnabled.value_or(false)) {
+        // What the lease brought goes with it.
+        adapter.gateways.reset();
+        adapter.dnsDomain = "";
+        adapter.dnsServers = NullWhenEmpty(adapter.staticDns);
+    }
+    adapter.dhcpEnabled = false;
+    adapter.ipAddress = addresses;
+    adapter.ipSubnet = masks;
+    return Succeeded;
+}
+
+std::uint32_t SetGateways(Adapter& adapter, const TextList& gateways) {
+    if (!adapter.ipEnabled) {
+        return IpNotEnabled;
+    }
+    if (gateways.size() > 5) {
+        return TooManyGateways;
+    }
+    for (const std::string& text : gateways) {
+        const auto gateway = ParseAddress(text);
+        if (!gateway) {
+            return InvalidIpAddress;
+        }
+        if (!IsHostAddress(text) || !IsReachable(adapter, *gateway)) {
+            return InvalidGateway;
+        }
+    }
+    if (gateways.empty() && UsesLease(adapter)) {
+        adapter.gateways = NullWhenEmpty(adapter.dhcpLease->gateways);
+    } else {
+        adapter.gateways = NullWhenEmpty(gateways);
+    }
+    return Succeeded;
+}
+
+std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& servers) {
+    if (!adapter.ipEnabled) {
+        return IpNotEnabled;
+    }
+    if (!std::ranges::all_of(servers, IsDnsServer)) {
+        return InvalidIpAddress;
+    }
+    adapter.staticDns = servers;
+    if (servers.empty() && UsesLease(adapter)) {
+        adapter.dnsServers = NullWhenEmpty(adapter.dhcpLease->dnsServers);
+    } else {
+        adapter.dnsServers = NullWhenEmpty(servers);
+    }
+    ForgetNameServer(state, adapter);
+    return Succeeded;
+}
+
+std::uint32_t SetDnsSuffixes(State& state, const TextList& suffixes) {
+    if (!std::ranges::all_of(suffixes, IsSuffix)) {
+        return InvalidDomainName;
+    }
+    state.dnsSuffixes = suffixes;
+    return Succeeded;
+}
+
+}  // namespace machine::model

@@ -1,0 +1,178 @@
+#include "machine/wmi/Schema.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "machine/Text.h"
+
+namespace machine::wmi {
+namespace {
+
+Value Text(const std::optional<std::string>& text) {
+    return text ? Value(*text) : Value();
+}
+
+// WMI delivers a list without elements as null.
+Value List(const std::optional<TextList>& list) {
+    return list && !list->empty() ? Value(*list) : Value();
+}
+
+Value Number(std::uint32_t number) {
+    return static_cast<std::int32_t>(number);
+}
+
+// "[00000001] Example Adapter" is the caption of the description "Example Adapter".
+Value DescriptionOf(const Adapter& adapter) {
+    if (!adapter.caption) {
+        return {};
+    }
+    const auto bracket = adapter.caption->find("] ");
+    return bracket == std::string::npos ? *adapter.caption : adapter.caption->substr(bracket + 2);
+}
+
+std::vector<Properties> ConfigurationRows(const State& state) {
+    std::vector<Properties> rows;
+    for (const Adapter& adapter : state.adapters) {
+        const Value suffixes = adapter.ipEnabled ? List(state.dnsSuffixes) : Value();
+        rows.push_back({{"Index", Type::UInt32, Number(adapter.index)},
+                        {"Caption", Type::Text, Text(adapter.caption)},
+                        {"Description", Type::Text, DescriptionOf(adapter)},
+                        {"SettingID", Type::Text, Text(adapter.settingId)},
+                        {"IPEnabled", Type::Boolean, adapter.ipEnabled},
+                        {"DHCPEnabled", Type::Boolean,
+                         adapter.dhcpEnabled ? Value(*adapter.dhcpEnabled) : Value()},
+                        {"IPAddress", Type::Texts, List(adapter.ipAddress)},
+                        {"IPSubnet", Type::Texts, List(adapter.ipSubnet)},
+                        {"DefaultIPGateway", Type::Texts, List(adapter.gateways)},
+                        {"DNSServerSearchOrder", Type::Texts, List(adapter.dnsServers)},
+                        {"DNSDomainSuffixSearchOrder", Type::Texts, suffixes},
+                        {"DNSDomain", Type::Text, Text(adapter.dnsDomain)},
+                        {"DNSHostName", Type::Text, Text(adapter.dnsHostName)},
+                        {"MACAddress", Type::Text, Text(adapter.macAddress)}});
+    }
+    return rows;
+}
+
+std::vector<Properties> AdapterRows(const State& state) {
+    std::vector<Properties> rows;
+    for (const Adapter& adapter : state.adapters) {
+        rows.push_back({{"DeviceID", Type::Text, std::to_string(adapter.index)},
+                        {"Index", Type::UInt32, Number(adapter.index)},
+                        {"Caption", Type::Text, Text(adapter.caption)},
+                        {"Description", Type::Text, DescriptionOf(adapter)},
+                        {"Name", Type::Text, DescriptionOf(adapter)},
+                        {"Manufacturer", Type::Text, Text(adapter.manufacturer)},
+                        {"AdapterType", Type::Text, Text(adapter.adapterType)},
+                        {"MACAddress", Type::Text, Text(adapter.macAddress)},
+                        {"PNPDeviceID", Type::Text, Text(adapter.pnpDeviceId)},
+                        {"GUID", Type::Text, Text(adapter.settingId)},
+                        {"NetConnectionID", Type::Text, adapter.connectionName},
+                        {"NetEnabled", Type::Boolean, adapter.ipEnabled}});
+    }
+    return rows;
+}
+
+std::vector<Properties> RouteRows(const State& state) {
+    std::vector<Properties> rows;
+    for (const PersistedRoute& route : state.routes) {
+        rows.push_back({{"Destination", Type::Text, route.destination},
+                        {"Mask", Type::Text, route.mask},
+                        {"NextHop", Type::Text, route.nextHop},
+                        {"Metric1", Type::SInt32, route.metric}});
+    }
+    return rows;
+}
+
+std::vector<Properties> ComputerRows(const State& state) {
+    const Membership& membership = state.membership;
+    return {
+        {{"Name", Type::Text, state.computerName},
+         {"Caption", Type::Text, state.computerName},
+         {"DNSHostName", Type::Text, state.hostName},
+         {"Domain", Type::Text, membership.member ? membership.dnsDomain : membership.workgroup},
+         {"PartOfDomain", Type::Boolean, membership.member},
+         {"Workgroup", Type::Text, membership.member ? Value() : Value(membership.workgroup)}}};
+}
+
+// The names and types of a class are those of a row of a machine that has one of everything.
+Properties Shape(std::vector<Properties> (*rows)(const State&)) {
+    State state;
+    state.adapters.emplace_back();
+    state.routes.emplace_back();
+    Properties shape = rows(state).front();
+    for (Property& property : shape) {
+        property.value = {};
+    }
+    return shape;
+}
+
+bool IsName(std::string_view text) {
+    return !text.empty() && std::ranges::all_of(text, [](char c) {
+        return c == '_' || (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
+               (c >= 'A' && c <= 'Z');
+    });
+}
+
+bool ParseKeyValue(std::string_view text, Value& value) {
+    const bool quoted = text.size() >= 2 && text.front() == text.back() &&
+                        (text.front() == '"' || text.front() == '\'');
+    if (quoted) {
+        value = std::string(text.substr(1, text.size() - 2));
+        return true;
+    }
+    std::uint32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    value = static_cast<std::int32_t>(number);
+    return error == std::errc() && end == text.data() + text.size();
+}
+
+}  // namespace
+
+const Class* FindClass(std::string_view name) {
+    static const std::vector<Class> classes = {
+        {"Win32_ComputerSystem", "Name", Shape(ComputerRows), ComputerRows, ComputerMethods()},
+        {"Win32_NetworkAdapterConfiguration", "Index", Shape(ConfigurationRows), ConfigurationRows,
+         AdapterMethods()},
+        {"Win32_NetworkAdapter", "DeviceID", Shape(AdapterRows), AdapterRows, {}},
+        {"Win32_IP4PersistedRouteTable", "Destination", Shape(RouteRows), RouteRows, {}},
+    };
+    const auto found = std::ranges::find_if(
+        classes, [name](const Class& definition) { return EqualNoCase(definition.name, name); });
+    return found == classes.end() ? nullptr : &*found;
+}
+
+const Method* FindMethod(const Class& definition, std::string_view name) {
+    const auto found = std::ranges::find_if(definition.methods, [name](const Method& method) {
+        return EqualNoCase(method.name, name);
+    });
+    return found == definition.methods.end() ? nullptr : &*found;
+}
+
+bool ParseObjectPath(std::string_view text, ObjectPath& path) {
+    if (text.starts_with(R"(\\)")) {
+        const auto colon = text.find(':');
+        if (colon == std::string_view::npos) {
+            return false;
+        }
+        text = text.substr(colon + 1);
+    }
+    const auto end = std::min(text.find_first_of(".="), text.size());
+    path.className = text.substr(0, end);
+    path.isClass = end == text.size();
+    if (!IsName(path.className) || path.isClass) {
+        return path.isClass && IsName(path.className);
+    }
+    const auto equals = text.find('=', end);
+    if (equals == std::string_view::npos) {
+        return false;
+    }
+    if (text[end] == '.') {
+        path.keyName = text.substr(end + 1, equals - end - 1);
+        if (!IsName(path.keyName)) {
+            return false;
+        }
+    }
+    return ParseKeyValue(text.substr(equals + 1), path.key);
+}
+
+}  // namespace machine::wmi

@@ -1,0 +1,56 @@
+// The WMI classes that the simulated machine has in root\cimv2, with their rows and methods.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "machine/State.h"
+#include "machine/wmi/Value.h"
+
+namespace machine::wmi {
+
+// What a method works on: the machine and, for a method of an instance, the instance's key.
+struct Target {
+    State& state;
+    Value key;
+};
+
+struct Method {
+    std::string_view name;
+    bool isStatic;
+    Properties inParameters;
+    // Gives the "ReturnValue".
+    std::uint32_t (*run)(const Target& target, const Properties& in);
+};
+
+struct Class {
+    std::string_view name;
+    std::string_view key;   // the property that object paths name
+    Properties properties;  // names and types
+    std::vector<Properties> (*rows)(const State& state);
+    std::vector<Method> methods;
+};
+
+// Null when the namespace has no such class.
+const Class* FindClass(std::string_view name);
+const Method* FindMethod(const Class& definition, std::string_view name);
+
+// The methods of the two classes that have some.
+std::vector<Method> AdapterMethods();
+std::vector<Method> ComputerMethods();
+
+// "Win32_ComputerSystem.Name=\"PC1\"" and its like; a class name alone names the class itself.
+struct ObjectPath {
+    std::string className;
+    bool isClass = true;
+    std::string keyName;  // may be empty: the class's only key
+    Value key;
+};
+
+// False when the text is no object path.
+bool ParseObjectPath(std::string_view text, ObjectPath& path);
+
+}  // namespace machine::wmi

@@ -1,0 +1,278 @@
+#include "machine/wmi/Services.h"
+
+#include <algorithm>
+
+#include "machine/Text.h"
+#include "machine/wmi/ClassObject.h"
+#include "machine/wmi/Wql.h"
+
+namespace machine::wmi {
+namespace {
+
+constexpr LONG queryFlags = WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY |
+                            WBEM_FLAG_ENSURE_LOCATABLE | WBEM_FLAG_DIRECT_READ |
+                            WBEM_FLAG_USE_AMENDED_QUALIFIERS;
+
+bool IsServedNamespace(std::string resource) {
+    std::ranges::replace(resource, '/', '\\');
+    for (const std::string_view local : {R"(\\.\)", R"(\\localhost\)"}) {
+        if (EqualNoCase(std::string_view(resource).substr(0, local.size()), local)) {
+            resource.erase(0, local.size());
+            break;
+        }
+    }
+    return EqualNoCase(resource, R"(root\cimv2)");
+}
+
+// The row of the class that the path names; null when the machine has none.
+const Properties* FindRow(const std::vector<Properties>& rows, const Class& definition,
+                          const ObjectPath& path) {
+    const std::string_view key = path.keyName.empty() ? definition.key : path.keyName;
+    for (const Properties& row : rows) {
+        const Property* property = FindProperty(row, key);
+        if (property == nullptr || !EqualNoCase(key, definition.key)) {
+            continue;
+        }
+        const auto* text = std::get_if<std::string>(&property->value);
+        const auto* wanted = std::get_if<std::string>(&path.key);
+        const bool same = text != nullptr && wanted != nullptr ? EqualNoCase(*text, *wanted)
+                                                               : property->value == path.key;
+        if (same) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+std::string DescribeParameters(const Properties& parameters) {
+    std::string text;
+    for (const Property& property : parameters) {
+        text += text.empty() ? "" : ", ";
+        text += property.name + "=" + (IsSecret(property.name) ? "***" : Describe(property.value));
+    }
+    return text;
+}
+
+constexpr HRESULT CodeOf(WBEMSTATUS status) {
+    return static_cast<HRESULT>(status);
+}
+
+// What a method is called on. A code other than WBEM_S_NO_ERROR says that there is nothing to call.
+HRESULT ResolveTarget(const State& state, const Class& definition, const Method& method,
+                      const ObjectPath& path) {
+    if (path.isClass) {
+        return CodeOf(method.isStatic ? WBEM_S_NO_ERROR : WBEM_E_INVALID_METHOD);
+    }
+    const auto rows = definition.rows(state);
+    const bool found = FindRow(rows, definition, path) != nullptr;
+    return CodeOf(found ? WBEM_S_NO_ERROR : WBEM_E_NOT_FOUND);
+}
+
+}  // namespace
+
+Enumerator::Enumerator(Core& core, std::string className, std::vector<Properties> rows,
+                       HRESULT failure)
+    : ComObject(core, "IEnumWbemClassObject"),
+      className_(std::move(className)),
+      rows_(std::move(rows)),
+      failure_(failure) {}
+
+HRESULT Enumerator::Next(LONG timeout, ULONG count, IWbemClassObject** objects, ULONG* returned) {
+    Call call(Machine(), InterfaceName(), "Next",
+              {{"timeout", std::to_string(timeout)}, {"count", std::to_string(count)}});
+    CheckUsable(call);
+    if (objects == nullptr || returned == nullptr || count == 0) {
+        call.Unexpected("Next needs room for at least one object");
+        return call.Hresult(WBEM_E_INVALID_PARAMETER);
+    }
+    *returned = 0;
+    if (const auto fault = call.Fault()) {
+        return call.Hresult(*fault);
+    }
+    if (FAILED(failure_)) {
+        return call.Hresult(failure_);
+    }
+    for (ULONG i = 0; i < count; ++i) {
+        objects[i] = nullptr;
+    }
+    while (*returned < count && position_ < rows_.size()) {
+        objects[(*returned)++] =
+            MakeComObject<ClassObject>(Machine(), className_, ClassObject::Kind::Instance,
+                                       std::move(rows_[position_++]))
+                .HandOut(call);
+    }
+    return call.Hresult(*returned == count ? HRESULT{WBEM_S_NO_ERROR} : HRESULT{WBEM_S_FALSE});
+}
+
+HRESULT Services::GetObject(BSTR path, LONG flags, IWbemContext* context, IWbemClassObject** object,
+                            IWbemCallResult** result) {
+    const std::string text = Narrow(path);
+    Call call(Machine(), InterfaceName(), "GetObject", {{"path", text}});
+    CheckUsable(call);
+    if (const auto fault = call.Fault()) {
+        return call.Hresult(*fault);
+    }
+    if (flags != 0 || context != nullptr || result != nullptr || object == nullptr) {
+        call.Unexpected("objects are fetched with flags 0, at once, without a context");
+        return call.Hresult(WBEM_E_INVALID_PARAMETER);
+    }
+    *object = nullptr;
+    ObjectPath parsed;
+    if (!ParseObjectPath(text, parsed)) {
+        call.Unexpected("no object path: " + text);
+        return call.Hresult(WBEM_E_INVALID_OBJECT_PATH);
+    }
+    // A class that a path names and the namespace lacks is "not found"; only queries call it
+    // invalid.
+    const Class* definition = FindClass(parsed.className);
+    if (definition == nullptr) {
+        call.Unexpected("no class " + parsed.className);
+        return call.Hresult(WBEM_E_NOT_FOUND);
+    }
+    const std::string name(definition->name);
+    if (parsed.isClass) {
+        *object = MakeComObject<ClassObject>(Machine(), name, ClassObject::Kind::Definition,
+                                             definition->properties, definition)
+                      .HandOut(call);
+        return call.Hresult(WBEM_S_NO_ERROR);
+    }
+    const auto rows = definition->rows(Machine().state);
+    const Properties* row = FindRow(rows, *definition, parsed);
+    if (row == nullptr) {
+        return call.Hresult(WBEM_E_NOT_FOUND);
+    }
+    *object = MakeComObject<ClassObject>(Machine(), name, ClassObject::Kind::Instance, *row)
+                  .HandOut(call);
+    return call.Hresult(WBEM_S_NO_ERROR);
+}
+
+HRESULT Services::ExecQuery(BSTR language, BSTR query, LONG flags, IWbemContext* context,
+                            IEnumWbemClassObject** enumerator) {
+    const std::string text = Narrow(query);
+    Call call(Machine(), InterfaceName(), "ExecQuery",
+              {{"query", text}, {"flags", std::to_string(flags)}});
+    CheckUsable(call);
+    if (const auto fault = call.Fault()) {
+        return call.Hresult(*fault);
+    }
+    if (enumerator == nullptr || context != nullptr || (flags & ~queryFlags) != 0) {
+        call.Unexpected("a query needs an enumerator to fill, known flags and no context");
+        return call.Hresult(WBEM_E_INVALID_PARAMETER);
+    }
+    *enumerator = nullptr;
+    if (!EqualNoCase(Narrow(language), "WQL")) {
+        call.Unexpected("query language " + Narrow(language));
+        return call.Hresult(WBEM_E_INVALID_QUERY_TYPE);
+    }
+    Query parsed;
+    std::vector<Properties> rows;
+    HRESULT failure = WBEM_S_NO_ERROR;
+    const Answer answer =
+        ParseQuery(text, parsed) ? RunQuery(Machine().state, parsed, rows) : Answer::InvalidQuery;
+    if (answer != Answer::Rows) {
+        call.Unexpected("a query that the machine cannot answer: " + text);
+        failure =
+            CodeOf(answer == Answer::NoSuchClass ? WBEM_E_INVALID_CLASS : WBEM_E_INVALID_QUERY);
+        // A semisynchronous query returns before it is looked at: Windows reports what is wrong
+        // with it from Next. Only a synchronous one fails here.
+        if ((flags & WBEM_FLAG_RETURN_IMMEDIATELY) == 0) {
+            return call.Hresult(failure);
+        }
+    }
+    call.AddArgument("rows", std::to_string(rows.size()));
+    const Class* definition = FindClass(parsed.className);
+    *enumerator = MakeComObject<Enumerator>(
+                      Machine(), definition == nullptr ? "" : std::string(definition->name),
+                      std::move(rows), failure)
+                      .HandOut(call);
+    return call.Hresult(WBEM_S_NO_ERROR);
+}
+
+HRESULT Services::ExecMethod(BSTR path, BSTR method, LONG flags, IWbemContext* context,
+                             IWbemClassObject* in, IWbemClassObject** out,
+                             IWbemCallResult** result) {
+    const std::string pathText = Narrow(path);
+    const std::string methodText = Narrow(method);
+    Call call(Machine(), InterfaceName(), "ExecMethod",
+              {{"path", pathText}, {"method", methodText}});
+    CheckUsable(call);
+    if (const auto fault = call.Fault()) {
+        return call.Hresult(*fault);
+    }
+    if (flags != 0 || context != nullptr || result != nullptr) {
+        call.Unexpected("methods are called with flags 0, at once, without a context");
+        return call.Hresult(WBEM_E_INVALID_PARAMETER);
+    }
+    ObjectPath parsed;
+    if (!ParseObjectPath(pathText, parsed)) {
+        call.Unexpected("no object path: " + pathText);
+        return call.Hresult(WBEM_E_INVALID_OBJECT_PATH);
+    }
+    const Class* definition = FindClass(parsed.className);
+    if (definition == nullptr) {
+        call.Unexpected("no class " + parsed.className);
+        return call.Hresult(WBEM_E_NOT_FOUND);
+    }
+    const Method* called = FindMethod(*definition, methodText);
+    if (called == nullptr) {
+        call.Unexpected("no method " + methodText + " of " + parsed.className);
+        return call.Hresult(WBEM_E_INVALID_METHOD);
+    }
+    Properties parameters = called->inParameters;
+    if (in != nullptr) {
+        const auto* object = FindComObject<ClassObject>(Machine(), in);
+        if (object == nullptr || !object->IsInstance() ||
+            object->ClassName() != InParametersOf(*definition, *called)) {
+            call.Unexpected("the in-parameters are no spawned instance of those of " + methodText);
+            return call.Hresult(WBEM_E_INVALID_METHOD_PARAMETERS);
+        }
+        parameters = object->Values();
+    }
+    call.AddArgument("in", DescribeParameters(parameters));
+    const HRESULT resolved = ResolveTarget(Machine().state, *definition, *called, parsed);
+    if (FAILED(resolved)) {
+        return call.Hresult(resolved);
+    }
+    const auto forced = Machine().faults.OnOutcome(called->name);
+    const std::uint32_t returnValue =
+        forced ? *forced : called->run({Machine().state, parsed.key}, parameters);
+    call.AddArgument(forced ? "ReturnValue (injected)" : "ReturnValue",
+                     std::to_string(returnValue));
+    if (out != nullptr) {
+        *out =
+            MakeComObject<ClassObject>(
+                Machine(), "__PARAMETERS", ClassObject::Kind::Instance,
+                Properties{{"ReturnValue", Type::UInt32, static_cast<std::int32_t>(returnValue)}})
+                .HandOut(call);
+    }
+    return call.Hresult(WBEM_S_NO_ERROR);
+}
+
+HRESULT Locator::ConnectServer(BSTR resource, BSTR user, BSTR password, BSTR locale, LONG flags,
+                               BSTR authority, IWbemContext* context, IWbemServices** services) {
+    Call call(Machine(), InterfaceName(), "ConnectServer",
+              {{"namespace", Narrow(resource)}, {"user", Narrow(user)}});
+    CheckUsable(call);
+    if (const auto fault = call.Fault()) {
+        return call.Hresult(*fault);
+    }
+    if (services == nullptr || context != nullptr || authority != nullptr || locale != nullptr ||
+        (flags & ~LONG{WBEM_FLAG_CONNECT_USE_MAX_WAIT}) != 0) {
+        call.Unexpected("connections take no locale, authority or context");
+        return call.Hresult(WBEM_E_INVALID_PARAMETER);
+    }
+    *services = nullptr;
+    if (user != nullptr || password != nullptr) {
+        // Windows refuses an account for a connection to the own machine.
+        call.Unexpected("an account for a local connection");
+        return call.Hresult(WBEM_E_LOCAL_CREDENTIALS);
+    }
+    if (!IsServedNamespace(Narrow(resource))) {
+        call.Unexpected("namespace " + Narrow(resource));
+        return call.Hresult(WBEM_E_INVALID_NAMESPACE);
+    }
+    *services = MakeComObject<Services>(Machine()).HandOut(call);
+    return call.Hresult(WBEM_S_NO_ERROR);
+}
+
+}  // namespace machine::wmi

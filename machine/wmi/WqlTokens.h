@@ -1,0 +1,19 @@
+// The words, numbers, texts and signs of a WQL text.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace machine::wmi {
+
+struct Token {
+    enum class Kind { Word, Number, Text, Sign, End, Wrong };
+    Kind kind = Kind::End;
+    std::string text;  // without quotes and escapes
+};
+
+// Ends with a token of the kind End. What WQL does not know is Wrong.
+std::vector<Token> ReadTokens(std::string_view text);
+
+}  // namespace machine::wmi

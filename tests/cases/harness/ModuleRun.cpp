@@ -1,0 +1,115 @@
+#include "tests/cases/harness/ModuleRun.h"
+
+#include <utility>
+
+#include "host/HostError.h"
+#include "host/LogSink.h"
+#include "host/Message.h"
+#include "machine/Cipher.h"
+#include "machine/ComMemoryBalance.h"
+#include "tests/cases/harness/ThrownErrors.h"
+
+namespace e2e {
+
+AgentFolder::AgentFolder(const std::string& name) : root_(std::filesystem::absolute(name)) {
+    std::filesystem::remove_all(root_);
+    std::filesystem::create_directories(Inbox());
+    std::filesystem::create_directories(Home());
+}
+
+AgentFolder::~AgentFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(root_, ignored);
+}
+
+std::string AgentFolder::Program() const {
+    return (Home() / "agent.exe").string();
+}
+
+AttachedModule::AttachedModule(machine::Simulation& simulation)
+    : simulation_(simulation), module_(host::Module::DefaultPath()) {
+    simulation_.Attach(Image());
+}
+
+AttachedModule::~AttachedModule() {
+    simulation_.Detach(Image());
+}
+
+HMODULE AttachedModule::Image() const {
+    return static_cast<HMODULE>(module_.Handle());
+}
+
+RunResult AttachedModule::Configure(const std::string& file) {
+    RunResult run;
+    const std::size_t firstCall = simulation_.GetTrace().Size();
+    const std::size_t firstUnexpected = simulation_.Unexpected().size();
+    host::LogSink log([&run](const host::LogLine& line) {
+        run.log.push_back(std::to_string(line.level) + " " + line.text);
+    });
+    const machine::ComMemoryBalance memory;
+    const ThrownErrors thrown(Image());
+    host::Message message("Internal", "Configure");
+    message.Add("Filename", file);
+    try {
+        run.result = module_.Send(message, log);
+    } catch (const host::HostError& error) {
+        run.escaped = error.what();
+    }
+    run.comBlocks = memory.OutstandingBlocks();
+    run.errors = thrown.Texts();
+    for (const host::Field& field : message.Reply()) {
+        run.reply[field.name] = field.Text();
+    }
+    const auto& calls = simulation_.GetTrace().Entries();
+    run.calls.assign(calls.begin() + static_cast<std::ptrdiff_t>(firstCall), calls.end());
+    run.unexpected = simulation_.UnservedImports();
+    const auto& unexpected = simulation_.Unexpected();
+    run.unexpected.insert(run.unexpected.end(),
+                          unexpected.begin() + static_cast<std::ptrdiff_t>(firstUnexpected),
+                          unexpected.end());
+    return run;
+}
+
+RunResult RunConfigure(machine::Simulation& simulation, const std::string& file) {
+    return AttachedModule(simulation).Configure(file);
+}
+
+std::string FindSecret(const RunResult& run, const machine::State& state) {
+    std::vector<std::string> secrets;
+    for (const machine::Domain& domain : state.domains) {
+        for (const machine::Account& account : domain.accounts) {
+            secrets.push_back(account.password);
+            secrets.push_back(machine::Encipher(account.password));
+        }
+    }
+    const auto holdsOne = [&secrets](const std::string& text) {
+        for (const std::string& secret : secrets) {
+            if (!secret.empty() && text.find(secret) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    };
+    for (const std::vector<std::string>* const lines : {&run.log, &run.errors}) {
+        for (const std::string& line : *lines) {
+            if (holdsOne(line)) {
+                return line;
+            }
+        }
+    }
+    for (const auto& [name, value] : run.reply) {
+        if (holdsOne(value)) {
+            return "reply field " + name;
+        }
+    }
+    for (const machine::TraceEntry& call : run.calls) {
+        for (const auto& [name, value] : call.arguments) {
+            if (holdsOne(value)) {
+                return "recorded call " + std::to_string(call.number) + ", " + call.function;
+            }
+        }
+    }
+    return holdsOne(run.escaped) ? run.escaped : std::string();
+}
+
+}  // namespace e2e

@@ -1,0 +1,206 @@
+#include "common/config/Analyzer.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "common/config/Factory.h"
+#include "common/config/command/ChangeCompName.h"
+#include "common/err/GeneralError.h"
+#include "tests/common/config/EventWords.h"
+#include "tests/native/CommandText.h"
+#include "tests/native/OnMachine.h"
+
+namespace {
+
+using config::command::CommandList;
+using config::command::IConfigureCommand;
+using fake::OnMachine;
+
+struct AnalysisCase {
+    const char* what;
+    std::string events;
+    std::string commands;
+};
+
+class Analysis : public OnMachine {
+protected:
+    static std::string Analyzed(const std::string& events) {
+        logging::NullLogSink log;
+        config::ConfigBuilder builder(log);
+        config_tests::Send(builder, events);
+        config::Analyze(builder);
+        return fake::TextOf(builder.Commands());
+    }
+
+    static void Expect(const std::vector<AnalysisCase>& cases) {
+        for (const AnalysisCase& test : cases) {
+            EXPECT_EQ(Analyzed(test.events), test.commands) << test.what;
+        }
+    }
+};
+
+TEST_F(Analysis, DropsWhatHasNothingToDoAndKeepsTheOrder) {
+    machine.routes = {fake::Route("10.0.0.0", "255.0.0.0", "10.1.1.1", 5)};
+    const std::string route = "+ROUTE ADDRESS(10.0.0.0) MASK(255.0.0.0) RGW(10.1.1.1) METRIC(5) - ";
+    Expect({
+        {"nothing", "", ""},
+        {"all there already", "NAME(pc1) WORKGROUP(workgroup) OU(East) " + route, ""},
+        {"some", "NAME(pc1) WORKGROUP(B) " + route + "OU(East) WORKGROUP(workgroup) WORKGROUP(A)",
+         "JoinWorkgroup(B, :); JoinWorkgroup(A, :)"},
+        {"an adapter's commands stay, needed or not", "+NIC(x) DHCP -",
+         "ConfigureNic n/n/n index 7 {enableDhcp(7)}"},
+        {"routes that none asked for", "+ROUTE -", "RunCommand(route DELETE 10.0.0.0)"},
+    });
+}
+
+TEST_F(Analysis, BindsAdapterSectionsToAdapters) {
+    const auto bound = [](const std::string& place, const std::string& index) {
+        return "ConfigureNic " + place + " index " + index + " {}";
+    };
+    const std::string none = "n/n/n";
+    Expect({
+        {"in the tree's order until none is free", "+NIC(a) - +NIC(b) - +NIC(c) -",
+         bound(none, "7") + "; " + bound(none, "9") + "; " + bound(none, "n")},
+        {"after none was free",
+         "+NIC(a) - +NIC(b) - +NIC(c) - +NIC(d) BUS(2) DEVICE(0) FUNCTION(0) -",
+         bound(none, "7") + "; " + bound(none, "9") + "; " + bound(none, "n") + "; " +
+             bound("2/0/0", "7")},
+        {"by place", "+NIC(a) BUS(3) DEVICE(0) FUNCTION(0) -", bound("3/0/0", "9")},
+        {"the fallback skips what a place has taken",
+         "+NIC(a) BUS(2) DEVICE(0) FUNCTION(0) - +NIC(b) -",
+         bound("2/0/0", "7") + "; " + bound(none, "9")},
+        {"one place twice",
+         "+NIC(a) BUS(2) DEVICE(0) FUNCTION(0) - +NIC(a) BUS(2) DEVICE(0) FUNCTION(0) -",
+         bound("2/0/0", "7") + "; " + bound("2/0/0", "7")},
+        {"a place taken by the fallback before", "+NIC(a) - +NIC(b) BUS(2) DEVICE(0) FUNCTION(0) -",
+         bound(none, "7") + "; " + bound("2/0/0", "7")},
+        {"an unknown place falls back", "+NIC(a) BUS(8) DEVICE(0) FUNCTION(0) - +NIC(b) -",
+         bound("8/0/0", "7") + "; " + bound(none, "9")},
+        {"a place without function falls back", "+NIC(a) BUS(3) DEVICE(0) -", bound("3/0/n", "7")},
+        {"a device off the PCI bus, which has no place, is found at 0/0/0",
+         "+NIC(a) BUS(0) DEVICE(0) FUNCTION(0) -", bound("0/0/0", "5")},
+    });
+    EXPECT_TRUE(machine.queries.empty());  // the tree is not made again
+}
+
+TEST_F(Analysis, PausesOnceAfterStaticAddressing) {
+    const std::string ip = "+IP ADDRESS(10.0.0.1) MASK(255.0.0.0) - ";
+    const std::string set = "enableStatic(7, 10.0.0.1, 255.0.0.0)";
+    Expect({
+        {"before the gateways", "+NIC(a) STATIC " + ip + "GW(10.0.0.2) -",
+         "ConfigureNic n/n/n index 7 {" + set + "; Pause(8000); setGateways(7, 10.0.0.2)}"},
+        {"after the first", "+NIC(a) STATIC " + ip + "STATIC " + ip + "-",
+         "ConfigureNic n/n/n index 7 {" + set + "; Pause(8000); " + set + "}"},
+        {"behind DHCP", "+NIC(a) DHCP STATIC " + ip + "-",
+         "ConfigureNic n/n/n index 7 {enableDhcp(7); " + set + "; Pause(8000)}"},
+        {"not for DHCP", "+NIC(a) DHCP - +NIC(b) STATIC " + ip + "-",
+         "ConfigureNic n/n/n index 7 {enableDhcp(7)}; ConfigureNic n/n/n index 9 "
+         "{enableStatic(9, 10.0.0.1, 255.0.0.0); Pause(8000)}"},
+    });
+}
+
+TEST_F(Analysis, RenamesBeforeItJoinsAndMarksTheRestarts) {
+    const std::string join = "JoinDomainAndOu(d.e, , :)";
+    const std::string rename = "renameComputer(PC9, :)";
+    const std::string nic = "ConfigureNic n/n/n index 7 {}";
+    Expect({
+        {"join first", "DOMAIN(d.e) +NIC(a) - NAME(PC9)",
+         rename + "; Reboot; " + nic + "; " + join + "; Reboot"},
+        {"rename first", "NAME(PC9) +NIC(a) - DOMAIN(d.e)",
+         rename + "; Reboot; " + nic + "; " + join + "; Reboot"},
+        {"side by side", "DOMAIN(d.e) NAME(PC9)", rename + "; Reboot; " + join + "; Reboot"},
+        {"the first of each", "NAME(A) DOMAIN(d.e) NAME(B) DOMAIN(f.g)",
+         "renameComputer(A, :); Reboot; " + join +
+             "; renameComputer(B, :); JoinDomainAndOu(f.g, , :); Reboot"},
+        {"a rename that is dropped", "DOMAIN(d.e) NAME(pc1)", join + "; Reboot"},
+        {"rename alone", "NAME(PC9) +NIC(a) -", rename + "; " + nic + "; Reboot"},
+        {"another workgroup", "WORKGROUP(SALES)", "JoinWorkgroup(SALES, :)"},
+        {"rename and workgroup", "WORKGROUP(SALES) NAME(PC9)",
+         "JoinWorkgroup(SALES, :); " + rename + "; Reboot"},
+        {"adapters and routes", "+NIC(a) - +ROUTE METRIC(1) -",
+         nic + "; RunCommand(route -p ADD 255.255.255.255 mask 255.255.255.255 255.255.255.255 "
+               "METRIC 1)"},
+    });
+    MakeMember();
+    Expect({
+        {"out of the domain", "WORKGROUP(SALES)", "JoinWorkgroup(SALES, :); Reboot"},
+        {"to another unit", "OU(West)", "MoveOu(West, :)"},
+        {"into the unit where it is", "DOMAIN(corp.example) OU(East/Sales)", ""},
+    });
+}
+
+TEST_F(Analysis, ErrorsLeaveItBeforeAnythingRuns) {
+    for (const char* const query : {"getComputerName", "IsDomainMember", "getStaticRoutes"}) {
+        machine.onCall = {{query, [] { throw sys::CWmiError("failed", 1, -5, 0); }}};
+        EXPECT_THROW(Analyzed("NAME(PC9) WORKGROUP(SALES) +ROUTE -"), sys::CWmiError) << query;
+    }
+}
+
+TEST_F(Analysis, IsThePlatformVariantsOfTheOneFactory) {
+    config::Factory& factory = config::Factory::Select();
+    EXPECT_EQ(&factory, &config::Factory::Select());
+    EXPECT_NE(dynamic_cast<config::WindowsVistaFactory*>(&factory), nullptr);
+    EXPECT_EQ(&factory.GetAnalyzer(), &factory.GetAnalyzer());
+
+    config::DefaultFactory standard;
+    logging::NullLogSink log;
+    config::ConfigBuilder builder(log);
+    config_tests::Send(builder,
+                       "DOMAIN(d.e) NAME(PC9) +NIC(a) STATIC +IP ADDRESS(10.0.0.1) "
+                       "MASK(255.0.0.0) - -");
+    standard.GetAnalyzer().Analyze(builder.Commands());
+    EXPECT_EQ(fake::TextOf(builder.Commands()),
+              "JoinDomainAndOu(d.e, , :); renameComputer(PC9, :); ConfigureNic n/n/n index 7 "
+              "{enableStatic(7, 10.0.0.1, 255.0.0.0)}; Reboot");
+}
+
+/// Notes its steps, and decides about restarts as it is told.
+class OtherAnalyzer : public config::Analyzer {
+public:
+    OtherAnalyzer(bool decides, bool answer) : decides_(decides), answer_(answer) {}
+
+    std::string steps;
+
+    void BeforeAnalyze(CommandList& commands) override { Note("before", commands); }
+    void AnalyzePlatform(CommandList& commands) override { Note(", platform", commands); }
+    void AfterAnalyze(CommandList& commands) override { Note(", after", commands); }
+    bool RequiresReboot(IConfigureCommand& /*command*/, bool& answer) override {
+        answer = answer_;
+        return decides_;
+    }
+
+private:
+    void Note(const char* step, const CommandList& commands) {
+        steps += std::string(step) + " " + std::to_string(commands.size());
+    }
+    bool decides_;
+    bool answer_;
+};
+
+TEST_F(Analysis, LetsTheVariantDecideAboutRestarts) {
+    struct DecisionCase {
+        bool decides;
+        bool answer;
+        const char* events;
+        std::string steps;
+    };
+    const DecisionCase cases[] = {
+        {true, false, "NAME(PC9) NAME(pc1)", "before 2, platform 1, after 1"},
+        {true, true, "WORKGROUP(A)", "before 1, platform 1, after 2"},
+        {false, true, "WORKGROUP(A)", "before 1, platform 1, after 1"},
+        {false, false, "NAME(PC9)", "before 1, platform 1, after 2"},
+        {true, true, "", "before 0, platform 0, after 0"},
+    };
+    for (const DecisionCase& test : cases) {
+        logging::NullLogSink log;
+        config::ConfigBuilder builder(log);
+        config_tests::Send(builder, test.events);
+        OtherAnalyzer analyzer(test.decides, test.answer);
+        analyzer.Analyze(builder.Commands());
+        EXPECT_EQ(analyzer.steps, test.steps) << test.events;
+    }
+}
+
+}  // namespace

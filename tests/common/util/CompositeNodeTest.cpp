@@ -1,0 +1,200 @@
+#include "common/util/CompositeNode.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using util::CompositeNode;
+
+/// What the nodes of these tests share: a name, and where they note their end.
+struct Named {
+    Named(std::string nodeName, std::string* nodeEnds)
+        : name(std::move(nodeName)), ends(nodeEnds) {}
+    virtual ~Named() {
+        if (ends != nullptr) {
+            *ends += name + " ";
+        }
+    }
+    Named(const Named&) = delete;
+    Named& operator=(const Named&) = delete;
+
+    std::string name;
+    std::string* ends;
+    int applied = 0;
+};
+
+class Collection : public Named, public util::CollectionNode {
+public:
+    using Named::Named;
+    void* Accept(util::CompositeVisitor& /*visitor*/) override { return nullptr; }
+};
+
+class Leaf : public Named, public util::LeafNode {
+public:
+    using Named::Named;
+    void* Accept(util::CompositeVisitor& /*visitor*/) override { return nullptr; }
+};
+
+/// A collection that can be applied: the base class alone would call itself without end.
+class Applicable : public Collection {
+public:
+    using Collection::Collection;
+    void ApplyToSubtree() override { ++applied; }
+};
+
+/// "R(A(a b) c)": a capital is a collection, with its children in brackets; a small letter a leaf.
+std::unique_ptr<CompositeNode> Parse(const std::string& text, std::size_t& at, std::string* ends) {
+    const std::string name(1, text[at++]);
+    if (name[0] >= 'a') {
+        return std::make_unique<Leaf>(name, ends);
+    }
+    auto node = std::make_unique<Collection>(name, ends);
+    if (at < text.size() && text[at] == '(') {
+        for (++at; text[at] != ')';) {
+            if (text[at] == ' ') {
+                ++at;
+            } else {
+                node->Add(Parse(text, at, ends));
+            }
+        }
+        ++at;
+    }
+    return node;
+}
+
+std::unique_ptr<CompositeNode> Tree(const std::string& text, std::string* ends = nullptr) {
+    std::size_t at = 0;
+    return Parse(text, at, ends);
+}
+
+std::string NameOf(const CompositeNode* node) {
+    return node == nullptr ? "-" : dynamic_cast<const Named&>(*node).name;
+}
+
+template <class Iterator>
+std::string Names(Iterator begin, Iterator end) {
+    std::string names;
+    std::for_each(begin, end, [&](const CompositeNode* node) { names += NameOf(node); });
+    return names;
+}
+
+TEST(CompositeNode, WalksInBothOrders) {
+    struct WalkCase {
+        const char* tree;
+        const char* depth;
+        const char* breadth;
+        std::size_t size;
+        bool empty;
+    };
+    const WalkCase cases[] = {
+        {"R", "R", "R", 1, true},
+        {"r", "", "", 1, true},  // a leaf counts and is not walked
+        {"R(a)", "Ra", "Ra", 2, false},
+        {"R(A(b c) d)", "RAbcd", "RAdbc", 5, false},
+        {"R(E)", "RE", "RE", 2, false},
+        {"R(E F)", "REF", "REF", 3, false},
+        {"R(E a)", "REa", "REa", 3, false},
+        {"R(a E)", "RaE", "RaE", 3, false},
+        {"R(A(B(C(d))))", "RABCd", "RABCd", 5, false},
+        {"R(A(B(c) d) E(F) g H(i))", "RABcdEFgHi", "RAEgHBdFic", 10, false},
+        {"R(A B(C D) E(F(G) h))", "RABCDEFGh", "RABECDFhG", 9, false},
+    };
+    for (const WalkCase& test : cases) {
+        const auto root = Tree(test.tree);
+        EXPECT_EQ(Names(root->DepthBegin(), root->DepthEnd()), test.depth) << test.tree;
+        EXPECT_EQ(Names(root->BreadthBegin(), root->BreadthEnd()), test.breadth) << test.tree;
+        EXPECT_EQ(root->Size(), test.size) << test.tree;
+        EXPECT_EQ(root->IsEmpty(), test.empty) << test.tree;
+    }
+}
+
+TEST(CompositeNode, WalksASubtreeToItsOwnEnd) {
+    const auto root = Tree("R(A(b) C(D(e) f) g)");
+    const auto middle = std::next(root->DepthBegin(), 3);
+    ASSERT_EQ(NameOf(*middle), "C");
+    EXPECT_EQ(Names((*middle)->DepthBegin(), (*middle)->DepthEnd()), "CDef");
+    EXPECT_EQ(Names((*middle)->BreadthBegin(), (*middle)->BreadthEnd()), "CDfe");
+    EXPECT_EQ((*middle)->Size(), 4U);
+}
+
+TEST(CompositeNode, IteratorsServeTheStandardAlgorithms) {
+    static_assert(std::forward_iterator<util::depth_iterator>);
+    static_assert(std::forward_iterator<util::breadth_iterator>);
+    const auto root = Tree("R(A(b c) d)");
+    const auto isLeaf = [](const CompositeNode* node) {
+        return dynamic_cast<const Leaf*>(node) != nullptr;
+    };
+    EXPECT_EQ(std::count_if(root->DepthBegin(), root->DepthEnd(), isLeaf), 3);
+    EXPECT_EQ(NameOf(*std::find_if(root->DepthBegin(), root->DepthEnd(), isLeaf)), "b");
+    EXPECT_EQ(NameOf(*std::find_if(root->BreadthBegin(), root->BreadthEnd(), isLeaf)), "d");
+    EXPECT_EQ(std::distance(root->BreadthBegin(), root->BreadthEnd()), 5);
+    const std::vector<CompositeNode*> nodes(root->BreadthBegin(), root->BreadthEnd());
+    EXPECT_TRUE(std::is_permutation(root->DepthBegin(), root->DepthEnd(), nodes.begin()));
+
+    // A copy goes its own way.
+    auto walker = root->DepthBegin();
+    const auto before = walker++;
+    EXPECT_EQ(NameOf(*before) + NameOf(*walker), "RA");
+    auto behind = walker;
+    std::advance(walker, 2);
+    EXPECT_EQ(NameOf(*++behind) + NameOf(*walker), "bc");
+    EXPECT_TRUE(std::next(behind) == walker);
+}
+
+TEST(CompositeNode, AnEndIsAnEnd) {
+    const auto root = Tree("R(a)");
+    const auto other = Tree("S(T)");
+    EXPECT_TRUE(root->DepthEnd() == other->DepthEnd());
+    EXPECT_TRUE(root->DepthEnd() == other->BreadthEnd());
+    EXPECT_TRUE(root->DepthBegin() == root->BreadthBegin());  // they stand on the same node
+    EXPECT_TRUE(root->DepthBegin() != other->DepthBegin());
+    for (const char* const tree : {"R", "R(a)", "R(E)", "R(A(b))"}) {
+        const auto walked = Tree(tree);
+        auto depth = std::next(walked->DepthBegin(), static_cast<int>(walked->Size()));
+        auto breadth = std::next(walked->BreadthBegin(), static_cast<int>(walked->Size()));
+        EXPECT_EQ(*++depth, nullptr) << tree;  // it stays there
+        EXPECT_EQ(*++breadth, nullptr) << tree;
+    }
+}
+
+TEST(CompositeNode, ALeafTakesNoChildren) {
+    Leaf leaf("l", nullptr);
+    std::unique_ptr<CompositeNode> child = Tree("c");
+    CompositeNode* const address = child.get();
+    leaf.Add(std::move(child));
+    EXPECT_EQ(child.get(), address);  // still the caller's
+    EXPECT_EQ(child->GetParent(), nullptr);
+    EXPECT_EQ(leaf.Size(), 1U);
+    leaf.ApplyToSubtree();
+}
+
+TEST(CompositeNode, KnowsItsParentAndEndsItsChildrenOnceInOrder) {
+    std::string ends;
+    {
+        const auto root = Tree("R(A(b c) D e)", &ends);
+        std::string parents;
+        std::for_each(root->DepthBegin(), root->DepthEnd(),
+                      [&](const CompositeNode* node) { parents += NameOf(node->GetParent()); });
+        EXPECT_EQ(parents, "-RAARR");
+    }
+    EXPECT_EQ(ends, "b c A D e R ");  // the name goes after the children
+}
+
+TEST(CompositeNode, ApplyReachesEveryNodeOnce) {
+    Applicable root("R", nullptr);
+    auto child = std::make_unique<Applicable>("A", nullptr);
+    Applicable& applied = *child;
+    root.Add(std::move(child));
+    root.Add(Tree("b"));
+    root.CollectionNode::ApplyToSubtree();
+    EXPECT_EQ(root.applied, 1);
+    EXPECT_EQ(applied.applied, 1);
+}
+
+}  // namespace

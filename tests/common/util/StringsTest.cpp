@@ -1,0 +1,165 @@
+#include "common/util/Strings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdarg>
+#include <limits>
+#include <string>
+
+namespace {
+
+using namespace std::string_literals;
+
+std::string FormatList(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::string text = util::FormatV(format, arguments);
+    va_end(arguments);
+    return text;
+}
+
+TEST(Strings, FormatWritesWhatPrintfWould) {
+    EXPECT_EQ(util::Format("%s:%d %x %u%%", "place", -7, 255, 4294967295U),
+              "place:-7 ff 4294967295%");
+    EXPECT_EQ(util::Format("%s", ""), "");
+    EXPECT_EQ(FormatList("%5d|%-4s|", 42, "ab"), "   42|ab  |");
+    const std::string longText(100000, 'x');
+    EXPECT_EQ(util::Format("<%s>", longText.c_str()), "<" + longText + ">");
+    const char* const none = nullptr;
+    EXPECT_EQ(FormatList(none), "");
+    EXPECT_EQ(FormatList("%s", "\xE4%n"), "\xE4%n");
+}
+
+TEST(Strings, FormatLeavesTheCallersArgumentListStarted) {
+    const auto twice = [](const char* format, ...) {
+        std::va_list arguments;
+        va_start(arguments, format);
+        std::va_list again;
+        va_copy(again, arguments);
+        const std::string text = util::FormatV(format, arguments) + util::FormatV(format, again);
+        va_end(again);
+        va_end(arguments);
+        return text;
+    };
+    EXPECT_EQ(twice("%d,", 5), "5,5,");
+}
+
+TEST(Strings, IntToStringSpansTheRange) {
+    EXPECT_EQ(util::IntToString(0), "0");
+    EXPECT_EQ(util::IntToString(-1), "-1");
+    EXPECT_EQ(util::IntToString(std::numeric_limits<std::int32_t>::min()), "-2147483648");
+    EXPECT_EQ(util::IntToString(std::numeric_limits<std::int32_t>::max()), "2147483647");
+}
+
+TEST(Strings, StringToIntReadsAsFarAsItCan) {
+    struct NumberCase {
+        std::string text;
+        std::uint32_t base;
+        std::int32_t number;
+    };
+    const NumberCase cases[] = {
+        {"", 10, 0},
+        {"0x10", 10, 0},
+        {"0x10", 16, 16},
+        {"10", 2, 2},
+        {"-ff", 16, -255},
+        {" \t\n\v\f\r42 apples", 10, 42},
+        {"+7", 10, 7},
+        {"-7", 10, -7},
+        {"+-7", 10, 0},
+        {"-+7", 10, 0},
+        {"- 7", 10, 0},
+        {"apples", 10, 0},
+        {"007", 10, 7},
+        {"12\0"
+         "34"s,
+         10, 12},
+        {"2147483647", 10, 2147483647},
+        {"-2147483648", 10, std::numeric_limits<std::int32_t>::min()},
+        {"2147483648", 10, 2147483647},
+        {"-99999999999999999999", 10, std::numeric_limits<std::int32_t>::min()},
+        {"ffffffffffffffffffff", 16, 2147483647},
+        {"\xB2", 10, 0},
+    };
+    for (const NumberCase& test : cases) {
+        EXPECT_EQ(util::StringToInt(test.text, test.base), test.number)
+            << '"' << test.text << "\" base " << test.base;
+    }
+}
+
+TEST(Strings, ComparisonsFollowTheClassicLocale) {
+    struct OrderCase {
+        std::string left;
+        std::string right;
+        bool less;
+        bool equal;
+    };
+    const OrderCase cases[] = {
+        {"", "", false, true},
+        {"", "a", true, false},
+        {"NicEntry", "NICENTRY", false, true},
+        {"Route", "route1", true, false},
+        {"route1", "Route", false, false},
+        {"a", "B", true, false},
+        {"b", "A", false, false},
+        {"_", "a", false, false},  // upper case sorts before the underline
+        {"\xE4", "\xC4", false, false},
+        {"\xC4", "\xE4", true, false},
+        {"z", "\xC4", true, false},  // bytes are unsigned
+        {"a\0b"s, "A\0B"s, false, true},
+        {"a\0b"s, "a\0c"s, true, false},
+    };
+    for (const char* const locale : {"C", ""}) {
+        std::setlocale(LC_ALL, locale);
+        for (const OrderCase& test : cases) {
+            EXPECT_EQ(util::NoCaseLess(test.left, test.right), test.less)
+                << test.left << " < " << test.right;
+            EXPECT_EQ(util::NoCaseEqual(test.left, test.right), test.equal)
+                << test.left << " = " << test.right;
+            EXPECT_EQ(util::NoCaseEqual(test.right, test.left), test.equal);
+        }
+    }
+    std::setlocale(LC_ALL, "C");
+}
+
+TEST(Strings, LettersAndDigitsOfEveryByte) {
+    for (int byte = 0; byte < 256; ++byte) {
+        const auto character = static_cast<char>(byte);
+        const bool lower = byte >= 'a' && byte <= 'z';
+        const bool upper = byte >= 'A' && byte <= 'Z';
+        EXPECT_EQ(util::IsLetter(character), lower || upper) << byte;
+        EXPECT_EQ(util::IsDigit(character), byte >= '0' && byte <= '9') << byte;
+        EXPECT_EQ(util::ToUpper(character), static_cast<char>(lower ? byte - 32 : byte)) << byte;
+    }
+}
+
+TEST(Strings, TrimBlanksTakesBlanksAndTabsOnly) {
+    EXPECT_EQ(util::TrimBlanks(" \t a \t b\t "), "a \t b");
+    EXPECT_EQ(util::TrimBlanks("\r\n\v"), "\r\n\v");
+    EXPECT_EQ(util::TrimBlanks(" \t "), "");
+    EXPECT_EQ(util::TrimBlanks(""), "");
+}
+
+TEST(Strings, DoubledPercentsSurviveBeingFormattedOnce) {
+    for (const char* const text : {"100%n%s.ini", "%", "%%", "plain", ""}) {
+        const std::string doubled = util::DoublePercents(text);
+        EXPECT_EQ(util::Format(doubled.c_str(), nullptr), text);
+    }
+}
+
+TEST(Strings, ASecretIsOverwrittenWhereItStood) {
+    std::string secret = "a secret that is longer than any small buffer";
+    const std::size_t length = secret.size();
+    const char* const memory = secret.data();
+    {
+        const util::SecretGuard guard(secret);
+        secret.resize(5);  // what was written behind the end is erased too
+    }
+    EXPECT_TRUE(secret.empty());
+    ASSERT_EQ(secret.data(), memory);  // still the string's own memory
+    EXPECT_TRUE(std::all_of(memory, memory + length, [](char byte) { return byte == 0; }));
+}
+
+}  // namespace

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+
+namespace e2e {
+
+/// What a process must not pile up.
+struct ProcessState {
+    std::size_t handles;
+    std::size_t modules;
+};
+
+/// Counts for this process. The handles come from the system's handle table, for
+/// GetProcessHandleCount always answers 0 under Wine.
+ProcessState ReadProcessState();
+
+}  // namespace e2e

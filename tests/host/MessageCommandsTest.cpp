@@ -1,0 +1,191 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tests/host/HostProcess.h"
+
+namespace {
+
+using host_tests::BesideProgram;
+using host_tests::Outcome;
+using host_tests::RunHost;
+using Json = nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+Json Parsed(const Outcome& outcome) {
+    EXPECT_TRUE(Json::accept(outcome.data)) << outcome.data;
+    return Json::parse(outcome.data, nullptr, false);
+}
+
+TEST(MessageCommands, WrongUsageSaysWhatIsWrong) {
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
+        {{}, "subcommand is required"},
+        {{"sned"}, "no subcommand \"sned\""},
+        {{"version", "extra"}, "extra"},
+        {{"version", "--bogus"}, "--bogus"},
+        {{"--format", "xml", "version"}, "xml"},
+        {{"version", "--module"}, "--module"},
+        {{"update-info", "--count", "x"}, "--count"},
+        {{"update-info", "--count", "-1"}, "--count"},
+        {{"update-info", "--count", "2147483648"}, "--count"},
+        {{"send"}, "kind is required"},
+        {{"send", "Internal"}, "name is required"},
+        {{"send", "Internal", "Configure", "Filename"}, "\"Filename\" is not field=value"},
+        {{"send", "Internal", "Configure", "=x"}, "\"=x\" is not field=value"},
+    };
+    for (const auto& [arguments, words] : cases) {
+        const Outcome outcome = RunHost(arguments);
+        EXPECT_EQ(outcome.exitCode, 64U) << words;
+        EXPECT_THAT(outcome.data, IsEmpty());
+        EXPECT_THAT(outcome.notes, AllOf(StartsWith("toolbox-host: "), HasSubstr(words)));
+    }
+}
+
+TEST(MessageCommands, HelpIsData) {
+    const Outcome outcome = RunHost({"send", "--help"});
+    EXPECT_EQ(outcome.exitCode, 0U);
+    EXPECT_THAT(outcome.data, AllOf(HasSubstr("kind"), HasSubstr("fields")));
+    EXPECT_THAT(outcome.notes, IsEmpty());
+}
+
+TEST(MessageCommands, Version) {
+    const Outcome text = RunHost({"version"});
+    EXPECT_EQ(text.exitCode, 0U);
+    EXPECT_THAT(text.data, HasSubstr("\nversion: 6.8.282\ninterface: 1\n"));
+    EXPECT_THAT(text.notes, IsEmpty());
+    const Json json = Parsed(RunHost({"version", "--format", "json"}));
+    EXPECT_EQ(json["version"], "6.8.282");
+    EXPECT_EQ(json["interface"], 1);
+    EXPECT_EQ(json["module"], BesideProgram("config.dll"));
+}
+
+TEST(MessageCommands, UpdateInfoAsTextAndAsJson) {
+    const Outcome text = RunHost({"update-info", "--count", "3"});
+    EXPECT_EQ(text.exitCode, 0U);
+    EXPECT_EQ(text.data,
+              "Auto-Update-Current3: morvane-config-6.8.282.X64.dll\n"
+              "Auto-Update-Pattern3: agents\\tovrune\\morvane-config-*.X64.dll\n"
+              "Auto-Update-Count: 4\n"
+              "handler result: 2\n");
+    EXPECT_EQ(text.notes,
+              "[1] Toolbox-Main:77 Toolbox::DoMagic - Finding handler for Internal=UpdateInfo\n");
+
+    const Outcome same = RunHost({"send", "Internal", "UpdateInfo", "Auto-Update-Count=3"});
+    EXPECT_EQ(same.data, text.data);
+
+    const Outcome json = RunHost({"--format", "json", "update-info"});
+    EXPECT_EQ(json.exitCode, 0U);
+    EXPECT_THAT(json.notes, IsEmpty());
+    EXPECT_EQ(Parsed(json), Json::parse(R"({
+                "log": [{"level": 1, "text":
+                    "Toolbox-Main:77 Toolbox::DoMagic - Finding handler for Internal=UpdateInfo"}],
+                "reply": {"Auto-Update-Current0": "morvane-config-6.8.282.X64.dll",
+                          "Auto-Update-Pattern0": "agents\\tovrune\\morvane-config-*.X64.dll",
+                          "Auto-Update-Count": 1},
+                "result": 2})"));
+}
+
+TEST(MessageCommands, TheExitCodeSaysHowTheMessageEnded) {
+    const std::string odd = BesideProgram("odd_module.dll");
+    const std::pair<std::vector<std::string>, unsigned long> cases[] = {
+        {{"send", "Request", "anything"}, 0},
+        {{"send", "internal", "Configure"}, 1},
+        {{"send", "Internal", "Configure", "Filename=100%n%s.ini"}, 1},
+        {{"--module", odd, "send", "k", "Success"}, 0},
+        {{"--module", odd, "send", "k", "Failure"}, 1},
+        {{"--module", odd, "send", "k", "Reboot"}, 3},
+        {{"--module", odd, "send", "k", "zero"}, 1},
+    };
+    for (const auto& [arguments, exitCode] : cases) {
+        EXPECT_EQ(RunHost(arguments).exitCode, exitCode) << arguments.back();
+    }
+}
+
+TEST(MessageCommands, AMissingConfigurationFileIsLoggedAsItIsNamed) {
+    const Outcome outcome = RunHost({"send", "Internal", "Configure", "Filename=100%n%s.ini"});
+    EXPECT_THAT(outcome.notes, HasSubstr("[0] Configure::HandleMessage(): File 100%n%s.ini does "
+                                         "not exist\n"));
+    EXPECT_EQ(outcome.data, "handler result: 0\n");
+}
+
+TEST(MessageCommands, ModulesThatCannotBeUsed) {
+    std::ofstream("no-library.dll") << "text";
+    const std::pair<std::string, const char*> cases[] = {
+        {"no-such-file.dll", "cannot load the module"},
+        {"no-library.dll", "cannot load the module"},
+        {BesideProgram("toolbox-host.exe"), "does not export GetToolboxAPI"},
+        {BesideProgram("odd_module_2.dll"), "another version of the interface: 2 instead of 1"},
+    };
+    for (const auto& [module, words] : cases) {
+        for (const char* const format : {"text", "json"}) {
+            const Outcome outcome = RunHost({"version", "--module", module, "--format", format});
+            EXPECT_EQ(outcome.exitCode, 1U) << module;
+            EXPECT_THAT(outcome.notes, AllOf(StartsWith("toolbox-host: "), HasSubstr(words)));
+            if (format == std::string("json")) {
+                EXPECT_THAT(Parsed(outcome)["error"].get<std::string>(), HasSubstr(words));
+            }
+        }
+    }
+    std::remove("no-library.dll");
+}
+
+TEST(MessageCommands, AModuleThatFailsEndsTheProgramInOrder) {
+    const std::pair<const char*, const char*> thrown[] = {
+        {"bad_alloc", "toolbox-host: the module failed: std::bad_alloc\n"},
+        {"invalid_argument", "toolbox-host: the module failed: stoi\n"},
+        {"int", "toolbox-host: the module failed with an exception of a kind unknown here\n"},
+    };
+    const std::string odd = BesideProgram("odd_module.dll");
+    for (const auto& [name, line] : thrown) {
+        const Outcome text = RunHost({"--module", odd, "send", "k", name});
+        EXPECT_EQ(text.exitCode, 1U) << name;
+        EXPECT_EQ(text.data, "Reply: one\n");
+        EXPECT_EQ(text.notes, std::string("[7] k|-5|ff|\n") + line);
+
+        const Outcome json = RunHost({"--module", odd, "send", "k", name, "--format", "json"});
+        EXPECT_EQ(json.exitCode, 1U) << name;
+        EXPECT_EQ(json.notes, line);
+        const Json document = Parsed(json);
+        EXPECT_EQ(document["reply"]["Reply"], "one");
+        EXPECT_TRUE(document.contains("error"));
+        EXPECT_FALSE(document.contains("result"));
+    }
+    for (const char* const name : {"abort", "crash"}) {
+        const Outcome outcome = RunHost({"--module", odd, "send", "k", name});
+        EXPECT_EQ(outcome.exitCode, 1U) << name;
+        EXPECT_THAT(outcome.notes, HasSubstr("toolbox-host: crashed: "));
+    }
+}
+
+TEST(MessageCommands, TextsOfAnyBytesBecomeLinesAndJson) {
+    const std::string odd = BesideProgram("odd_module.dll");
+    const std::vector<std::string> arguments{"--module", odd,      "send",
+                                             "100%s",    "fields", "field=-7"};
+    const Outcome text = RunHost(arguments);
+    EXPECT_EQ(text.exitCode, 0U);
+    EXPECT_THAT(text.data, StartsWith("Reply: two\nRaw: "));
+    EXPECT_THAT(text.data, HasSubstr("\nControls: a\\x0Ab\\x1B[2Jc\\x7F\n: \nNumber: "
+                                     "-2147483648\nRead: -7\nResult: fields\n"));
+    EXPECT_THAT(text.notes, StartsWith("[7] 100%s|-5|ff|-7\n[0] "));
+    EXPECT_THAT(text.notes, testing::EndsWith("\n[1] \n"));
+
+    std::vector<std::string> asJson = arguments;
+    asJson.insert(asJson.end(), {"--format", "json"});
+    const Json json = Parsed(RunHost(asJson));
+    EXPECT_EQ(json["reply"]["Controls"], "a\nb\x1B[2Jc\x7F");
+    EXPECT_EQ(json["reply"]["Number"], -2147483648LL);
+    EXPECT_EQ(json["reply"]["Reply"], "two");
+    EXPECT_FALSE(json["reply"]["Raw"].get<std::string>().empty());
+    EXPECT_EQ(json["log"].size(), 3U);
+    EXPECT_EQ(json["log"][2]["text"], "");
+}
+
+}  // namespace

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+
+#include "host/check/FileCheck.h"
+#include "tests/toolbox/ScratchFile.h"
+
+namespace check_tests {
+
+/// A configuration file of a test, checked.
+class Checked {
+public:
+    explicit Checked(const std::string& text) : file_(text, "checked.ini") {
+        host::check::CheckFile(file_.Path(), checked_);
+    }
+
+    const host::check::Findings& Findings() const { return checked_.findings; }
+    const host::check::SourceFile& Source() const { return checked_.source; }
+
+    /// "E 3:9 bad-address, W 4:1 unused-key"
+    std::string Summary() const {
+        std::string summary;
+        for (const host::check::Finding& finding : Findings().List()) {
+            summary += summary.empty() ? "" : ", ";
+            summary += finding.severity == host::check::Severity::kError ? "E " : "W ";
+            summary += std::to_string(finding.place.line) + ":" +
+                       std::to_string(finding.place.column) + " " + finding.code;
+        }
+        return summary;
+    }
+
+    /// All messages, a line each.
+    std::string Messages() const {
+        std::string messages;
+        for (const host::check::Finding& finding : Findings().List()) {
+            messages += finding.message + "\n";
+        }
+        return messages;
+    }
+
+private:
+    const toolbox_tests::ScratchFile file_;
+    host::check::CheckedFile checked_;
+};
+
+}  // namespace check_tests

@@ -1,0 +1,353 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/host/check/Checked.h"
+
+namespace {
+
+using check_tests::Checked;
+using namespace std::string_literals;
+
+struct FindingsCase {
+    const char* what;
+    std::string text;
+    const char* summary;
+};
+
+void ExpectFindings(const std::vector<FindingsCase>& cases) {
+    for (const FindingsCase& test : cases) {
+        const Checked checked(test.text);
+        EXPECT_EQ(checked.Summary(), test.summary) << test.what << "\n" << checked.Messages();
+    }
+}
+
+/// An adapter section without faults but for the lines that a case puts in their place.
+std::string Adapter(const std::string& addressing, const std::string& dns = "DNS-Server-Count=0\n",
+                    const std::string& routes = "Static-Route-Count=-1\n") {
+    return "[TCP/IP]\nDescription=lan\n" + addressing + dns +
+           "DNS-SuffixSearchOrder=corp.example\n" + routes;
+}
+
+const std::string kStatic =
+    "DHCP=false\nAddress=10.0.0.5\nNetmask=255.255.255.0\nGateway=10.0.0.1\n";
+
+TEST(CheckFindings, FilesWithoutFaults) {
+    ExpectFindings({
+        {"static", Adapter(kStatic), ""},
+        {"DHCP", Adapter("DHCP=true\n"), ""},
+        {"two addresses, servers and routes",
+         Adapter("DHCP=FALSE\nAddress=10.0.0.5,10.1.0.5\nNetmask=255.255.255.0,255.255.0.0\n"
+                 "Gateway=10.1.9.1,10.0.0.1\n",
+                 "DNS-Server-Count=2\nDNS-Server0=10.0.0.2\nDNS-Server1=127.0.0.1\n",
+                 "Static-Route-Count=2\nRoute0=10.9.0.0,255.255.0.0,10.0.0.9,,1,\n"
+                 "Route1= 10.8.0.0 , 255.255.0.0 , 10.0.0.9 , x , 9999 ,\n"),
+         ""},
+        {"no routes at all", Adapter(kStatic, "DNS-Server-Count=0\n", "Static-Route-Count=0\n"),
+         ""},
+        {"a workgroup", "[Networking]\nWorkgroup=True\nDomain=SALES\nComputerName=PC-1\n", ""},
+        {"a domain",
+         "[Global]\nRebootAfterConfig=true\n[Networking]\nDomainUsername=x\n"
+         "DomainPassword=y\nWorkgroup=False\nDNSDomain=corp.example\n"
+         "DSOrganizationalUnit=East/Sales\nComputerName=PC-1\n",
+         ""},
+        {"comments and blank lines", "; one\n\n# two\n[Networking] ; three\nComputerName=PC-1", ""},
+    });
+}
+
+TEST(CheckFindings, TheFileAsAWhole) {
+    ExpectFindings({
+        {"empty", "", "W 0:1 empty-file"},
+        {"only comments", "; nothing\n", "W 0:1 nothing-to-do"},
+        {"UTF-16", "\xFF\xFE[\0G\0"s, "E 1:1 utf-16"},
+        {"a mark before a header", "\xEF\xBB\xBF[Networking]\nComputerName=PC-1\n",
+         "W 0:1 nothing-to-do, E 1:1 byte-order-mark, W 2:1 outside-sections"},
+        {"a mark before a comment", "\xEF\xBB\xBF; x\n[Networking]\nComputerName=PC-1\n",
+         "W 1:1 byte-order-mark"},
+        {"a NUL", "[Networking]\nComputerName=PC-1\n; \0"s, "W 3:3 nul-byte"},
+        {"a lone carriage return", "[Networking]\nComputerName=PC-1\rWorkgroup=x\n",
+         "W 2:18 carriage-return"},
+    });
+    host::check::CheckedFile missing;
+    host::check::CheckFile("no-such-file.ini", missing);
+    EXPECT_EQ(missing.findings.Errors(), 1U);
+}
+
+TEST(CheckFindings, SectionsAndKeys) {
+    const std::string name = "[Networking]\nComputerName=PC-1\n";
+    ExpectFindings({
+        {"misspelt section", name + "[Globl]\n", "E 3:2 unknown-section"},
+        {"section in another case", "[networking]\nComputerName=PC-1\n[tcp/ip]\n[nicentry2]\n",
+         "W 0:1 nothing-to-do, E 1:2 unknown-section, E 3:2 unknown-section, E 4:2 "
+         "unknown-section"},
+        {"the first spelling of a section counts",
+         "[networking]\n[Networking]\nComputerName=PC-1\n",
+         "W 0:1 nothing-to-do, E 1:2 unknown-section"},
+        {"[Global] in any case", name + "[GLOBAL]\nrebootafterconfig=true\n", ""},
+        {"a section of somebody else", name + "[Printers]\nkey=value\n", "W 3:2 unknown-section"},
+        {"misspelt keys", "[Networking]\nComputerNam=PC-1\nDSOrganisationalUnit=East\n",
+         "E 2:1 unknown-key, E 3:1 unknown-key"},
+        {"an unknown key", name + "Colour=red\n", "W 3:1 unknown-key"},
+        {"a key of another section",
+         name + "Netmask=255.0.0.0\n[Global]\nRoute0=x\nWorkgroup=True\n",
+         "E 3:1 misplaced-key, E 5:1 misplaced-key, E 6:1 misplaced-key"},
+        {"a repeated key", name + "computername=PC-2\n", "W 3:1 repeated-key"},
+        {"a repeated key in a repeated section", name + "[Global]\n[Networking]\nComputerName=X\n",
+         "W 5:1 repeated-key"},
+        {"a repeated adapter section", Adapter(kStatic) + "[tcp/ip]\nDHCP=true\n",
+         "W 10:2 repeated-section, W 11:1 repeated-key"},
+        {"brackets", "[Networking\nComputerName=PC-1\n[Global] RebootAfterConfig=false\n",
+         "W 1:1 no-closing-bracket, W 3:10 behind-header"},
+        {"lines without an equals sign", "lost\n[Networking]\nlost\n; c\nlost\nComputerName=PC-1\n",
+         "W 1:1 no-equals-sign, W 3:1 no-equals-sign, W 5:1 no-equals-sign"},
+        {"a continued value", "[Networking]\nWorkgroup=True\nDomain=SALES\nmore\n\nmore\n",
+         "E 3:8 bad-name, W 4:1 no-equals-sign, W 6:1 no-equals-sign"},
+        {"comments, quotes and percent signs in values",
+         "[Networking]\nWorkgroup=False\nDNSDomain=\"a.b\"\nDSOrganizationalUnit=%UNIT% ; mine\n",
+         "W 1:2 no-account, E 3:11 bad-name, W 3:11 quoted-value, W 4:22 percent-sign, "
+         "W 4:29 comment-in-value"},
+    });
+}
+
+TEST(CheckFindings, Membership) {
+    const std::string head = "[Networking]\nDomainUsername=x\nDomainPassword=y\n";
+    ExpectFindings({
+        {"no Workgroup", head + "Domain=CORP\nDNSDomain=corp.example\nComputerName=PC-1\n",
+         "W 4:1 unused-key, W 5:1 unused-key"},
+        {"a workgroup without name", head + "Workgroup=True\n",
+         "W 2:1 unused-key, W 3:1 unused-key, W 4:11 no-domain"},
+        {"a workgroup with an empty name", head + "Workgroup=True\nDomain=\n", "W 5:1 no-domain"},
+        {"a workgroup with a unit and a DNS domain",
+         head + "Workgroup=True\nDomain=SALES\nDNSDomain=a.b\nDSOrganizationalUnit=East\n",
+         "W 6:1 unused-key, W 7:1 unused-key"},
+        {"a workgroup whose name Windows refuses",
+         head + "Workgroup=True\nDomain=A-NAME-THAT-IS-TOO-LONG\n", "E 5:8 bad-name"},
+        {"an odd Workgroup", head + "Workgroup=yes\nDNSDomain=a.b\n", "W 4:11 odd-switch"},
+        {"a domain without DNSDomain", head + "Workgroup=False\nDomain=CORP\n",
+         "W 2:1 unused-key, W 3:1 unused-key, W 5:1 unused-key"},
+        {"both domains", head + "Workgroup=False\nDNSDomain=a.b\nDomain=A\n", "W 6:1 unused-key"},
+        {"an empty DNSDomain alone", head + "Workgroup=False\nDNSDomain=\n",
+         "W 2:1 unused-key, W 3:1 unused-key, W 5:1 no-domain"},
+        {"both empty", head + "Workgroup=False\nDNSDomain=\nDomain=\n", "W 6:1 no-domain"},
+        {"a domain name that is none", head + "Workgroup=False\nDNSDomain=a..b\n",
+         "E 5:11 bad-name"},
+        {"units", head + "DSOrganizationalUnit=\n", "W 4:1 empty-unit"},
+        {"a unit with an empty part", head + "DSOrganizationalUnit=/East\n", "E 4:22 bad-unit"},
+        {"a unit with backslashes", head + "DSOrganizationalUnit=East\\Sales\n", "W 4:22 odd-unit"},
+        {"a password without user", "[Networking]\nDomainPassword=y\nComputerName=PC-1\n",
+         "W 2:1 unused-key"},
+        {"a user without password", "[Networking]\nDomainUsername=x\nComputerName=PC-1\n",
+         "W 2:1 no-password"},
+        {"a join without account", "[Networking]\nWorkgroup=False\nDNSDomain=a.b\n",
+         "W 1:2 no-account"},
+    });
+}
+
+TEST(CheckFindings, NamesAndRestart) {
+    for (const char* const name :
+         {"", "PC 1", "PC_1", "-PC", "PC-", "123", "ABCDEFGHIJKLMNOP", "PC.corp", "P%C"}) {
+        const Checked checked("[Networking]\nComputerName="s + name);
+        EXPECT_EQ(checked.Findings().Errors(), 1U) << name << ": " << checked.Summary();
+    }
+    ExpectFindings({
+        {"a suppressed restart",
+         "[Global]\nRebootAfterConfig=FALSE\n[Networking]\nComputerName=PC-1\n",
+         "W 2:19 suppressed-restart"},
+        {"a suppressed restart that nothing needs",
+         "[Global]\nRebootAfterConfig=false\n" + Adapter(kStatic), ""},
+        {"neither true nor false",
+         "[Global]\nRebootAfterConfig=no\n[Networking]\nComputerName=PC-1\n", "W 2:19 odd-switch"},
+    });
+}
+
+TEST(CheckFindings, Addressing) {
+    ExpectFindings({
+        {"no Description",
+         "[TCP/IP]\nDHCP=false\nAddress=10.0.0.256\nDNS-Server-Count=1\n"
+         "DNS-Server0=x\nDNS-SuffixSearchOrder=,\nStatic-Route-Count=1\nRoute0=1.0.0.0,\n",
+         "E 1:2 no-description, E 3:9 bad-address, E 5:13 bad-address, E 6:23 bad-suffix, "
+         "E 6:24 bad-suffix, E 8:16 incomplete-route"},
+        {"DHCP that is neither true nor false",
+         Adapter("DHCP=yes\nAddress=10.0.0.5\n"
+                 "Netmask=255.0.0.0\nGateway=10.0.0.1\n"),
+         "W 3:6 odd-switch"},
+        {"keys that DHCP makes useless",
+         Adapter("DHCP=true\nAddress=10.0.0.5\nNetmask=x\nGateway=\n"),
+         "W 4:1 unused-key, W 5:1 unused-key, W 6:1 unused-key"},
+        {"counts that differ",
+         Adapter("DHCP=false\nAddress=10.0.0.5,10.0.0.6\nNetmask=255.0.0.0\n"
+                 "Gateway=10.0.0.1\n"),
+         "E 5:9 address-mask-count"},
+        {"texts that are no addresses",
+         Adapter("DHCP=false\nAddress=10.0.0.256,host, 10.0.0.1,,\n"
+                 "Netmask=255.0.0.0,1,255.0.255.0,0.0.0.0,255.255.255.255\nGateway=\n"),
+         "E 4:9 bad-address, E 4:20 bad-address, E 4:25 bad-address, E 4:35 bad-address, "
+         "E 4:36 bad-address, E 5:19 bad-mask, E 5:21 bad-mask, E 5:33 bad-mask, E 6:9 "
+         "bad-address"},
+        {"addresses of no host",
+         Adapter("DHCP=false\nAddress=0.0.0.5,127.0.0.1,224.0.0.1\n"
+                 "Netmask=255.0.0.0,255.0.0.0,255.0.0.0\nGateway=10.0.0.1\n"),
+         "E 4:9 bad-address, E 4:17 bad-address, E 4:27 bad-address"},
+        {"addresses in other notations",
+         Adapter("DHCP=false\nAddress=10.1,010.0.0.1,0xA000002\n"
+                 "Netmask=255.0.0.0,255.0.0.0,255.0.0.0\nGateway=10.0.0.1\n"),
+         "W 4:9 odd-address, W 4:14 odd-address, W 4:24 odd-address"},
+        {"a gateway outside",
+         Adapter("DHCP=false\nAddress=10.0.0.5\nNetmask=255.255.255.0\n"
+                 "Gateway=10.0.0.1,10.0.1.1\n"),
+         "E 6:18 gateway-outside"},
+        {"too many gateways",
+         Adapter("DHCP=false\nAddress=10.0.0.5\nNetmask=255.0.0.0\n"
+                 "Gateway=10.0.0.1,10.0.0.2,10.0.0.3,10.0.0.4,10.0.0.6,10.0.0.7\n"),
+         "E 6:9 gateway-count"},
+    });
+}
+
+TEST(CheckFindings, DnsServersAndSuffixes) {
+    const std::string dhcp = "DHCP=true\n";
+    ExpectFindings({
+        {"server texts",
+         Adapter(dhcp,
+                 "DNS-Server-Count=3\nDNS-Server0=0.0.0.0\nDNS-Server1=ns1\n"
+                 "DNS-Server2=10.0.0.2,10.0.0.3\n"),
+         "W 5:13 skipped-server, E 6:13 bad-address, E 7:13 bad-address"},
+        {"a count that is none", Adapter(dhcp, "DNS-Server-Count=two\n"), "W 4:18 odd-count"},
+        {"a count with a tail", Adapter(dhcp, "DNS-Server-Count=1x\nDNS-Server0=10.0.0.2\n"),
+         "W 4:18 odd-count"},
+        {"servers beyond the count",
+         Adapter(dhcp,
+                 "DNS-Server-Count=1\nDNS-Server0=10.0.0.2\n"
+                 "DNS-Server1=10.0.0.3\n"),
+         "W 6:1 unused-key"},
+        {"a server that is missing in between",
+         Adapter(dhcp,
+                 "DNS-Server-Count=3\n"
+                 "DNS-Server2=10.0.0.2\n"),
+         "W 4:18 missing-server"},
+        {"the last server missing", Adapter(dhcp, "DNS-Server-Count=2\nDNS-Server0=10.0.0.2\n"),
+         "W 4:18 missing-last-server"},
+        {"a number with leading zeros",
+         Adapter(dhcp, "DNS-Server-Count=1\nDNS-Server00=10.0.0.2\n"),
+         "W 4:18 missing-last-server, E 5:1 unknown-key"},
+        {"a count out of range does not hide what follows",
+         Adapter(dhcp, "DNS-Server-Count=100001\nDNS-Server0=x\n",
+                 "Static-Route-Count=1\nRoute0=1.0.0.0,2,\n") +
+             "[NicEntry1]\nDescription=b\n"
+             "DHCP=true\nDNS-SuffixSearchOrder=*\nStatic-Route-Count=-1\n",
+         "E 4:18 count-out-of-range, E 5:13 bad-address, E 8:16 bad-mask, "
+         "E 8:18 incomplete-route, E 12:23 bad-suffix"},
+        {"suffixes",
+         "[TCP/IP]\nDescription=lan\nDHCP=true\nDNS-SuffixSearchOrder=a.b,, c.d\n"
+         "Static-Route-Count=-1\n",
+         "E 4:27 bad-suffix, E 4:28 bad-suffix"},
+        {"suffixes of two adapters",
+         Adapter(dhcp) + "[NicEntry1]\nDescription=b\nDHCP=true\n"
+                         "DNS-SuffixSearchOrder=other.example\nStatic-Route-Count=-1\n",
+         "W 10:23 suffix-conflict"},
+    });
+}
+
+TEST(CheckFindings, Routes) {
+    const auto routes = [](const std::string& lines) {
+        return Adapter(kStatic, "DNS-Server-Count=0\n", lines);
+    };
+    ExpectFindings({
+        {"no final comma",
+         routes("Static-Route-Count=1\nRoute0=10.9.0.0,255.255.0.0,10.0.0.9,x,5\n"),
+         "E 10:40 incomplete-route"},
+        {"three fields", routes("Static-Route-Count=1\nRoute0=10.9.0.0,255.255.0.0,10.0.0.9\n"),
+         "E 10:29 incomplete-route"},
+        {"no comma", routes("Static-Route-Count=1\nRoute0=10.9.0.0\n"), "W 10:8 no-route"},
+        {"a comma in front", routes("Static-Route-Count=1\nRoute0=,1,2,3,4,\n"), "W 10:8 no-route"},
+        {"fields behind the metric",
+         routes("Static-Route-Count=1\n"
+                "Route0=10.9.0.0,255.255.0.0,10.0.0.9,x,5,6,\n"),
+         "W 10:42 behind-metric"},
+        {"metrics",
+         routes("Static-Route-Count=3\nRoute0=10.7.0.0,255.255.0.0,10.0.0.9,x,0,\n"
+                "Route1=10.8.0.0,255.255.0.0,10.0.0.9,x,5 hops,\n"
+                "Route2=10.9.0.0,255.255.0.0,10.0.0.9,x,,\n"),
+         "E 10:40 bad-metric, W 11:40 odd-metric, E 12:40 bad-metric"},
+        {"bits outside the mask",
+         routes("Static-Route-Count=1\n"
+                "Route0=10.9.0.1,255.255.0.0,10.0.0.9,x,5,\n"),
+         "E 10:8 route-bits"},
+        {"a default route", routes("Static-Route-Count=1\nRoute0=0.0.0.0,0.0.0.0,10.0.0.9,x,5,\n"),
+         "E 10:8 default-route"},
+        {"the same route twice",
+         routes("Static-Route-Count=2\n"
+                "Route0=10.9.0.0,255.255.0.0,10.0.0.9,x,5,\nRoute1=10.9.0.0,255.255.0.0,10.0.0.9,y,"
+                "6,\n"),
+         "E 11:8 repeated-route"},
+        {"a missing route is the one before it",
+         routes("Static-Route-Count=2\n"
+                "Route0=10.9.0.0,255.255.0.0,10.0.0.9,x,5,\n"),
+         "E 1:2 repeated-route, W 1:2 missing-route"},
+        {"a first route that is missing", routes("Static-Route-Count=1\n"), "W 1:2 missing-route"},
+        {"routes beyond the count", routes("Static-Route-Count=-1\nRoute0=x\n"),
+         "W 10:1 unused-key"},
+        {"a gateway in no network",
+         routes("Static-Route-Count=1\n"
+                "Route0=10.9.0.0,255.255.0.0,10.5.0.9,x,5,\n"),
+         "W 10:8 gateway-outside"},
+        {"two sections",
+         routes("Static-Route-Count=0\n") +
+             "[NicEntry1]\nDescription=b\nDHCP=true\n"
+             "DNS-SuffixSearchOrder=corp.example\nStatic-Route-Count=0\n",
+         "E 14:20 several-route-sections"},
+        {"a count out of range", routes("Static-Route-Count=100001\nRoute0=,\n"),
+         "E 9:20 count-out-of-range, W 10:8 no-route"},
+    });
+}
+
+TEST(CheckFindings, TheTextThatAMissingKeyReuses) {
+    struct ReuseCase {
+        const char* what;
+        std::string text;
+        const char* summary;
+        const char* words;
+    };
+    const std::string head = "[TCP/IP]\nDescription=lan\n";
+    const ReuseCase cases[] = {
+        {"suffixes of a DHCP adapter", head + "DHCP=true\nStatic-Route-Count=-1\n",
+         "W 1:2 reused-text",
+         "no \"DNS-SuffixSearchOrder\": the module takes the text of \"DHCP\" in line 3 and sets "
+         "the "
+         "DNS suffixes of the machine to \"true\""},
+        {"no route count", head + "DHCP=true\nDNS-SuffixSearchOrder=a.b\n", "W 1:2 reused-text",
+         "the text of \"DNS-SuffixSearchOrder\" in line 4 and reads the count 0: it deletes the "
+         "machine's persistent routes but the first default route"},
+        {"no DHCP",
+         head + "Address=10.0.0.5\nNetmask=255.0.0.0\nGateway=10.0.0.1\n"
+                "DNS-Server-Count=0\nDNS-SuffixSearchOrder=a.b\nStatic-Route-Count=-1\n",
+         "W 1:2 reused-text", "the text of \"Description\" in line 2, \"lan\", and sets static"},
+        {"no address",
+         head + "DHCP=false\nNetmask=255.0.0.0\nGateway=10.0.0.1\nDNS-Server-Count=0\n"
+                "DNS-SuffixSearchOrder=a.b\nStatic-Route-Count=-1\n",
+         "E 1:2 reused-text", "sets the addresses to \"false\"; \"false\" is no IPv4 address"},
+        {"no gateway",
+         head + "DHCP=false\nAddress=10.0.0.5\nNetmask=255.0.0.0\nDNS-Server-Count=0\n"
+                "DNS-SuffixSearchOrder=a.b\nStatic-Route-Count=-1\n",
+         "E 1:2 reused-text", "sets the gateways to \"255.0.0.0\""},
+        {"no server count after a gateway",
+         head + kStatic +
+             "DNS-SuffixSearchOrder=a.b\n"
+             "Static-Route-Count=-1\n",
+         "W 1:2 reused-text, W 1:2 missing-server, W 1:2 "
+         "missing-last-server",
+         "the text of \"Gateway\" in line 6 and reads the count 10"},
+        {"a route out of a suffix list",
+         head + "DHCP=true\nDNS-Server-Count=0\n"
+                "DNS-SuffixSearchOrder=1.b,c.d\n",
+         "E 1:2 missing-route, W 1:2 reused-text", "reads the count 1"},
+    };
+    for (const ReuseCase& test : cases) {
+        const Checked checked(test.text);
+        EXPECT_EQ(checked.Summary(), test.summary) << test.what << "\n" << checked.Messages();
+        EXPECT_NE(checked.Messages().find(test.words), std::string::npos) << test.what << "\n"
+                                                                          << checked.Messages();
+    }
+}
+
+}  // namespace

@@ -1,0 +1,173 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "common/config/ConfigBuilder.h"
+#include "common/err/GeneralError.h"
+#include "common/logging/LogSink.h"
+#include "host/check/KnownNames.h"
+#include "tests/host/check/Checked.h"
+#include "tests/host/check/RandomFile.h"
+#include "toolbox/config/ConfigurationFileEvents.h"
+
+namespace {
+
+using check_tests::Checked;
+using check_tests::RandomFile;
+using toolbox_tests::ScratchFile;
+
+/// The module's events, its real builder behind them. Returns the message of the error that they
+/// end with; empty for none.
+std::string ErrorOf(const std::string& text) {
+    const ScratchFile scratch(text, "property.ini");
+    IniFile file;
+    file.Load(scratch.Path(), false);
+    logging::NullLogSink log;
+    config::ConfigBuilder builder(log);
+    ConfigurationFileEvents events(
+        file,
+        [&builder](std::uint32_t kind, std::uint32_t type, const std::string& value) {
+            builder.ConfigEvent(kind, type, value);
+        },
+        [] { return [](const std::string& text_, std::string& plain) { plain = text_; }; });
+    try {
+        events.SuppressesReboot();
+        events.SendSections();
+    } catch (const err::CGeneralError& error) {
+        return error.Message();
+    }
+    return {};
+}
+
+TEST(CheckReading, AFileWithoutErrorsMakesNoErrorInTheModule) {
+    RandomFile files(20260101);
+#ifdef _WIN32
+    constexpr int kFiles = 400;  // each costs several milliseconds under Wine
+#else
+    constexpr int kFiles = 3000;
+#endif
+    std::map<bool, int> filesByVerdict;
+    int refused = 0;
+    for (int i = 0; i < kFiles; ++i) {
+        const std::string text = files.Make();
+        const bool good = Checked(text).Findings().Errors() == 0;
+        ++filesByVerdict[good];
+        const std::string error = ErrorOf(text);
+        refused += error.empty() ? 0 : 1;
+        ASSERT_TRUE(!good || error.empty()) << error << "\n" << text;
+    }
+    // The draw is worth something only while it holds many of each sort.
+    EXPECT_GT(filesByVerdict[true], kFiles / 10);
+    EXPECT_GT(filesByVerdict[false], kFiles / 10);
+    EXPECT_GT(refused, kFiles / 20);
+}
+
+TEST(CheckReading, LinesAreTakenApartAsTheModuleDoes) {
+    RandomFile files(7);
+    for (int i = 0; i < 200; ++i) {
+        std::string text = files.Make();
+        for (int changes = files.Below(8); changes > 0 && !text.empty(); --changes) {
+            const char characters[] = "[]=;#\r\n \t\0x";
+            text[static_cast<std::size_t>(files.Below(static_cast<int>(text.size())))] =
+                characters[files.Below(sizeof characters - 1)];
+        }
+        const ScratchFile scratch(text, "lines.ini");
+        IniFile file;
+        file.Load(scratch.Path(), false);
+        host::check::SourceFile source;
+        ASSERT_TRUE(source.Load(scratch.Path()));
+        std::string section;
+        for (auto result = file.GetFirstSection(section); result == IniFile::kSuccess;
+             result = file.GetNextSection(section)) {
+            std::vector<std::size_t> expected;
+            for (const IniFile::Entry& entry : *file.Entries(section)) {
+                const host::check::SourceLine& line = source.Line(entry.line);
+                if (line.kind == host::check::LineKind::kComment) {
+                    EXPECT_TRUE(entry.key.empty() && entry.value.starts_with(line.text)) << text;
+                    continue;
+                }
+                expected.push_back(entry.line);
+                EXPECT_EQ(line.key, entry.key) << text;
+                EXPECT_TRUE(entry.value.starts_with(line.value)) << text;
+            }
+            EXPECT_EQ(source.EntriesOf(section), expected) << text;
+        }
+    }
+}
+
+TEST(CheckReading, SecretsAreShownNowhere) {
+    const std::string secret = "c4n4ry";
+    const std::string lines[] = {
+        "DomainPassword=" + secret,
+        "DomainUsername = " + secret + "\n" + secret,
+        "domainpasword=" + secret,
+        "Password=" + secret + " ; x",
+        "DomainUser=" + secret + "%",
+        "; DomainPassword=" + secret + "\nno equals sign " + secret,
+        "Colour=red DomainPassword=" + secret,
+        "DomainPassword=\"" + secret + "\"\rrest",
+        "DomainPassword=a\nDomainPassword=" + secret,
+        "Pass\tword\x01=" + secret,
+        "[Networking] DomainPassword=" + secret,
+    };
+    for (const char* const section : {"[Networking]\n", "[TCP/IP]\n", "[Netwrking]\n", ""}) {
+        for (const std::string& line : lines) {
+            const Checked checked(section + line + "\n");
+            EXPECT_FALSE(checked.Findings().List().empty()) << line;
+            std::string shown = checked.Messages();
+            for (std::size_t i = 1; i <= checked.Source().LineCount(); ++i) {
+                shown += checked.Source().Shown(i) + "\n";
+            }
+            EXPECT_EQ(shown.find(secret), std::string::npos) << shown;
+        }
+    }
+}
+
+TEST(CheckReading, WhatWasProbablyMeant) {
+    using host::check::NearestKey;
+    using host::check::NearestSection;
+    using host::check::SectionRole;
+    const std::pair<const char*, const char*> sections[] = {
+        {"Netwroking", "Networking"},   {"TCPIP", "TCP/IP"},   {"NicEntri3", "NicEntry3"},
+        {"my nicentry 4", "NicEntry4"}, {"GLOBALS", "Global"}, {"Printers", ""},
+    };
+    for (const auto& [name, meant] : sections) {
+        EXPECT_EQ(NearestSection(name), meant) << name;
+    }
+    const std::pair<const char*, const char*> keys[] = {
+        {"Adress", "Address"},
+        {"IPAddress", "Address"},
+        {"DefaultGateway", "Gateway"},
+        {"DNSServer1", "DNS-Server1"},
+        {"Route007", "Route7"},
+        {"Rout0", "Route0"},
+        {"Route", "Route0"},
+        {"DNS-Sever-Count", "DNS-Server-Count"},
+        {"Colour", ""},
+        {"", ""},
+    };
+    for (const auto& [name, meant] : keys) {
+        EXPECT_EQ(NearestKey(SectionRole::kAdapter, name), meant) << name;
+    }
+    EXPECT_EQ(host::check::EditDistance("Gatewya", "GATEWAY"), 1U);
+    EXPECT_EQ(NearestKey(SectionRole::kAdapter, std::string(1 << 20, 'x')), "");
+}
+
+TEST(CheckReading, VeryManyFaultsAreCountedAndNotKept) {
+    std::string text = "[Networking]\nComputerName=PC-1\n";
+    for (int i = 0; i < 20000; ++i) {
+        text += "Key" + std::to_string(i) + "=x\n";
+    }
+    const Checked keys(text);
+    EXPECT_EQ(keys.Findings().Warnings(), 20000U);
+    EXPECT_EQ(keys.Findings().List().size(), host::check::Findings::kKept);
+
+    const Checked counts(
+        "[TCP/IP]\nDescription=x\nDHCP=true\nDNS-Server-Count=100000\nDNS-Server99999=10.0.0.1\n"
+        "DNS-SuffixSearchOrder=a.b\nStatic-Route-Count=100000\n");
+    EXPECT_EQ(counts.Summary(), "W 1:2 missing-route, W 4:18 missing-server");
+}
+
+}  // namespace

@@ -1,0 +1,177 @@
+// What is not given back, or given back twice, is noticed.
+#include "machine/Ledger.h"
+
+#include <gmock/gmock.h>
+
+#include "machine/ComMemoryBalance.h"
+#include "tests/machine/RawWmi.h"
+#include "tests/machine/SimulatedTest.h"
+
+namespace machine::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+class LedgerTest : public SimulatedTest {};
+
+IWbemClassObject* FirstRow(Connection& connection) {
+    Held<IEnumWbemClassObject> rows;
+    connection.Query(L"select Name from Win32_ComputerSystem", rows);
+    IWbemClassObject* row = nullptr;
+    ULONG count = 0;
+    rows->Next(forever, 1, &row, &count);
+    return row;
+}
+
+TEST_F(LedgerTest, FindsAnInterfaceThatIsKeptAndWhoHandedItOut) {
+    Connection connection;
+    IWbemClassObject* row = FirstRow(connection);
+    row->AddRef();
+    row->Release();
+    bool found = false;
+    for (const Ledger::Item& item : simulation_.GetLedger().Outstanding()) {
+        if (item.kind == "IWbemClassObject") {
+            found = true;
+            EXPECT_THAT(item.origin, HasSubstr("Next, call "));
+            EXPECT_EQ(item.count, 1U);
+        }
+    }
+    EXPECT_TRUE(found);
+    row->Release();
+}
+
+TEST_F(LedgerTest, FindsAReleaseTooMany) {
+    Connection connection;
+    IWbemClassObject* row = FirstRow(connection);
+    EXPECT_EQ(row->Release(), 0U);
+    EXPECT_EQ(row->Release(), 0U);
+    Variant value;
+    EXPECT_EQ(row->Get(L"Name", 0, &value, nullptr, nullptr), WBEM_E_NOT_FOUND);
+    ASSERT_EQ(simulation_.GetLedger().Misuse().size(), 2U);
+    EXPECT_THAT(simulation_.GetLedger().Misuse()[0],
+                HasSubstr("the IWbemClassObject was released before"));
+    simulation_.GetLedger().Clear();
+    // The connection is still held and still comes back.
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE);
+}
+
+TEST_F(LedgerTest, FindsObjectsUsedAfterComWasLeft) {
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    IWbemLocator* locator = nullptr;
+    ASSERT_EQ(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                               reinterpret_cast<void**>(&locator)),
+              S_OK);
+    CoUninitialize();
+    locator->Release();
+    CoUninitialize();
+    ASSERT_EQ(simulation_.GetLedger().Misuse().size(), 2U);
+    EXPECT_THAT(simulation_.GetLedger().Misuse()[0],
+                HasSubstr("COM is not initialised for the IWbemLocator"));
+    EXPECT_THAT(simulation_.GetLedger().Misuse()[1],
+                HasSubstr("COM is not initialised on this thread"));
+    simulation_.GetLedger().Clear();
+}
+
+TEST_F(LedgerTest, FindsKeysHandlesAndInitialisationsThatAreKept) {
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    HKEY key = nullptr;
+    RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SYSTEM", 0, KEY_READ, &key);
+    HANDLE readEnd = nullptr;
+    HANDLE writeEnd = nullptr;
+    CreatePipe(&readEnd, &writeEnd, nullptr, 0);
+    const std::string report = simulation_.GetLedger().Report();
+    EXPECT_EQ(report,
+              "not returned: COM initialisation (CoInitializeEx, call 1), 2 times\n"
+              "not returned: HKEY (RegOpenKeyExA, call 3, SYSTEM)\n"
+              "not returned: pipe handle (CreatePipe, call 4, read end)\n"
+              "not returned: pipe handle (CreatePipe, call 4, write end)\n");
+    CloseHandle(readEnd);
+    CloseHandle(writeEnd);
+    RegCloseKey(key);
+    EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(simulation_.GetLedger().Misuse().size(), 1U);
+    CoUninitialize();
+    CoUninitialize();
+    simulation_.GetLedger().Clear();
+}
+
+TEST_F(LedgerTest, AClosingThatWasMadeToFailIsNoLeakAndMayBeRepeated) {
+    HKEY key = nullptr;
+    RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SYSTEM", 0, KEY_READ, &key);
+    HANDLE readEnd = nullptr;
+    HANDLE writeEnd = nullptr;
+    CreatePipe(&readEnd, &writeEnd, nullptr, 0);
+    Fail("RegCloseKey#1,CloseHandle#1=123");
+    EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(CloseHandle(readEnd));
+    EXPECT_EQ(GetLastError(), 123U);
+    CloseHandle(writeEnd);
+    EXPECT_EQ(simulation_.GetLedger().Report(), "");
+    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+    EXPECT_TRUE(CloseHandle(readEnd));
+}
+
+[[gnu::noinline]] IWbemLocator* MakeLocator() {
+    IWbemLocator* locator = nullptr;
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                     reinterpret_cast<void**>(&locator));
+    return locator;
+}
+
+TEST(LedgerLifetime, AnInterfaceThatOutlivesTheSimulationCanStillBeReleased) {
+    IWbemLocator* locator = nullptr;
+    {
+        Simulation simulation(DefaultState());
+        simulation.Attach(GetModuleHandleA(nullptr));
+        locator = MakeLocator();
+    }
+    ASSERT_NE(locator, nullptr);
+    EXPECT_EQ(locator->Release(), 0U);
+}
+
+TEST(ComMemoryBalance, CountsWhatIsNotFreed) {
+    ComMemoryBalance balance;
+    BSTR text = SysAllocString(L"kept");
+    SysFreeString(SysAllocString(L"freed"));
+    SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, 2);
+    EXPECT_GE(balance.OutstandingBlocks(), 2U);
+    EXPECT_GE(balance.OutstandingBytes(), 10U);
+    const ComMemoryBalance later;
+    EXPECT_EQ(later.OutstandingBlocks(), 0U);
+    SysFreeString(text);
+    SafeArrayDestroy(array);
+    EXPECT_EQ(balance.OutstandingBlocks(), 0U);
+    EXPECT_EQ(balance.OutstandingBytes(), 0U);
+    EXPECT_GE(balance.Allocations(), 3U);
+}
+
+TEST_F(LedgerTest, AQueryAndAMethodLeaveNoComMemoryBehindWhateverFails) {
+    ComMemoryBalance balance;
+    std::uint64_t call = 0;
+    do {
+        simulation_.SetFaultPlan(FaultPlan::FailCall(++call));
+        Connection connection;
+        if (SUCCEEDED(connection.Result())) {
+            Held<IEnumWbemClassObject> rows;
+            Held<IWbemClassObject> row;
+            Variant value;
+            ULONG count = 0;
+            if (SUCCEEDED(connection.Query(
+                    L"select IPAddress from Win32_NetworkAdapterConfiguration", rows)) &&
+                rows->Next(forever, 1, row.Receive(), &count) == S_OK) {
+                row->Get(L"IPAddress", 0, &value, nullptr, nullptr);
+            }
+            Variant servers(std::vector<std::wstring>{L"192.0.2.1"});
+            connection.Call(L"Win32_NetworkAdapterConfiguration",
+                            L"Win32_NetworkAdapterConfiguration.Index=1",
+                            L"SetDNSServerSearchOrder", {{L"DNSServerSearchOrder", &servers}});
+        }
+    } while (simulation_.GetFaultPlan().Fired() != 0);
+    EXPECT_EQ(call, 5U + 3U + 6U + 1U) << "connect, query, method, and the run without a fault";
+    EXPECT_EQ(balance.OutstandingBlocks(), 0U);
+}
+
+}  // namespace
+}  // namespace machine::test

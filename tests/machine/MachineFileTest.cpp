@@ -1,0 +1,167 @@
+#include "machine/MachineFile.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+namespace machine {
+namespace {
+
+State RichState() {
+    State state = DefaultState();
+    state.pendingComputerName = "NEXT";
+    state.membership = Membership::OfDomain("CORP", "corp.example");
+    state.pendingMembership = Membership::OfWorkgroup("OFFICE");
+    state.dnsSuffixes = {"corp.example", "example"};
+    state.adapters[2].ipEnabled = false;
+    state.adapters[2].dhcpEnabled.reset();
+    state.adapters[2].ipAddress = TextList();
+    state.adapters[2].caption = "[00000007] Adapt\xE9r";
+    state.registry = {
+        {"SOFTWARE\\Example",
+         {RegistryValue::Text("", "default"),
+          RegistryValue::Number("Count", 4'000'000'000U),
+          {"Unterminated", 1, "abc"},
+          {"Expand", 2, std::string("%A%\0", 4)},
+          {"Empty", 3, ""},
+          {"Short", 4, "\x01\x02"},
+          {"Many", 7, std::string("a\0b\0\0", 5)}}},
+        {"SOFTWARE\\Empty", {}},
+    };
+    state.domains[0].reachable = false;
+    state.hosts.push_back({"nowhere.example", {}});
+    state.system = {CryptoLibrary::WithoutExport, true, true};
+    return state;
+}
+
+TEST(MachineFile, WhatIsSavedLoadsUnchanged) {
+    for (const State& state : {DefaultState(), RichState()}) {
+        EXPECT_EQ(ParseState(FormatState(state)), state);
+    }
+}
+
+TEST(MachineFile, FilesCarryTheTextAndErrorsNameTheFile) {
+    const char* file = "saved-machine.json";
+    SaveState(RichState(), file);
+    EXPECT_EQ(LoadState(file), RichState());
+    EXPECT_EQ(std::remove(file), 0);
+    try {
+        LoadState(file);
+        FAIL() << "a missing file was loaded";
+    } catch (const MachineFileError& error) {
+        EXPECT_STREQ(error.what(), "saved-machine.json: cannot be read");
+    }
+    EXPECT_THROW(SaveState(RichState(), "no-such-folder/saved-machine.json"), MachineFileError);
+}
+
+TEST(MachineFile, MissingMembersTakeSensibleValues) {
+    const State state = ParseState(R"({"computerName": "PC1", "adapters": [
+        {"index": 3, "dhcpEnabled": false, "dnsServers": ["192.0.2.1"]},
+        {"index": 4, "dhcpEnabled": true, "dnsServers": ["192.0.2.1"]}]})");
+    EXPECT_EQ(state.hostName, "PC1");
+    EXPECT_EQ(state.membership, Membership::OfWorkgroup("WORKGROUP"));
+    EXPECT_TRUE(state.adapters[0].ipEnabled);
+    EXPECT_EQ(state.adapters[0].caption, std::nullopt);
+    EXPECT_EQ(state.adapters[0].staticDns, (TextList{"192.0.2.1"}));
+    EXPECT_EQ(state.adapters[1].staticDns, TextList());
+}
+
+TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
+    struct Case {
+        const char* json;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"[]", "/: expected an object, found a list"},
+        {"{}", "/: the member \"computerName\" is missing"},
+        {R"({"computerName": 5})", "/computerName: expected text, found 5"},
+        {R"({"computerName": "A", "colour": "red"})", "/colour: no such member"},
+        {R"({"computerName": "A", "computerName": "B"})",
+         "the member \"computerName\" stands twice in one object"},
+        {R"({"computerName": "A\u0000B"})",
+         R"(/computerName: expected text without a zero character, found "A\u0000B")"},
+        {R"({"computerName": "A", "dnsSuffixes": "a,b"})",
+         "/dnsSuffixes: expected a list, found \"a,b\""},
+        {R"({"computerName": "A", "dnsSuffixes": ["a", null]})",
+         "/dnsSuffixes/1: expected text, found null"},
+        {R"({"computerName": "A", "adapters": [{}]})",
+         "/adapters/0: the member \"index\" is missing"},
+        {R"({"computerName": "A", "adapters": [{"index": -1}]})",
+         "/adapters/0/index: expected a whole number from 0 to 4294967295, found -1"},
+        {R"({"computerName": "A", "adapters": [{"index": 1.5}]})",
+         "/adapters/0/index: expected a whole number from 0 to 4294967295, found 1.5"},
+        {R"({"computerName": "A", "adapters": [{"index": 18446744073709551615}]})",
+         "/adapters/0/index: expected a whole number from 0 to 4294967295, found "
+         "18446744073709551615"},
+        {R"({"computerName": "A", "adapters": [{"index": 1}, {"index": 1}]})",
+         "/adapters/1/index: another adapter has the index 1"},
+        {R"({"computerName": "A", "adapters": [{"index": 1, "dhcpEnabled": "yes"}]})",
+         "/adapters/0/dhcpEnabled: expected true or false, found \"yes\""},
+        {R"({"computerName": "A", "adapters": [{"index": 1, "dhcpLease": {"server": ""}}]})",
+         "/adapters/0/dhcpLease/server: no such member"},
+        {R"({"computerName": "A", "routes": [{"destination": "10.0.0.0", "mask": "255.0.0",
+             "nextHop": "10.1.1.1"}]})",
+         "/routes/0/mask: expected an IPv4 address, found \"255.0.0\""},
+        {R"({"computerName": "A", "membership": {"domain": "CORP"}})",
+         "/membership: a machine belongs to a \"workgroup\" or to a \"domain\" with its "
+         "\"dnsDomain\""},
+        {R"({"computerName": "A", "domains": [{"dnsName": "a.b", "flatName": "A",
+             "units": [{"name": "U", "units": [{"name": 1}]}]}]})",
+         "/domains/0/units/0/units/0/name: expected text, found 1"},
+        {R"({"computerName": "A", "hosts": {"a/b~c": ["x"]}})",
+         "/hosts/a~1b~0c/0: expected an IPv4 address, found \"x\""},
+        {R"({"computerName": "A", "registry": {"K": {"V": true}}})",
+         "/registry/K/V: expected text, a number, or an object with \"type\" and \"text\" or "
+         "\"bytes\", found true"},
+        {R"({"computerName": "A", "registry": {"K": {"V": {"type": "REG_BINARY", "bytes": "0"}}}})",
+         "/registry/K/V/bytes: expected bytes such as \"00 7F FF\", found \"0\""},
+        {R"({"computerName": "A", "registry": {"K": {}, "k": {}}})",
+         "/registry/k: the key stands twice: letter case does not count"},
+        {R"({"computerName": "A", "system": {"libCrypto": "broken"}})",
+         "/system/libCrypto: expected \"present\", \"absent\" or \"withoutExport\", found "
+         "\"broken\""},
+    };
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.json);
+        try {
+            ParseState(one.json);
+            ADD_FAILURE() << "accepted";
+        } catch (const MachineFileError& error) {
+            EXPECT_STREQ(error.what(), one.message);
+        }
+    }
+}
+
+TEST(MachineFile, TheExamplesOfTheDocumentationLoad) {
+    std::ifstream in(TOOLBOX_SOURCE_DIR "/docs/machine-files.md");
+    int examples = 0;
+    std::string json;
+    bool inside = false;
+    for (std::string line; std::getline(in, line);) {
+        if (inside && line == "```") {
+            ++examples;
+            EXPECT_NO_THROW(ParseState(json)) << json;
+            inside = false;
+        } else if (inside) {
+            json += line + "\n";
+        } else if (line == "```json") {
+            inside = true;
+            json.clear();
+        }
+    }
+    EXPECT_EQ(examples, 3);
+}
+
+TEST(MachineFile, BrokenJsonIsReportedWithLineAndColumn) {
+    try {
+        ParseState("{\n  \"computerName\": }");
+        FAIL() << "accepted";
+    } catch (const MachineFileError& error) {
+        EXPECT_EQ(std::string(error.what()).find("parse error at line 2, column 19"), 0U)
+            << error.what();
+    }
+}
+
+}  // namespace
+}  // namespace machine

@@ -1,0 +1,35 @@
+// A test on a simulated machine that serves this very program. At its end nothing unexpected may
+// have been called and everything handed out must be back.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "machine/Simulation.h"
+
+namespace machine::test {
+
+class SimulatedTest : public ::testing::Test {
+protected:
+    SimulatedTest() : simulation_(DefaultState()) { simulation_.Attach(GetModuleHandleA(nullptr)); }
+
+    void TearDown() override {
+        EXPECT_EQ(simulation_.GetLedger().Report(), "");
+        for (const std::string& what : simulation_.Unexpected()) {
+            ADD_FAILURE() << "unexpected: " << what;
+        }
+    }
+
+    void Fail(std::string_view plan) { simulation_.SetFaultPlan(FaultPlan::Parse(plan)); }
+
+    // Changes the machine's state by hand.
+    template <typename Action>
+    void Change(Action&& change) {
+        State state = simulation_.GetState();
+        change(state);
+        simulation_.SetState(std::move(state));
+    }
+
+    Simulation simulation_;
+};
+
+}  // namespace machine::test

@@ -1,0 +1,27 @@
+// Whether a request that met failing platform calls ended as it may.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "machine/State.h"
+#include "tests/cases/harness/ModuleRun.h"
+
+namespace sweep {
+
+struct Verdict {
+    std::string answer;                   ///< kind of the answer: "Success", "Failure", ...
+    bool harmless = false;                ///< as if nothing had failed
+    std::vector<std::string> complaints;  ///< what must not be
+};
+
+/// What a request came to, and what it comes to when nothing fails.
+struct Ending {
+    e2e::RunResult run;
+    machine::State machine;
+    std::string file;  ///< as PresentedFile::WhereIsIt says
+};
+
+Verdict Judge(const Ending& ending, const Ending& clean);
+
+}  // namespace sweep

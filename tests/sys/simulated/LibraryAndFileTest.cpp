@@ -1,0 +1,140 @@
+// The agent's cryptography library and the file functions on the simulated machine.
+#include <windows.h>
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "common/sys/CryptoDll.h"
+#include "common/util/FileUtils.h"
+#include "machine/Cipher.h"
+#include "tests/sys/simulated/Sweep.h"
+#include "tests/sys/support/ScratchFolder.h"
+
+namespace {
+
+using namespace sys_tests;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(CryptoLibrary, DecipheringLooksTheExportUpOnce) {
+    Machine machine;
+    const std::string enciphered = machine::Encipher("Join-Me-1");
+    EXPECT_EQ(machine.Run([&] {
+        sys::CryptoDll crypto;
+        for (int again = 0; again < 2; ++again) {
+            std::string plain;
+            EXPECT_EQ(crypto.Decrypt(enciphered, plain), 0);
+            EXPECT_EQ(plain, "Join-Me-1");
+        }
+    }),
+              Success());
+    EXPECT_THAT(machine.Calls(),
+                ElementsAre("LoadLibraryA name=LibCrypto.dll", "GetProcAddress name=Decrypt",
+                            "Decrypt enciphered=***", "Decrypt enciphered=***", "FreeLibrary"));
+    EXPECT_THAT(machine.Leaks(), IsEmpty());
+}
+
+TEST(CryptoLibrary, IsMissedWhenItIsFirstNeeded) {
+    const std::pair<machine::CryptoLibrary, Outcome> cases[] = {
+        {machine::CryptoLibrary::Absent,
+         DllFailure("DllProxy::Load - Load Library Failed", 70, 0, ERROR_MOD_NOT_FOUND)},
+        {machine::CryptoLibrary::WithoutExport,
+         DllFailure("DllProxy::GetProcAddress - GetProcAddress Failed", 83, 1,
+                    ERROR_PROC_NOT_FOUND)},
+    };
+    for (const auto& [library, expected] : cases) {
+        machine::State state = machine::DefaultState();
+        state.system.libCrypto = library;
+        Machine machine(state);
+        EXPECT_EQ(machine.Run([] { const sys::CryptoDll unused; }), Success());
+        EXPECT_THAT(machine.Calls(), IsEmpty());
+        std::string plain = "kept";
+        EXPECT_EQ(machine.Run([&] {
+            sys::CryptoDll crypto;
+            crypto.Decrypt("enciphered", plain);
+        }),
+                  expected);
+        EXPECT_EQ(plain, "kept");
+        EXPECT_THAT(machine.Leaks(), IsEmpty());
+    }
+}
+
+TEST(CryptoLibrary, AnyFailingCallIsItsError) {
+    const Operation operation = [](std::string& outputs) {
+        std::string plain = "kept";
+        int result = -1;
+        const Show show(outputs, [&] { return plain + " " + std::to_string(result); });
+        sys::CryptoDll crypto;
+        result = crypto.Decrypt(machine::Encipher("secret"), plain);
+    };
+    const auto check = [](const FaultyRun& run) {
+        if (run.fault.Is("Decrypt")) {
+            EXPECT_EQ(run.outcome, Success());
+            EXPECT_EQ(run.outputs, "kept 1") << "the library's result is handed back";
+            return;
+        }
+        EXPECT_EQ(run.outcome, run.fault.Is("LoadLibraryA")
+                                   ? DllFailure("DllProxy::Load - Load Library Failed", 70, 0,
+                                                ERROR_MOD_NOT_FOUND)
+                                   : DllFailure("DllProxy::GetProcAddress - GetProcAddress Failed",
+                                                83, 1, ERROR_PROC_NOT_FOUND));
+        EXPECT_EQ(run.outputs, "kept -1");
+    };
+    Sweep(operation, check);
+}
+
+TEST(FilesOnTheMachine, AnyFailingCallOfAMoveIsItsError) {
+    const ScratchFolder folder;
+    const std::string source = folder.AddFile("source", "x");
+    const std::string destination = folder.Path("destination");
+    const Operation operation = [&](std::string&) { util::MoveFile(source, destination); };
+    const auto check = [](const FaultyRun& run) {
+        if (run.fault.Is("MoveFileA")) {
+            EXPECT_EQ(run.outcome, FileFailure("File Move Failed ", 104, ERROR_ACCESS_DENIED));
+        } else if (run.fault.ordinal == 1 && !run.fault.stays) {
+            // A destination whose attributes cannot be read counts as one that is not there.
+            EXPECT_EQ(run.outcome, Success());
+        } else {
+            EXPECT_EQ(run.outcome,
+                      FileFailure("Source file does not exist ", 100, ERROR_ACCESS_DENIED));
+        }
+    };
+    SweepOptions options;
+    options.afterEachRun = [&] { MoveFileA(destination.c_str(), source.c_str()); };
+    Sweep(operation, check, options);
+}
+
+TEST(FilesOnTheMachine, AnyFailingCallOfADeletionIsItsError) {
+    const ScratchFolder folder;
+    const Operation operation = [&](std::string&) { util::DeleteFile(folder.Path("file")); };
+    const auto check = [](const FaultyRun& run) {
+        EXPECT_EQ(run.outcome, run.fault.Is("DeleteFileA")
+                                   ? FileFailure("Delete failed ", 139, ERROR_ACCESS_DENIED)
+                                   : FileFailure("Delete failed - target does not exist", 136,
+                                                 ERROR_ACCESS_DENIED));
+    };
+    SweepOptions options;
+    options.afterEachRun = [&] { folder.AddFile("file", "x"); };
+    options.afterEachRun();
+    Sweep(operation, check, options);
+}
+
+TEST(FilesOnTheMachine, ComparingTwoPathsNeverThrows) {
+    const ScratchFolder folder;
+    const std::string file = folder.AddFile("file", "x");
+    const std::string sameFile = folder.Path(".\\FILE");
+    for (const bool same : {true, false}) {
+        const std::string other = same ? sameFile : folder.AddFile("other", "x");
+        const Operation operation = [&](std::string& outputs) {
+            outputs = util::IsSameFile(file, other) ? "same" : "different";
+        };
+        const auto check = [same](const FaultyRun& run) {
+            EXPECT_EQ(run.outcome, Success());
+            EXPECT_TRUE(run.outputs == "different" || same);
+        };
+        Sweep(operation, check);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,155 @@
+// The registry wrapper on the simulated machine: exact calls, and every one of them failing.
+#include "common/sys/Registry.h"
+
+#include <windows.h>
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+#include "common/sys/NicRegistry.h"
+#include "tests/sys/simulated/Sweep.h"
+
+namespace {
+
+using namespace sys_tests;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr DWORD kForeignError = 4711;
+constexpr const char* kKey = "SOFTWARE\\Test";
+
+machine::State WithKey() {
+    machine::State state = machine::DefaultState();
+    state.registry = {{kKey, {machine::RegistryValue::Text("Value", "content")}}};
+    return state;
+}
+
+TEST(SimulatedRegistry, AccessFollowsCreateReadOnlyAndView) {
+    struct Case {
+        bool create;
+        bool readOnly;
+        int view;
+        const char* access;
+    };
+    const Case cases[] = {
+        {false, true, 0, "0x80000000"}, {false, true, 1, "0x80000200"},
+        {false, true, 2, "0x80000000"}, {false, true, -1, "0x80000000"},
+        {false, false, 0, "0xF003F"},   {false, false, 1, "0xF023F"},
+        {true, true, 0, "0xF003F"},     {true, true, 1, "0xF023F"},
+        {true, false, 0, "0xF003F"},    {true, false, 1, "0xF023F"},
+    };
+    for (const Case& c : cases) {
+        Machine machine(WithKey());
+        sys::Registry key;
+        key.SetSubkey(kKey);
+        EXPECT_EQ(machine.Run([&] {
+            key.Open(c.create, c.readOnly, c.view);
+            key.Close();
+        }),
+                  Success());
+        const std::string open = c.create
+                                     ? "RegCreateKeyExA subkey=SOFTWARE\\Test options=0x0 access="
+                                     : "RegOpenKeyExA subkey=SOFTWARE\\Test access=";
+        EXPECT_THAT(machine.Calls(), ElementsAre(open + c.access, "RegCloseKey"));
+        EXPECT_THAT(machine.Leaks(), IsEmpty());
+    }
+    Machine machine(WithKey());
+    sys::Registry key;
+    key.SetKey(HKEY_LOCAL_MACHINE, kKey);
+    machine.Run([&] { key.OpenForReading(1); });
+    EXPECT_THAT(machine.Calls(),
+                ElementsAre("RegOpenKeyExA subkey=SOFTWARE\\Test access=0x80000200"));
+    key.Close();
+}
+
+TEST(SimulatedRegistry, AnyFailingCallIsItsError) {
+    const Operation operation = [](std::string& outputs) {
+        std::string value = "kept";
+        const Show show(outputs, [&] { return value; });
+        sys::Registry key;
+        key.SetSubkey(kKey);
+        key.OpenForReading(0);
+        SetLastError(kForeignError);
+        key.ReadString("Value", value);
+        key.Close();
+    };
+    const auto check = [](const FaultyRun& run) {
+        if (run.fault.Is("RegOpenKeyExA")) {
+            EXPECT_EQ(run.outcome, RegistryFailure("OpenIntern() - Cannot open key.", 813, 3,
+                                                   ERROR_ACCESS_DENIED));
+            EXPECT_EQ(run.outputs, "kept");
+        } else if (run.fault.Is("RegQueryValueExA")) {
+            // The code is the thread's: these functions return theirs and leave that alone.
+            EXPECT_EQ(run.outcome,
+                      RegistryFailure("ReadString() - Read failed.", 268, 6, kForeignError));
+            // Assigned before the second query's result is looked at.
+            EXPECT_EQ(run.outputs, run.fault.ordinal == 1 ? "kept" : "");
+        } else {
+            EXPECT_EQ(run.outcome,
+                      RegistryFailure("Close() - RegCloseKey failed", 184, 2, kForeignError));
+            EXPECT_EQ(run.outputs, "content");
+        }
+    };
+    SweepOptions options;
+    options.start = WithKey();
+    Sweep(operation, check, options);
+}
+
+TEST(SimulatedRegistry, CreatingFailsLikeOpening) {
+    const Operation operation = [](std::string&) {
+        sys::Registry key;
+        key.SetSubkey("SOFTWARE\\New");
+        key.Open(true, false, 0);
+        SetLastError(kForeignError);
+    };
+    const auto check = [](const FaultyRun& run) {
+        const bool created = run.fault.Is("RegCloseKey");
+        EXPECT_EQ(run.outcome,
+                  created ? RegistryFailure("Close() - RegCloseKey failed", 184, 2, kForeignError)
+                          : RegistryFailure("OpenIntern() - Cannot open key.", 813, 3,
+                                            ERROR_ACCESS_DENIED));
+        EXPECT_EQ(run.machine->GetState() != run.start, created);
+    };
+    Sweep(operation, check, {});
+}
+
+TEST(SimulatedRegistry, ADestructorDuringUnwindingKeepsItsOwnErrorToItself) {
+    Machine machine(WithKey());
+    machine.Fail("RegCloseKey");
+    EXPECT_EQ(machine.Run([] {
+        sys::Registry key;
+        key.SetSubkey(kKey);
+        key.OpenForReading(0);
+        std::string value;
+        SetLastError(kForeignError);
+        key.ReadString("Missing", value);
+    }),
+              RegistryFailure("ReadString() - Read failed.", 268, 6, kForeignError));
+    EXPECT_EQ(machine.Calls("RegCloseKey").size(), 1U);
+}
+
+TEST(SimulatedRegistry, AdapterValuesAreReadBelowTheirKeys) {
+    Machine machine;
+    std::string value;
+    const std::string device = *machine->GetState().adapters[0].pnpDeviceId;
+    EXPECT_EQ(machine.Run([&] { value = sys::readLocationInformation(device); }), Success());
+    EXPECT_EQ(value, "PCI bus 2, device 1, function 0");
+    EXPECT_THAT(machine.Calls(),
+                ElementsAre("RegOpenKeyExA subkey=SYSTEM\\CurrentControlSet\\Enum\\" + device +
+                                " access=0x80000000",
+                            testing::StartsWith("RegQueryValueExA name=LocationInformation"),
+                            testing::StartsWith("RegQueryValueExA name=LocationInformation"),
+                            "RegCloseKey"));
+    const std::string interfaceId = *machine->GetState().adapters[1].settingId;
+    EXPECT_EQ(machine.Run([&] { value = sys::readNameServer(interfaceId); }), Success());
+    EXPECT_EQ(value, "198.51.100.10");
+    EXPECT_EQ(machine.Calls().front(),
+              "RegOpenKeyExA subkey=SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\"
+              "Interfaces\\" +
+                  interfaceId + " access=0x80000000");
+    EXPECT_THAT(machine.Leaks(), IsEmpty());
+}
+
+}  // namespace

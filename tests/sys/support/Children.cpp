@@ -1,0 +1,59 @@
+#include "tests/sys/support/Children.h"
+
+#include <algorithm>
+
+namespace sys_tests {
+
+std::string ChildProgram() {
+    char path[MAX_PATH];
+    const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
+    const std::string program(path, length);
+    return program.substr(0, program.find_last_of('\\') + 1) + "child-program.exe";
+}
+
+std::string ChildCommand(const std::string& arguments) {
+    return "\"" + ChildProgram() + "\" " + arguments;
+}
+
+StandardHandles::StandardHandles() {
+    for (std::size_t i = 0; i < std::size(kNames); ++i) {
+        saved_[i] = GetStdHandle(kNames[i]);
+        SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+        files_[i] = CreateFileA(folder_.Path(std::to_string(i)).c_str(), GENERIC_WRITE,
+                                FILE_SHARE_READ, &inheritable, CREATE_ALWAYS, 0, nullptr);
+    }
+    PutInPlace();
+}
+
+StandardHandles::~StandardHandles() {
+    for (std::size_t i = 0; i < std::size(kNames); ++i) {
+        SetStdHandle(kNames[i], saved_[i]);
+        CloseHandle(files_[i]);
+    }
+}
+
+bool StandardHandles::IsInPlace(DWORD name) const {
+    const auto* const found = std::find(std::begin(kNames), std::end(kNames), name);
+    return GetStdHandle(name) == files_[found - std::begin(kNames)];
+}
+
+bool StandardHandles::AreInPlace() const {
+    return std::all_of(std::begin(kNames), std::end(kNames),
+                       [this](DWORD name) { return IsInPlace(name); });
+}
+
+void StandardHandles::PutInPlace() {
+    for (std::size_t i = 0; i < std::size(kNames); ++i) {
+        SetStdHandle(kNames[i], files_[i]);
+    }
+}
+
+std::string StandardHandles::Output() const {
+    return ReadFileContent(folder_.Path("1"));
+}
+
+std::string StandardHandles::Error() const {
+    return ReadFileContent(folder_.Path("2"));
+}
+
+}  // namespace sys_tests

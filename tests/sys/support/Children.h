@@ -1,0 +1,39 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "tests/sys/support/ScratchFolder.h"
+
+namespace sys_tests {
+
+/// A command line that starts the tests' own console program, which lies beside this one.
+std::string ChildCommand(const std::string& arguments);
+std::string ChildProgram();
+
+/// The standard handles of this process, pointed at files for the life of the object.
+class StandardHandles {
+public:
+    StandardHandles();
+    ~StandardHandles();
+    StandardHandles(const StandardHandles&) = delete;
+    StandardHandles& operator=(const StandardHandles&) = delete;
+
+    /// Whether `name` (STD_INPUT_HANDLE and so on) is the file still.
+    bool IsInPlace(DWORD name) const;
+    bool AreInPlace() const;
+    void PutInPlace();
+
+    /// What was written to them.
+    std::string Output() const;
+    std::string Error() const;
+
+private:
+    static constexpr DWORD kNames[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+    ScratchFolder folder_;
+    HANDLE saved_[3]{};
+    HANDLE files_[3]{};
+};
+
+}  // namespace sys_tests

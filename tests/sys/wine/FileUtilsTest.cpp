@@ -1,0 +1,140 @@
+// Files on a real disk. This source has <windows.h> first, FileUtilsBeforeWindows.cpp has it last.
+#include <windows.h>
+
+#include "common/util/FileUtils.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/sys/support/Outcome.h"
+#include "tests/sys/support/ScratchFolder.h"
+#include "tests/sys/wine/FileUtilsBeforeWindows.h"
+
+namespace {
+
+using sys_tests::FileFailure;
+using sys_tests::OutcomeOf;
+using sys_tests::ReadFileContent;
+using sys_tests::ScratchFolder;
+using sys_tests::Success;
+
+TEST(FileUtils, ADirectoryIsNoFile) {
+    const ScratchFolder folder;
+    EXPECT_TRUE(util::FileExists(folder.AddFile("file", "x")));
+    EXPECT_FALSE(util::FileExists(folder.AddFolder("folder")));
+    EXPECT_FALSE(util::FileExists(folder.Path("missing")));
+    EXPECT_FALSE(util::FileExists(""));
+}
+
+TEST(FileUtils, MoveNeverReplaces) {
+    const ScratchFolder folder;
+    const std::string source = folder.AddFile("source", "content");
+    const std::string existing = folder.AddFile("existing", "kept");
+    const std::string subfolder = folder.AddFolder("folder");
+    const std::string missing = folder.Path("missing");
+    struct Case {
+        std::string from;
+        std::string to;
+        const char* message;
+        int line;
+        int code;
+    };
+    const Case cases[] = {
+        {source, existing, "Destination file exists ", 97, 0},
+        {missing, existing, "Destination file exists ", 97, 0},
+        {missing, folder.Path("x"), "Source file does not exist ", 100, ERROR_FILE_NOT_FOUND},
+        {subfolder, folder.Path("x"), "Source file does not exist ", 100, 0},
+        {source, subfolder, "File Move Failed ", 104, ERROR_ALREADY_EXISTS},
+        {source, folder.Path("no\\x"), "File Move Failed ", 104, ERROR_PATH_NOT_FOUND},
+    };
+    for (const Case& c : cases) {
+        auto outcome = OutcomeOf([&] { util::MoveFile(c.from, c.to); });
+        if (c.code == 0) {
+            outcome.code = 0;  // no call has failed: the thread's last error is somebody else's
+        }
+        EXPECT_EQ(outcome, FileFailure(c.message, c.line, c.code)) << c.from << " -> " << c.to;
+    }
+    EXPECT_EQ(ReadFileContent(existing), "kept");
+    EXPECT_EQ(ReadFileContent(source), "content");
+
+    util::MoveFile(source, folder.Path("folder\\moved"));
+    EXPECT_FALSE(util::FileExists(source));
+    EXPECT_EQ(ReadFileContent(folder.Path("folder\\moved")), "content");
+}
+
+TEST(FileUtils, DeleteTakesFilesAlone) {
+    const ScratchFolder folder;
+    const std::string file = folder.AddFile("file", "x");
+    const std::string subfolder = folder.AddFolder("folder");
+    EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }), Success());
+    EXPECT_FALSE(util::FileExists(file));
+    EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }),
+              FileFailure("Delete failed - target does not exist", 136, ERROR_FILE_NOT_FOUND));
+    auto outcome = OutcomeOf([&] { util::DeleteFile(subfolder); });
+    outcome.code = 0;
+    EXPECT_EQ(outcome, FileFailure("Delete failed - target does not exist", 136, 0));
+
+    const std::string held = folder.AddFile("held", "x");
+    HANDLE const handle = CreateFileA(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(held); }),
+              FileFailure("Delete failed ", 139, ERROR_SHARING_VIOLATION));
+    CloseHandle(handle);
+}
+
+TEST(FileUtils, NamesAreTheSameWhereverWindowsIsIncluded) {
+    const ScratchFolder folder;
+    const std::string file = folder.AddFile("file", "x");
+    sys_tests::MoveThroughMacros(file, folder.Path("moved"));
+    EXPECT_TRUE(util::FileExists(folder.Path("moved")));
+    sys_tests::DeleteThroughMacros(folder.Path("moved"));
+    EXPECT_FALSE(util::FileExists(folder.Path("moved")));
+    EXPECT_EQ(OutcomeOf([&] { sys_tests::DeleteThroughMacros(file); }).line, 136);
+}
+
+TEST(FileUtils, TwoSpellingsOfOnePathAreTheSameFile) {
+    const ScratchFolder folder;
+    const std::string file = folder.AddFile("Name.ini", "x");
+    char full[MAX_PATH];
+    ASSERT_NE(GetFullPathNameA(file.c_str(), sizeof full, full, nullptr), 0U);
+    std::string slashes = file;
+    slashes.replace(slashes.find('\\'), 1, "/");
+    const std::string same[] = {file, full, slashes, folder.Path("NAME.INI"),
+                                folder.Path(".\\Name.ini")};
+    for (const std::string& spelling : same) {
+        EXPECT_TRUE(util::IsSameFile(file, spelling)) << spelling;
+    }
+    EXPECT_FALSE(util::IsSameFile(file, folder.AddFile("other", "x")));
+    EXPECT_FALSE(util::IsSameFile(file, folder.Path("missing")));
+    // Where nothing can be opened the paths speak for themselves.
+    EXPECT_TRUE(util::IsSameFile(folder.Path("missing"), folder.Path(".\\MISSING")));
+    EXPECT_FALSE(util::IsSameFile(folder.Path("missing"), folder.Path("missing too")));
+    // Asking takes no lock that would keep the file from being deleted.
+    EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }), Success());
+}
+
+TEST(FileUtils, PathsAreCutAtTheirLastSeparator) {
+    struct Case {
+        const char* path;
+        const char* directory;
+        const char* fileName;
+    };
+    const Case cases[] = {
+        {"C:\\dir\\file.ini", "C:\\dir", "file.ini"},
+        {"C:/dir/file.ini", "C:/dir", "file.ini"},
+        {"a\\b/c", "a\\b", "c"},
+        {"file.ini", "", "file.ini"},
+        {"\\file", "", "file"},
+        {"dir\\", "dir", ""},
+        {"", "", ""},
+    };
+    for (const Case& c : cases) {
+        const util::SplitPath split = util::Split(c.path);
+        EXPECT_EQ(split.directory, c.directory) << c.path;
+        EXPECT_EQ(split.fileName, c.fileName) << c.path;
+    }
+    EXPECT_TRUE(util::FileExists(util::ExecutablePath()));
+}
+
+}  // namespace

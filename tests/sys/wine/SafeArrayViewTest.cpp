@@ -1,0 +1,208 @@
+// Lists as WMI hands them over: what OLE automation knows of arrays.
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/sys/WmiValues.h"
+#include "tests/sys/support/Outcome.h"
+
+namespace {
+
+using sys::SafeArrayView;
+using sys_tests::ComFailure;
+using sys_tests::Outcome;
+using sys_tests::OutcomeOf;
+using sys_tests::RefusedArgument;
+using sys_tests::Success;
+using Texts = std::vector<std::string>;
+
+Texts Read(const VARIANT& value) {
+    const SafeArrayView view(value);
+    Texts texts;
+    for (std::size_t i = 0; i < view.Size(); ++i) {
+        texts.push_back(view.Text(i));
+    }
+    return texts;
+}
+
+sys::Variant Holding(SAFEARRAY* array, VARTYPE type) {
+    sys::Variant value;
+    value.Get().vt = static_cast<VARTYPE>(VT_ARRAY | type);
+    value.Get().parray = array;
+    return value;
+}
+
+/// An array of elements as SafeArrayPutElement takes them.
+template <class Element>
+sys::Variant ArrayOf(VARTYPE type, LONG lowerBound, std::vector<Element> elements) {
+    SAFEARRAY* const array =
+        SafeArrayCreateVector(type, lowerBound, static_cast<ULONG>(elements.size()));
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        LONG index = lowerBound + static_cast<LONG>(i);
+        void* element = &elements[i];
+        if constexpr (std::is_pointer_v<Element>) {
+            element = elements[i];
+        }
+        EXPECT_EQ(SafeArrayPutElement(array, &index, element), S_OK);
+    }
+    return Holding(array, type);
+}
+
+sys::Variant TextArray(LONG lowerBound, const Texts& texts) {
+    std::vector<sys::Bstr> owners;
+    std::vector<BSTR> elements;
+    for (const std::string& text : texts) {
+        elements.push_back(owners.emplace_back(std::string_view(text)).Get());
+    }
+    return ArrayOf(VT_BSTR, lowerBound, elements);
+}
+
+sys::Variant VariantArray(const std::vector<const VARIANT*>& elements) {
+    SAFEARRAY* const array =
+        SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(elements.size()));
+    for (LONG i = 0; i < static_cast<LONG>(elements.size()); ++i) {
+        EXPECT_EQ(
+            SafeArrayPutElement(array, &i, const_cast<VARIANT*>(elements[static_cast<size_t>(i)])),
+            S_OK);
+    }
+    return Holding(array, VT_VARIANT);
+}
+
+TEST(SafeArrayView, ElementsAreCountedFromZeroWhateverTheLowerBound) {
+    for (const LONG lowerBound : {0, 2, -3}) {
+        EXPECT_EQ(Read(TextArray(lowerBound, {"one", "", "three"}).Get()),
+                  (Texts{"one", "", "three"}));
+        EXPECT_EQ(Read(ArrayOf<LONG>(VT_I4, lowerBound, {7, -8}).Get()), (Texts{"7", "-8"}));
+        EXPECT_EQ(Read(TextArray(lowerBound, {}).Get()), Texts{});
+        EXPECT_EQ(Read(ArrayOf<LONG>(VT_I4, lowerBound, {}).Get()), Texts{});
+    }
+}
+
+TEST(SafeArrayView, OtherElementTypesAreChangedToTexts) {
+    const sys::Variant text = sys::Variant::FromText("text");
+    const sys::Variant number = sys::Variant::FromInteger(42);
+    const sys::Variant empty;
+    DECIMAL decimal{};
+    VarDecFromI4(123, &decimal);
+    struct Case {
+        sys::Variant value;
+        Texts texts;
+    };
+    const Case cases[] = {
+        {ArrayOf<BYTE>(VT_UI1, 0, {1, 255}), {"1", "255"}},
+        {ArrayOf<SHORT>(VT_I2, 1, {-2}), {"-2"}},
+        {ArrayOf<USHORT>(VT_UI2, 0, {65535}), {"65535"}},
+        {ArrayOf<ULONG>(VT_UI4, 0, {4294967295U}), {"4294967295"}},
+        {ArrayOf<LONGLONG>(VT_I8, 0, {-9000000000LL}), {"-9000000000"}},
+        {ArrayOf<double>(VT_R8, 0, {1.5}), {"1.5"}},
+        {ArrayOf<VARIANT_BOOL>(VT_BOOL, 0, {VARIANT_TRUE, VARIANT_FALSE}), {"-1", "0"}},
+        {ArrayOf<DECIMAL>(VT_DECIMAL, 0, {decimal}), {"123"}},
+        {VariantArray({&text.Get(), &number.Get(), &empty.Get()}), {"text", "42", ""}},
+    };
+    for (const auto& [value, texts] : cases) {
+        EXPECT_EQ(Read(value.Get()), texts) << "variant type " << value.Type();
+    }
+}
+
+TEST(SafeArrayView, AnArrayByReferenceIsTheReferencedOne) {
+    const sys::Variant texts = TextArray(2, {"one", "two"});
+    const sys::Variant numbers = ArrayOf<LONG>(VT_I4, 1, {5, 6});
+    const std::pair<const sys::Variant*, Texts> cases[] = {{&texts, {"one", "two"}},
+                                                           {&numbers, {"5", "6"}}};
+    for (const auto& [array, expected] : cases) {
+        SAFEARRAY* pointer = array->Get().parray;
+        VARIANT reference;
+        VariantInit(&reference);
+        reference.vt = static_cast<VARTYPE>(array->Type() | VT_BYREF);
+        reference.pparray = &pointer;
+        EXPECT_EQ(Read(reference), expected);
+    }
+}
+
+TEST(SafeArrayView, WhatIsNoListIsRefused) {
+    const Outcome noArray = RefusedArgument("Invalid argument passed to attach()");
+    const sys::Variant empty;
+    EXPECT_EQ(Read(empty.Get()), Texts{});
+    sys::Variant null;
+    null.Get().vt = VT_NULL;
+    EXPECT_EQ(OutcomeOf([&] { Read(null.Get()); }), noArray);
+    EXPECT_EQ(OutcomeOf([&] { Read(sys::Variant::FromText("x").Get()); }), noArray);
+    EXPECT_EQ(OutcomeOf([&] { Read(sys::Variant::FromInteger(1).Get()); }), noArray);
+
+    SAFEARRAYBOUND bounds[2] = {{2, 0}, {2, 0}};
+    for (const VARTYPE type : {VT_BSTR, VT_I4}) {
+        const sys::Variant table = Holding(SafeArrayCreate(type, 2, bounds), type);
+        EXPECT_EQ(OutcomeOf([&] { Read(table.Get()); }),
+                  RefusedArgument("Only one-dimensional arrays are supported"));
+    }
+    // The properties that may be absent: null is an empty list there, a table is refused as well.
+    EXPECT_EQ(sys::TextsOf(null.Get()), Texts{});
+    EXPECT_EQ(sys::TextsOf(empty.Get()), Texts{});
+    EXPECT_EQ(sys::AddressesOf(null.Get()).size(), 0U);
+    EXPECT_EQ(OutcomeOf([&] { sys::TextsOf(sys::Variant::FromText("x").Get()); }), noArray);
+    const sys::Variant quads = TextArray(1, {"10.0.0.1", "1.2.3.4"});
+    const std::vector<ipc::IPv4Address> addresses = sys::AddressesOf(quads.Get());
+    ASSERT_EQ(addresses.size(), 2U);
+    EXPECT_EQ(addresses[1].ToString(), "1.2.3.4");
+}
+
+TEST(SafeArrayView, AnElementThatCannotBecomeTextIsAComError) {
+    sys::Variant null;
+    null.Get().vt = VT_NULL;
+    const sys::Variant text = sys::Variant::FromText("text");
+    // The second element fails, when the first one has been converted already.
+    EXPECT_EQ(OutcomeOf([&] {
+                  Read(VariantArray({&text.Get(), &null.Get()}).Get());
+              }),
+              ComFailure(static_cast<std::uint32_t>(DISP_E_TYPEMISMATCH)));
+    EXPECT_EQ(OutcomeOf([&] { sys::TextOf(null.Get()); }),
+              ComFailure(static_cast<std::uint32_t>(DISP_E_TYPEMISMATCH)));
+}
+
+TEST(SafeArrayView, TheArrayIsLockedAsLongAsTheViewLives) {
+    const sys::Variant value = TextArray(0, {"one"});
+    {
+        const SafeArrayView view(value.Get());
+        EXPECT_EQ(value.Get().parray->cLocks, 1U);
+        EXPECT_EQ(SafeArrayDestroy(value.Get().parray), DISP_E_ARRAYISLOCKED);
+    }
+    EXPECT_EQ(value.Get().parray->cLocks, 0U);
+}
+
+TEST(WmiValues, BooleansAndIntegers) {
+    struct Case {
+        VARTYPE type;
+        LONGLONG content;
+        bool boolean;
+        std::uint32_t integer;
+    };
+    const Case cases[] = {
+        {VT_BOOL, VARIANT_TRUE, true, 0xFFFFFFFF},
+        {VT_BOOL, VARIANT_FALSE, false, 0},
+        {VT_BOOL, 1, false, 1},  // neither of the two: not true
+        {VT_NULL, -1, false, 0},
+        {VT_EMPTY, -1, false, 0},
+        {VT_I4, -1, false, 0xFFFFFFFF},  // how WMI delivers an unsigned 4294967295
+        {VT_UI4, 7, false, 7},
+        {VT_I2, 5, false, 5},
+        {VT_UI1, 200, false, 200},
+    };
+    for (const Case& c : cases) {
+        VARIANT value;
+        VariantInit(&value);
+        value.vt = c.type;
+        value.llVal = c.content;
+        EXPECT_EQ(sys::BooleanOf(value), c.boolean) << "type " << c.type;
+        EXPECT_EQ(sys::IntegerOf(value), c.integer) << "type " << c.type;
+    }
+    EXPECT_EQ(sys::IntegerOf(sys::Variant::FromText("12").Get()), 12U);
+    EXPECT_EQ(sys::IntegerOf(sys::Variant::FromText("no number").Get()), 0U);
+}
+
+}  // namespace

@@ -1,0 +1,199 @@
+// The 13 queries and 8 methods against the system's own WMI. What it should say about the adapters
+// comes from GetAdaptersAddresses, which knows them by another road.
+#include <winsock2.h>
+
+#include <ws2tcpip.h>
+
+#include <iphlpapi.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "common/sys/WmiMethods.h"
+#include "common/sys/WmiQueries.h"
+#include "common/util/Strings.h"
+#include "tests/sys/support/Outcome.h"
+
+namespace {
+
+using sys_tests::ComFailure;
+using sys_tests::Outcome;
+using sys_tests::OutcomeOf;
+using sys_tests::RefusedArgument;
+using sys_tests::Success;
+using sys_tests::WmiFailure;
+
+constexpr auto kNotFound = static_cast<std::uint32_t>(0x80041002);  // WBEM_E_NOT_FOUND
+constexpr std::uint32_t kNoAdapter = 987654;
+constexpr std::size_t kGuidDigits = 25;  // as far as the system gives both the same ones
+
+struct KnownAdapter {
+    std::uint32_t index;
+    std::string guid;
+    std::string mac;
+};
+
+std::vector<KnownAdapter> KnownAdapters() {
+    std::vector<unsigned char> buffer(1 << 16);
+    auto size = static_cast<ULONG>(buffer.size());
+    auto* const first = reinterpret_cast<IP_ADAPTER_ADDRESSES*>(buffer.data());
+    std::vector<KnownAdapter> adapters;
+    if (GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, first, &size) != ERROR_SUCCESS) {
+        return adapters;
+    }
+    for (const IP_ADAPTER_ADDRESSES* adapter = first; adapter != nullptr; adapter = adapter->Next) {
+        if (adapter->IfType == IF_TYPE_SOFTWARE_LOOPBACK) {
+            continue;
+        }
+        std::string mac;
+        for (ULONG i = 0; i < adapter->PhysicalAddressLength; ++i) {
+            mac += util::Format("%s%02X", i == 0 ? "" : ":", adapter->PhysicalAddress[i]);
+        }
+        adapters.push_back({adapter->IfIndex, adapter->AdapterName, mac});
+    }
+    return adapters;
+}
+
+TEST(WmiOfTheSystem, ComputerNameIsTheSystems) {
+    char expected[MAX_COMPUTERNAME_LENGTH + 1];
+    DWORD size = sizeof expected;
+    ASSERT_NE(GetComputerNameA(expected, &size), 0);
+    std::string name;
+    EXPECT_EQ(sys::getComputerName(name), S_OK);
+    EXPECT_TRUE(util::NoCaseEqual(name, expected)) << name;
+}
+
+TEST(WmiOfTheSystem, AdaptersAreThoseThatTheSystemListsElsewhere) {
+    const std::vector<KnownAdapter> known = KnownAdapters();
+    std::vector<std::uint32_t> expected;
+    for (const KnownAdapter& adapter : known) {
+        expected.push_back(adapter.index);
+    }
+    std::vector<std::uint32_t> indexes;
+    EXPECT_EQ(sys::getIpEnabledAdapters(indexes), S_OK);
+    EXPECT_TRUE(
+        std::is_permutation(indexes.begin(), indexes.end(), expected.begin(), expected.end()));
+    for (const KnownAdapter& adapter : known) {
+        SCOPED_TRACE(adapter.index);
+        std::string text;
+        EXPECT_EQ(sys::getMacAddress(adapter.index, text), S_OK);
+        EXPECT_TRUE(util::NoCaseEqual(text, adapter.mac)) << text << " " << adapter.mac;
+        EXPECT_EQ(sys::getSettingId(adapter.index, text), S_OK);
+        EXPECT_EQ(text.substr(0, kGuidDigits), adapter.guid.substr(0, kGuidDigits));
+        EXPECT_EQ(sys::getPnpDeviceId(adapter.index, text), S_OK);
+        EXPECT_TRUE(text.starts_with("PCI\\VEN_")) << text;
+        std::string manufacturer;
+        EXPECT_EQ(sys::getAdapterTypeAndManufacturer(adapter.index, text, manufacturer), S_OK);
+        EXPECT_NE(text, "");
+        EXPECT_NE(manufacturer, "");
+        bool dhcp = false;
+        EXPECT_EQ(sys::getDhcpEnabled(adapter.index, dhcp), S_OK);
+        EXPECT_TRUE(dhcp) << "what this system always says";
+        std::vector<ipc::IPv4Address> gateways;
+        EXPECT_EQ(sys::getGateways(adapter.index, gateways), S_OK);
+    }
+}
+
+TEST(WmiOfTheSystem, PropertiesThatItLacksLeaveTheOutputsAlone) {
+    for (const KnownAdapter& adapter : KnownAdapters()) {
+        SCOPED_TRACE(adapter.index);
+        std::string caption = "kept";
+        EXPECT_EQ(sys::getCaption(adapter.index, caption), static_cast<sys::Result>(kNotFound));
+        EXPECT_EQ(caption, "kept");
+        // The first of two properties is there, the second is not: its result is the query's.
+        std::vector<ipc::IPv4Address> servers;
+        std::vector<std::string> suffixes;
+        EXPECT_EQ(sys::getDnsServersAndSuffixes(adapter.index, servers, suffixes),
+                  static_cast<sys::Result>(kNotFound));
+        EXPECT_TRUE(suffixes.empty());
+        // A null text cannot be made a text, a null list is no array, an IPv6 address that begins
+        // with a letter is no host.
+        std::string domain;
+        std::string host;
+        const Outcome names =
+            OutcomeOf([&] { sys::getDnsDomainAndHostName(adapter.index, domain, host); });
+        EXPECT_TRUE(names == Success() ||
+                    names == ComFailure(static_cast<std::uint32_t>(DISP_E_TYPEMISMATCH)))
+            << names;
+        ipc::IPv4Address address;
+        ipc::IPv4Address mask;
+        const Outcome addresses =
+            OutcomeOf([&] { sys::getIpAddressAndMask(adapter.index, address, mask); });
+        EXPECT_TRUE(addresses == Success() ||
+                    addresses == RefusedArgument("Invalid argument passed to attach()") ||
+                    addresses.type == "ipc::CIPAddressError")
+            << addresses;
+    }
+}
+
+TEST(WmiOfTheSystem, AQueryWithoutRowsSucceedsAndChangesNothing) {
+    std::string text = "kept";
+    std::string other = "kept";
+    bool flag = true;
+    ipc::IPv4Address address(std::string("1.2.3.4"));
+    ipc::IPv4Address mask(std::string("5.6.7.8"));
+    std::vector<ipc::IPv4Address> addresses(1);
+    std::vector<std::string> texts(1);
+    const std::function<sys::Result()> queries[] = {
+        [&] { return sys::getDhcpEnabled(kNoAdapter, flag); },
+        [&] { return sys::getIpAddressAndMask(kNoAdapter, address, mask); },
+        [&] { return sys::getDnsServersAndSuffixes(kNoAdapter, addresses, texts); },
+        [&] { return sys::getSettingId(kNoAdapter, text); },
+        [&] { return sys::getDnsDomainAndHostName(kNoAdapter, text, other); },
+        [&] { return sys::getGateways(kNoAdapter, addresses); },
+        [&] { return sys::getMacAddress(kNoAdapter, text); },
+        [&] { return sys::getAdapterTypeAndManufacturer(kNoAdapter, text, other); },
+        [&] { return sys::getCaption(kNoAdapter, text); },
+        [&] { return sys::getPnpDeviceId(kNoAdapter, text); },
+    };
+    for (const auto& query : queries) {
+        EXPECT_EQ(query(), S_OK);
+    }
+    EXPECT_EQ(text, "kept");
+    EXPECT_EQ(other, "kept");
+    EXPECT_TRUE(flag);
+    EXPECT_EQ(address.ToString(), "1.2.3.4");
+    EXPECT_EQ(mask.ToString(), "5.6.7.8");
+    EXPECT_EQ(addresses.size(), 1U);
+    EXPECT_EQ(texts.size(), 1U);
+
+    // The system knows the class of the persisted routes, and has none.
+    std::vector<sys::RouteRecord> routes;
+    EXPECT_EQ(sys::getStaticRoutes(routes), S_OK);
+    EXPECT_TRUE(routes.empty());
+}
+
+TEST(WmiOfTheSystem, AMethodThatItLacksIsTheOperationsError) {
+    const std::vector<ipc::IPv4Address> addresses(1);
+    struct Case {
+        std::function<void()> call;
+        const char* message;
+        int line;
+    };
+    const Case cases[] = {
+        {[] { sys::renameComputer("NEW", "user", "secret"); },
+         "Wmi method failed to set computer name", 1219},
+        {[] { sys::enableDhcp(kNoAdapter); }, "Wmi method failed to enable DHCP", 1289},
+        {[&] { sys::enableStatic(kNoAdapter, addresses, addresses); },
+         "Wmi method failed to set static ip addresses", 1398},
+        {[&] { sys::setGateways(kNoAdapter, addresses); }, "Wmi method failed to set gateways",
+         1498},
+        {[&] { sys::setDnsServerSearchOrder(kNoAdapter, addresses); },
+         "Wmi method failed to configure DNS servers", 1591},
+        {[] { sys::setDnsSuffixSearchOrder({"lab.example"}); },
+         "Wmi method failed to configure DNS suffixes", 1680},
+        {[] { sys::joinDomainOrWorkgroup("GROUP", "user", "secret", "", 0); },
+         "Wmi method failed to join the domain or workgroup", 1858},
+        {[] { sys::unjoinDomainOrWorkgroup("user", "secret", 0); },
+         "Wmi method failed to unjoin the domain or workgroup", 2008},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(OutcomeOf(c.call), WmiFailure(c.message, c.line, kNotFound));
+    }
+}
+
+}  // namespace

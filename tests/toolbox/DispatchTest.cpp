@@ -1,0 +1,140 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "common/err/GeneralError.h"
+#include "tests/toolbox/RecordingHost.h"
+#include "toolbox/config/HandlerTable.h"
+#include "toolbox/config/MessageHandler.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using toolbox_tests::RecordingHost;
+
+std::int32_t Send(RecordingHost& host) {
+    return GetToolboxAPI()->DoMagic(&host, &host);
+}
+
+TEST(Dispatch, TheRecordIsTheSameOnEveryCall) {
+    ToolboxAPI* const api = GetToolboxAPI();
+    EXPECT_EQ(api, GetToolboxAPI());
+    EXPECT_EQ(api->interfaceVersion, 1);
+    std::uint32_t version[3] = {};
+    api->GetVersion(&version[0], &version[1], &version[2]);
+    EXPECT_THAT(version, ElementsAre(6U, 8U, 282U));
+}
+
+TEST(Dispatch, KindAndNameChooseTheHandler) {
+    struct DispatchCase {
+        const char* kind;
+        const char* name;
+        std::int32_t result;
+    };
+    const DispatchCase cases[] = {
+        {"Request", "anything", 2},    {"Request", "", 2},        {"Reply", "Configure", 2},
+        {"Internal", "configure", 2},  {"Internal", "Update", 2}, {"Internal", "", 2},
+        {"internal", "Configure", 0},  {"REQUEST", "", 0},        {"", "", 0},
+        {"Internal ", "Configure", 0},
+    };
+    for (const DispatchCase& test : cases) {
+        RecordingHost host(test.kind, test.name);
+        EXPECT_EQ(Send(host), test.result) << test.kind << "=" << test.name;
+        const std::string line = std::string(
+                                     "Log 1 Toolbox-Main:77 Toolbox::DoMagic - Finding "
+                                     "handler for ") +
+                                 test.kind + "=" + test.name;
+        EXPECT_THAT(host.calls, ElementsAre("GetKind", "GetName", line, "GetKind", "GetName"));
+    }
+    EXPECT_NE(CreateHandler("Internal", "Configure"), nullptr);
+    EXPECT_EQ(CreateHandler("Internals", "Configure"), nullptr);
+}
+
+TEST(Dispatch, PercentSignsInKindAndNameArriveAsTheyAre) {
+    RecordingHost host("100%n", "%s%s%n");
+    EXPECT_EQ(Send(host), 0);
+    EXPECT_EQ(host.calls.at(2),
+              "Log 1 Toolbox-Main:77 Toolbox::DoMagic - Finding handler for 100%n=%s%s%n");
+}
+
+TEST(Dispatch, ANullMessageIsReportedToTheSinkIfThereIsOne) {
+    RecordingHost host("Internal", "UpdateInfo");
+    const auto doMagic = GetToolboxAPI()->DoMagic;
+    EXPECT_EQ(doMagic(nullptr, nullptr), 0);
+    EXPECT_EQ(doMagic(&host, nullptr), 0);
+    EXPECT_TRUE(host.calls.empty());
+    EXPECT_EQ(doMagic(nullptr, &host), 0);
+    EXPECT_THAT(host.calls,
+                ElementsAre("Log 0 Toolbox-Main:103 Toolbox::DoMagic caught an unhandled exception",
+                            "Log 0 Exception Details: Toolbox-Main:71 - DoMagic - Bad Parameter "
+                            "(NULL) (error = 0)"));
+}
+
+TEST(Dispatch, AnErrorOfTheModulesFamilyIsLoggedAndOthersPass) {
+    RecordingHost host("Internal", "UpdateInfo");
+    host.onReadInteger = [] {
+        throw sys::DomainError(" - IsDomainMember returned error ", 73, 9, -5);
+    };
+    EXPECT_EQ(Send(host), 0);
+    ASSERT_EQ(host.calls.size(), 8U);
+    EXPECT_EQ(host.calls[6],
+              "Log 0 Toolbox-Main:103 Toolbox::DoMagic caught an unhandled exception");
+    EXPECT_EQ(
+        host.calls[7],
+        "Log 0 Exception Details: Domain:73 -  - IsDomainMember returned error  (error = -5)");
+
+    host.onReadInteger = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(Send(host), std::bad_alloc);
+    host.onReadInteger = [] { throw std::invalid_argument("host"); };
+    EXPECT_THROW(Send(host), std::invalid_argument);
+}
+
+TEST(Dispatch, UpdateInfoAppendsOnePairAndCounts) {
+    struct UpdateCase {
+        const char* before;  // null: the message has no count
+        std::string number;
+        std::string after;
+    };
+    const UpdateCase cases[] = {
+        {nullptr, "0", "1"},
+        {"0", "0", "1"},
+        {"3", "3", "4"},
+        {"-1", "-1", "0"},
+        {"2147483647", "2147483647", "-2147483648"},
+    };
+    for (const UpdateCase& test : cases) {
+        RecordingHost host("Internal", "UpdateInfo");
+        if (test.before != nullptr) {
+            host.fields["Auto-Update-Count"] = test.before;
+        }
+        EXPECT_EQ(Send(host), 2);
+        const std::vector<std::string> handling(host.calls.begin() + 5, host.calls.end());
+        EXPECT_THAT(handling, ElementsAre("ReadInteger Auto-Update-Count",
+                                          "WriteText Auto-Update-Current" + test.number +
+                                              "=morvane-config-6.8.282.X64.dll",
+                                          "WriteText Auto-Update-Pattern" + test.number +
+                                              "=agents\\tovrune\\morvane-config-*.X64.dll",
+                                          "WriteInteger Auto-Update-Count=" + test.after));
+    }
+}
+
+TEST(MessageHandler, HandsTheFinishedLineOverAsTheFormat) {
+    DefaultHandler handler;
+    handler.Log(0, "without a sink");
+
+    RecordingHost host("", "");
+    host.keepFormats = true;
+    handler.SetHostLog(&host);
+    handler.Log(0, nullptr);
+    handler.Log(7, "%s is %d%% done", "100%%n", 5);
+    handler.Log(2, "%s", "");
+    EXPECT_THAT(host.calls, ElementsAre("Log 7 100%%n is 5% done", "Log 2 "));
+}
+
+}  // namespace

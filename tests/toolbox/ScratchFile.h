@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace toolbox_tests {
+
+/// A file of a test with exactly these bytes, in the folder the test program runs in; deleted with
+/// the object.
+class ScratchFile {
+public:
+    explicit ScratchFile(std::string_view bytes, const std::string& name = "scratch.ini")
+        : path_(name) {
+        std::ofstream(path_, std::ios::binary)
+            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+    ~ScratchFile() { std::remove(path_.c_str()); }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    const std::string& Path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+}  // namespace toolbox_tests

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "common/config/Event.h"
+#include "toolbox/config/IniFile.h"
+
+/// Reads a loaded configuration file into the stream of configuration events.
+///
+/// One text object serves every look-up, and a look-up that finds nothing leaves it as it was. In
+/// an adapter section most look-ups are not examined, so that a missing key sends the text of the
+/// key that was found before it. Configurations in the field rely on what follows from that;
+/// nothing here mends it.
+class ConfigurationFileEvents {
+public:
+    using Sink =
+        std::function<void(std::uint32_t kind, std::uint32_t type, const std::string& value)>;
+    /// Deciphers the first text into the second.
+    using Decrypt = std::function<void(const std::string& enciphered, std::string& plain)>;
+    /// Opens a decipherer; it is released when the Decrypt is destroyed.
+    using OpenDecipher = std::function<Decrypt()>;
+
+    /// Told of every look-up and whether it found something.
+    using LookUp =
+        std::function<void(const std::string& section, std::string_view key, bool found)>;
+
+    /// A count in the file above this is refused.
+    static constexpr std::int32_t kMaximumCount = 100000;
+
+    /// `file` must outlive this object.
+    ConfigurationFileEvents(IniFile& file, Sink sink, OpenDecipher openDecipher);
+
+    /// For whoever wants to know which key an event comes from; the module does not.
+    void ObserveLookUps(LookUp observer) { observer_ = std::move(observer); }
+
+    /// Whether the file says that a needed restart is not to be reported. To be called first: this
+    /// look-up uses the shared text too.
+    bool SuppressesReboot();
+
+    /// Walks the sections in file order. Throws what the sink and the decipherer throw, and
+    /// config::ConfigError for a count that is out of range.
+    void SendSections();
+
+    /// What the module makes of a section.
+    enum class SectionKind { kIgnored, kAdapter, kNetworking };
+    /// Names are matched with case here, although look-ups disregard it.
+    static SectionKind KindOf(const std::string& section);
+    /// One step of SendSections: the section of that name as the walk spells it.
+    void SendSection(const std::string& section);
+
+private:
+    using Kind = config::Event::Kind;
+    using Type = config::Event::Type;
+
+    bool Find(const std::string& section, std::string_view key);
+    void Send(Kind kind, Type type, const std::string& value = {});
+    void SendValue(Kind kind, const std::string& value);
+    void SendList(Kind kind);
+    std::int32_t Count() const;
+
+    void SendNetworking(const std::string& section);
+    bool SendMembership(const std::string& section);
+    void SendAdapter(const std::string& section);
+    void SendStaticAddressing(const std::string& section);
+    void SendRoutes(const std::string& section);
+    void SendRouteFields();
+
+    IniFile& file_;
+    Sink sink_;
+    OpenDecipher openDecipher_;
+    LookUp observer_;   // empty unless set
+    std::string text_;  // what the last look-up that found something found
+};

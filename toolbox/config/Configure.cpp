@@ -1,0 +1,118 @@
+#include "toolbox/config/Configure.h"
+
+#include <memory>
+#include <string>
+
+#include "common/config/Analyzer.h"
+#include "common/config/ConfigBuilder.h"
+#include "common/err/GeneralError.h"
+#include "common/sys/CryptoDll.h"
+#include "common/sys/Domain.h"
+#include "common/util/FileUtils.h"
+#include "common/util/Strings.h"
+#include "toolbox/config/ConfigurationFileEvents.h"
+#include "toolbox/config/IniFile.h"
+
+namespace {
+
+using logging::kMain;
+using logging::kTrace;
+
+/// The account's password must not outlive the request, whichever way it ends.
+class PasswordLifetime {
+public:
+    PasswordLifetime() = default;
+    ~PasswordLifetime() { sys::getDomain().ForgetPassword(); }
+    PasswordLifetime(const PasswordLifetime&) = delete;
+    PasswordLifetime& operator=(const PasswordLifetime&) = delete;
+};
+
+ConfigurationFileEvents::Decrypt OpenCryptoDll() {
+    return [crypto = std::make_shared<sys::CryptoDll>()](const std::string& enciphered,
+                                                         std::string& plain) {
+        crypto->Decrypt(enciphered, plain);
+    };
+}
+
+/// Moves the file beside the host's executable, so that it is not applied twice. A file of that
+/// name there is replaced; a file that already stands there stays.
+void PutAway(const std::string& path) {
+    const std::string target =
+        util::Split(util::ExecutablePath()).directory + "\\" + util::Split(path).fileName;
+    if (util::FileExists(target)) {
+        if (util::IsSameFile(path, target)) {
+            return;
+        }
+        util::DeleteFile(target);
+    }
+    util::MoveFile(path, target);
+}
+
+void ReportFailure(IHostMessage& message, const err::CGeneralError& error) {
+    message.SetField("Status-Module", "Win32");
+    message.SetField("Status-Code", util::IntToString(error.Code()).c_str());
+}
+
+}  // namespace
+
+std::int32_t Configure::HandleMessage(IHostMessage& message, IHostLogSink& /*log*/) {
+    Log(kTrace, "Configure::HandleMessage");
+    const PasswordLifetime passwordLifetime;
+    config::ConfigBuilder builder(*this);
+    IniFile file;
+
+    const std::string path = message.GetField("Filename");
+    const std::string shownPath = util::DoublePercents(path);
+    Log(kMain, "Configure::HandleMessage(): config file=%s", shownPath.c_str());
+    if (!util::FileExists(path)) {
+        Log(kMain, "Configure::HandleMessage(): File %s does not exist", shownPath.c_str());
+        return 0;
+    }
+    try {
+        return Run(message, builder, file, path);
+    } catch (const config::ConfigError& error) {
+        message.SetField("Result", "Failure");
+        Log(kMain, "Configure::HandleMessage(): caught win32 error, err=%x", error.Code());
+        ReportFailure(message, error);
+    } catch (const err::CGeneralError& error) {
+        Log(kMain, "Configure::HandleMessage(): caught general (win32) error, err=%x",
+            error.Code());
+        message.SetField("Result", "Failure");
+        ReportFailure(message, error);
+    }
+    PutAway(path);
+    return 1;
+}
+
+std::int32_t Configure::Run(IHostMessage& message, config::ConfigBuilder& builder, IniFile& file,
+                            const std::string& path) {
+    file.Load(path, false);  // a file that cannot be read has no sections: nothing to do
+    ConfigurationFileEvents events(
+        file,
+        [&builder](std::uint32_t kind, std::uint32_t type, const std::string& value) {
+            builder.ConfigEvent(kind, type, value);
+        },
+        OpenCryptoDll);
+    const bool noReboot = events.SuppressesReboot();
+    Log(kTrace, "Configure::HandleMessage(): about to call ConfigEvent()");
+    events.SendSections();
+
+    Log(kTrace, "Configure::HandleMessage(): about to call Analyze() and RunConfig()");
+    config::Analyze(builder);
+    bool reboot = false;
+    const bool succeeded = builder.RunConfig(reboot);
+    if (reboot && !noReboot) {
+        // The file stays: the agent presents it again after the restart, and the rest runs then.
+        message.SetField("Result", "Reboot");
+        return 1;
+    }
+    if (succeeded) {
+        message.SetField("Result", "Success");
+    } else {
+        message.SetField("Result", "Failure");
+        message.SetField("Status-Module", "Tovrune");
+        message.SetField("Status-Code", "3");
+    }
+    PutAway(path);
+    return 1;
+}

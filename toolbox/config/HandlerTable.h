@@ -1,0 +1,10 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "toolbox/config/MessageHandler.h"
+
+/// Makes the handler for a message. Kind and name are compared byte by byte. Null when no row of
+/// the table matches or memory is short.
+std::unique_ptr<CMessageHandler> CreateHandler(const std::string& kind, const std::string& name);

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Reads an INI-style file: named sections of key/value lines. Never writes it. Bytes are bytes:
+/// nothing is converted, and NULs or unpaired quotes do not stop the parse.
+///
+/// Texts are kept as views into the file's bytes, which the reader holds until the next
+/// plain load.
+class IniFile {
+public:
+    enum Result : std::uint32_t {
+        kSuccess = 0,
+        kFileError = 3,  ///< cannot be opened, is empty or cannot be read whole
+        kKeyNotFound = 4,
+        kSectionNotFound = 5,  ///< also: no further section in the walk
+        kValueReplaced = 9,    ///< a merging load met a key whose value differed
+        kNoMemory = 10,        ///< no memory for the file's contents
+    };
+
+    enum class LineEnding { kNone, kLineFeed, kCarriageReturnLineFeed };
+
+    /// One line that was kept. A comment has an empty key and the whole line as its value.
+    struct Entry {
+        std::string_view key;
+        std::string_view value;
+        std::size_t line;  ///< counted from 1
+    };
+
+    /// `caseSensitiveKeys` concerns the keys; section names never regard case.
+    explicit IniFile(bool caseSensitiveKeys = false);
+    ~IniFile();
+    IniFile(const IniFile&) = delete;
+    IniFile& operator=(const IniFile&) = delete;
+
+    /// Reads the whole file. Unless `merge` is true everything held before is discarded, but not
+    /// before the new file has been read: after kFileError the reader is as it was. After kNoMemory
+    /// it may be as it was or empty. Throws nothing.
+    std::uint32_t Load(const std::string& path, bool merge);
+
+    /// Assigns the first value of that key. On failure `value` is left exactly as it was.
+    std::uint32_t GetValue(std::string_view section, std::string_view key,
+                           std::string& value) const;
+
+    /// The walk over the section names in the order of their first appearance. `name` is assigned
+    /// on success only.
+    std::uint32_t GetFirstSection(std::string& name);
+    std::uint32_t GetNextSection(std::string& name);
+
+    /// The entries of a section in file order, comments included; null when there is none. Valid
+    /// until the next load.
+    const std::vector<Entry>* Entries(std::string_view section) const;
+
+    const std::string& Path() const noexcept { return path_; }
+    LineEnding Ending() const noexcept { return ending_; }
+    /// Whether a merging load has added entries, or replaced values, since the last plain success.
+    bool EntriesModified() const noexcept { return entriesModified_; }
+    bool ValuesModified() const noexcept { return valuesModified_; }
+
+private:
+    class NameIndex;
+    struct Section;
+
+    std::uint32_t Parse(std::string_view text, bool merge);
+    void Clear();
+    Section& OpenSection(std::string_view name);
+    // Both take what has been added since the last look-up into the index that they search.
+    Section* FindSection(std::string_view name) const;
+    std::size_t FindEntry(Section& section, std::string_view key) const;
+    bool MergeEntry(Section& section, const Entry& entry);
+    static void Append(Section& section, const Entry& entry);
+    void ContinueEntry(Section& section, std::string_view text);
+
+    bool caseSensitiveKeys_;
+    std::string path_;
+    std::vector<std::unique_ptr<Section>> sections_;
+    std::unique_ptr<NameIndex> sectionIndex_;
+    std::vector<std::unique_ptr<char[]>> buffers_;  // the loaded files' bytes
+    std::deque<std::string> texts_;                 // values put together from several lines
+    mutable const Section* lastFound_ = nullptr;
+    std::size_t cursor_ = 0;
+    LineEnding ending_ = LineEnding::kNone;
+    bool entriesModified_ = false;
+    bool valuesModified_ = false;
+};

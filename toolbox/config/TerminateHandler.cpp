@@ -1,0 +1,18 @@
+// Linked into the DLL alone, and only by GCC.
+#ifdef __GNUC__
+
+#include <cstdlib>
+
+namespace __gnu_cxx {
+
+void __verbose_terminate_handler();
+
+/// Replaces the library's handler, which names the error on a console that a service does not have
+/// and carries a demangler for it.
+void __verbose_terminate_handler() {
+    std::abort();
+}
+
+}  // namespace __gnu_cxx
+
+#endif
