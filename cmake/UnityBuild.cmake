@@ -15,11 +15,3 @@ macro(unity_for_the_rest)
         set(CMAKE_UNITY_BUILD ON)
     endif()
 endmacro()
-
-# compile_alone(<directory> <file>...): for sources whose own names clash with another's of the same
-# target, which the directory defines.
-function(compile_alone directory)
-    list(TRANSFORM ARGN PREPEND ${PROJECT_SOURCE_DIR}/${directory}/ OUTPUT_VARIABLE files)
-    set_source_files_properties(${files} DIRECTORY ${PROJECT_SOURCE_DIR}/${directory}
-        PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
-endfunction()

@@ -15,7 +15,7 @@
 namespace machine {
 namespace {
 
-constexpr std::string_view kind = "module";
+constexpr std::string_view moduleKind = "module";
 constexpr std::string_view cryptoLibrary = "LibCrypto.dll";
 
 // No real module is loaded here.
@@ -91,7 +91,7 @@ HMODULE WINAPI ServeLoadLibraryA(LPCSTR name) {
         call.Note("null", true, ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
-    call->ledger.HandOut(kind, IdentityOf(CryptoModule()), call.Origin());
+    call->ledger.HandOut(moduleKind, IdentityOf(CryptoModule()), call.Origin());
     call.Note("module");
     return CryptoModule();
 }
@@ -120,7 +120,7 @@ BOOL WINAPI ServeFreeLibrary(HMODULE module) {
         return Real().FreeLibrary(module);
     }
     Call call("FreeLibrary", {}, Failing::Never);
-    if (!call->ledger.TakeBack(kind, IdentityOf(module))) {
+    if (!call->ledger.TakeBack(moduleKind, IdentityOf(module))) {
         call->ledger.RecordMisuse(call.Origin() + ": the library is not loaded");
         return call.Boolean(false, ERROR_MOD_NOT_FOUND);
     }

@@ -11,7 +11,7 @@
 namespace machine {
 namespace {
 
-constexpr std::string_view kind = "HKEY";
+constexpr std::string_view keyKind = "HKEY";
 
 std::uintptr_t HandleOf(HKEY key) {
     return reinterpret_cast<std::uintptr_t>(key);
@@ -32,7 +32,7 @@ std::optional<std::string> PathOf(Call& call, HKEY key) {
 
 void HandOutKey(Call& call, std::string path, HKEY* key) {
     const std::uintptr_t handle = call->NewHandle();
-    call->ledger.HandOut(kind, handle, call.Origin(path));
+    call->ledger.HandOut(keyKind, handle, call.Origin(path));
     call->openKeys.emplace(handle, std::move(path));
     *key = reinterpret_cast<HKEY>(handle);
 }
@@ -120,7 +120,7 @@ LSTATUS WINAPI ServeRegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD typ
 LSTATUS WINAPI ServeRegCloseKey(HKEY key) {
     Call call("RegCloseKey");
     if (const auto fault = call.Fault()) {
-        call->ledger.Excuse(kind, HandleOf(key));
+        call->ledger.Excuse(keyKind, HandleOf(key));
         return call.Status(*fault);
     }
     if (call->openKeys.erase(HandleOf(key)) == 0) {
@@ -131,7 +131,7 @@ LSTATUS WINAPI ServeRegCloseKey(HKEY key) {
         call->ledger.RecordMisuse(call.Origin() + ": the key is not open");
         return call.Status(ERROR_INVALID_HANDLE);
     }
-    call->ledger.TakeBack(kind, HandleOf(key));
+    call->ledger.TakeBack(keyKind, HandleOf(key));
     return call.Status(ERROR_SUCCESS);
 }
 

@@ -25,7 +25,7 @@ std::vector<RegistryKey> DerivedKeys(const State& state) {
         if (adapter.settingId) {
             keys.push_back(
                 {JoinKeyPath(interfaceKeys, *adapter.settingId),
-                 {RegistryValue::Text("NameServer", Join(adapter.staticDns, ",")),
+                 {RegistryValue::Text("NameServer", machine::Join(adapter.staticDns, ",")),
                   RegistryValue::Number("EnableDHCP", adapter.dhcpEnabled.value_or(false))}});
         }
     }

@@ -167,12 +167,12 @@ HRESULT Services::ExecQuery(BSTR language, BSTR query, LONG flags, IWbemContext*
     Query parsed;
     std::vector<Properties> rows;
     HRESULT failure = WBEM_S_NO_ERROR;
-    const Answer answer =
-        ParseQuery(text, parsed) ? RunQuery(Machine().state, parsed, rows) : Answer::InvalidQuery;
-    if (answer != Answer::Rows) {
+    const QueryAnswer answer = ParseQuery(text, parsed) ? RunQuery(Machine().state, parsed, rows)
+                                                        : QueryAnswer::InvalidQuery;
+    if (answer != QueryAnswer::Rows) {
         call.Unexpected("a query that the machine cannot answer: " + text);
-        failure =
-            CodeOf(answer == Answer::NoSuchClass ? WBEM_E_INVALID_CLASS : WBEM_E_INVALID_QUERY);
+        failure = CodeOf(answer == QueryAnswer::NoSuchClass ? WBEM_E_INVALID_CLASS
+                                                            : WBEM_E_INVALID_QUERY);
         // A semisynchronous query returns before it is looked at: Windows reports what is wrong
         // with it from Next. Only a synchronous one fails here.
         if ((flags & WBEM_FLAG_RETURN_IMMEDIATELY) == 0) {

@@ -237,16 +237,16 @@ bool ParseQuery(std::string_view text, Query& query) {
     return Parser(text).ReadQuery(query);
 }
 
-Answer RunQuery(const State& state, const Query& query, std::vector<Properties>& rows) {
+QueryAnswer RunQuery(const State& state, const Query& query, std::vector<Properties>& rows) {
     const Class* definition = FindClass(query.className);
     if (definition == nullptr) {
-        return Answer::NoSuchClass;
+        return QueryAnswer::NoSuchClass;
     }
     const bool knowsAll = std::ranges::all_of(query.properties, [definition](const auto& name) {
         return FindProperty(definition->properties, name) != nullptr;
     });
     if (!knowsAll || (query.condition && !Fits(*query.condition, *definition))) {
-        return Answer::InvalidQuery;
+        return QueryAnswer::InvalidQuery;
     }
     for (Properties& row : definition->rows(state)) {
         if (query.condition && !Holds(*query.condition, row)) {
@@ -262,7 +262,7 @@ Answer RunQuery(const State& state, const Query& query, std::vector<Properties>&
         }
         rows.push_back(std::move(selected));
     }
-    return Answer::Rows;
+    return QueryAnswer::Rows;
 }
 
 }  // namespace machine::wmi

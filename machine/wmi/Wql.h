@@ -31,9 +31,9 @@ struct Query {
 // False when the text is no such query.
 bool ParseQuery(std::string_view text, Query& query);
 
-enum class Answer { Rows, NoSuchClass, InvalidQuery };
+enum class QueryAnswer { Rows, NoSuchClass, InvalidQuery };
 
 // The rows that the machine has, each with the properties asked for.
-Answer RunQuery(const State& state, const Query& query, std::vector<Properties>& rows);
+QueryAnswer RunQuery(const State& state, const Query& query, std::vector<Properties>& rows);
 
 }  // namespace machine::wmi

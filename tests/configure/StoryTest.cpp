@@ -65,7 +65,7 @@ TEST(Story, FatesFollowFromTheLogAlone) {
     const std::string skipNames = "unused:ignored ";
     struct Case {
         const char* name;
-        Run run;
+        host::configure::Run run;
         std::string fates;
     };
     const Case cases[] = {
@@ -120,7 +120,7 @@ TEST(Story, FailuresWithoutCallsSayWhatIsKnown) {
         "Configure::HandleMessage(): caught general (win32) error, err=80041003";
     struct Case {
         const char* name;
-        Run run;
+        host::configure::Run run;
         Stage stage;
         bool stepFailed;
         const char* text;
@@ -145,7 +145,7 @@ TEST(Story, FailuresWithoutCallsSayWhatIsKnown) {
         EXPECT_EQ(story.failure->step.has_value(), tried.stepFailed) << tried.name;
         EXPECT_EQ(story.failure->text, tried.text) << tried.name;
     }
-    Run missing = MakeRun({}, "");
+    host::configure::Run missing = MakeRun({}, "");
     missing.reply.clear();
     missing.result = 0;
     EXPECT_EQ(ReadStory(missing).failure->text, "the module did not handle the message");

@@ -13,11 +13,11 @@ std::string Ask(const char* text) {
     }
     std::vector<Properties> rows;
     switch (RunQuery(DefaultState(), query, rows)) {
-        case Answer::NoSuchClass:
+        case QueryAnswer::NoSuchClass:
             return "no class";
-        case Answer::InvalidQuery:
+        case QueryAnswer::InvalidQuery:
             return "invalid";
-        case Answer::Rows:
+        case QueryAnswer::Rows:
             break;
     }
     std::string answer;

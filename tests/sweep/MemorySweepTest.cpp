@@ -13,8 +13,8 @@
 namespace sweep {
 namespace {
 
-constexpr std::uint64_t mostPointsOnce = 150;
-constexpr std::uint64_t mostPointsStaying = 60;
+constexpr std::uint64_t mostRequestsOnce = 150;
+constexpr std::uint64_t mostRequestsStaying = 60;
 
 /// What brings every part of the module to work: all commands of an adapter, routes, a join, a
 /// leave, a move.
@@ -47,7 +47,7 @@ protected:
             SummaryOf(stays_ ? "memory exhausted from one request on" : "memory refused once");
         summary.possible += requests;
         for (const std::uint64_t point :
-             Sample(requests, stays_ ? mostPointsStaying : mostPointsOnce)) {
+             Sample(requests, stays_ ? mostRequestsStaying : mostRequestsOnce)) {
             const std::string name = "request for memory " + std::to_string(point);
             NotePoint(subject_.name + ", " + name);
             ++summary.points;

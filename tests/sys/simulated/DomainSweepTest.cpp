@@ -87,7 +87,7 @@ Outcome Replay(const Entries& entries, const std::vector<WmiOperation>& operatio
 }
 
 /// The policy handle is lost where the workstation gives no information.
-std::vector<std::string> KeptLeaks(const Entries& entries) {
+std::vector<std::string> LostPolicyHandles(const Entries& entries) {
     const auto lost =
         std::count_if(entries.begin(), entries.end(), [](const machine::TraceEntry& entry) {
             return entry.function == "NetWkstaGetInfo" && entry.failed;
@@ -98,7 +98,7 @@ std::vector<std::string> KeptLeaks(const Entries& entries) {
 SweepOptions Beginning(machine::State start) {
     SweepOptions options;
     options.start = std::move(start);
-    options.keptLeaks = KeptLeaks;
+    options.keptLeaks = LostPolicyHandles;
     return options;
 }
 
