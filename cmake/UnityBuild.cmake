@@ -1,6 +1,6 @@
 # Several sources compiled as one: most of a compilation's time goes into headers, so everything is
-# built in less than half the time, and a change of one source in somewhat more. ./check and ./run
-# build this way, for clang-tidy profits too; by hand it is off.
+# built in about half the time, and a change of one source in somewhat more. The scripts build this
+# way; by hand it is off.
 option(TOOLBOX_UNITY "Compile several sources as one" OFF)
 
 # What ships, and what coverage counts, is compiled source by source.

@@ -12,9 +12,9 @@
 
 namespace host {
 
-using Json = nlohmann::ordered_json;
-
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 /// Whether the stream is a terminal that obeys control sequences. Windows consoles must be told to;
 /// those before Windows 10 cannot.

@@ -27,6 +27,7 @@ step() {
 configure() {
     configure_preset=$1
     shift
+    set -- -DTOOLBOX_UNITY=ON "$@"
     configure_needed=
     [ -f "$build/$configure_preset/build.ninja" ] || configure_needed=yes
     for definition in "$@"; do

@@ -32,7 +32,7 @@ std::optional<NameParts> ParseDn(std::string_view dn) {
 std::string TakeDomainName(NameParts& parts) {
     std::string name;
     while (!parts.empty() && parts.back().type == "dc") {
-        name = name.empty() ? parts.back().value : parts.back().value + "." + name;
+        name.insert(0, parts.back().value + (name.empty() ? "" : "."));
         parts.pop_back();
     }
     return name;

@@ -26,7 +26,8 @@ std::vector<RegistryKey> DerivedKeys(const State& state) {
             keys.push_back(
                 {JoinKeyPath(interfaceKeys, *adapter.settingId),
                  {RegistryValue::Text("NameServer", machine::Join(adapter.staticDns, ",")),
-                  RegistryValue::Number("EnableDHCP", adapter.dhcpEnabled.value_or(false))}});
+                  RegistryValue::Number("EnableDHCP",
+                                        adapter.dhcpEnabled.value_or(false) ? 1 : 0)}});
         }
     }
     return keys;
