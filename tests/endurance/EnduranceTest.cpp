@@ -15,7 +15,7 @@
 #include "tests/cases/harness/ModuleHeap.h"
 #include "tests/cases/harness/ModuleRun.h"
 #include "tests/cases/harness/PresentedFile.h"
-#include "tests/e2e/ProcessState.h"
+#include "tests/endurance/ProcessState.h"
 
 namespace {
 
@@ -97,13 +97,13 @@ TEST_F(Endurance, FiveHundredRequestsInOneProcess) {
     };
     round(0);
     const std::vector<std::string> heapBefore = heap.Outstanding();
-    const e2e::ProcessState before = e2e::ReadProcessState();
+    const endurance::ProcessState before = endurance::ReadProcessState();
     const std::size_t threadsBefore = CountThreads();
     const std::size_t keptBefore = kept_;
     for (int number = 1; number <= 100 && !HasFatalFailure(); ++number) {
         round(number);
     }
-    const e2e::ProcessState after = e2e::ReadProcessState();
+    const endurance::ProcessState after = endurance::ReadProcessState();
     // Four rounds with routes, each of an addition and of an addition and a deletion; two ends of
     // pipes for each child. The first addition deletes the second's route too.
     EXPECT_EQ(kept_ - keptBefore, 4U * (2 + 2) * 2);
@@ -128,13 +128,13 @@ TEST_F(Endurance, TwoHundredLivesOfTheModule) {
         Check(e2e::RunConfigure(simulation_, Present(text)), "Success");
     };
     live(0);
-    const e2e::ProcessState before = e2e::ReadProcessState();
+    const endurance::ProcessState before = endurance::ReadProcessState();
     const std::size_t threadsBefore = CountThreads();
     const std::size_t keptBefore = kept_;
     for (int number = 1; number <= 200 && !HasFatalFailure(); ++number) {
         live(number);
     }
-    const e2e::ProcessState after = e2e::ReadProcessState();
+    const endurance::ProcessState after = endurance::ReadProcessState();
     EXPECT_EQ(after.handles - before.handles, kept_ - keptBefore);
     EXPECT_EQ(after.modules, before.modules);
     EXPECT_EQ(CountThreads(), threadsBefore);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -34,7 +33,7 @@ protected:
         home_ = std::filesystem::path(module_.Path()).replace_filename(file.filename());
         host::Message message("Internal", "Configure");
         message.Add("Filename", file.string());
-        host::LogSink log([this](const host::LogLine& line) { log_.push_back(line.text); });
+        host::LogSink log([](const host::LogLine&) {});
         const e2e::ThrownErrors thrown(static_cast<HMODULE>(module_.Handle()));
         EXPECT_EQ(module_.Send(message, log), 1);
         errors_ = thrown.Texts();
@@ -46,7 +45,6 @@ protected:
 
     const host::Module module_{host::Module::DefaultPath()};
     std::filesystem::path home_;
-    std::vector<std::string> log_;
     std::vector<std::string> errors_;
     std::string result_;
     std::string code_;
@@ -58,12 +56,20 @@ TEST_F(OwnMachine, AFileWithGlobalSettingsAloneSucceeds) {
     EXPECT_THAT(errors_, IsEmpty());
 }
 
-TEST_F(OwnMachine, AnAdapterSection) {
+// Wine's adapters say that they are PCI devices, but its registry knows of none: reading them
+// fails. Where Wine has no network at all the section finds no adapter.
+TEST_F(OwnMachine, AnAdapterSectionFailsAsItsAdaptersCannotBePlaced) {
     Send(
         "[TCP/IP]\nDescription=Office\nDHCP=true\nDNS-Server-Count=0\n"
         "DNS-SuffixSearchOrder=corp.example\nStatic-Route-Count=-1\n");
-    std::printf("%s %s\n%s\n%s\n", result_.c_str(), code_.c_str(),
-                testing::PrintToString(errors_).c_str(), testing::PrintToString(log_).c_str());
+    EXPECT_EQ(result_, "Failure");
+    const std::string noDevice =
+        "common\\sys\\Registry:813 OpenIntern() - Cannot open key. (error = 2, category = 3)";
+    const std::string noAdapter =
+        "common\\config\\command\\ConfigureNic:68 ConfigureNic has not been been associated with a "
+        "nic index (error = 0)";
+    EXPECT_THAT(errors_, testing::AnyOf(ElementsAre(noDevice), ElementsAre(noAdapter)));
+    EXPECT_EQ(code_, errors_.front() == noDevice ? "2" : "0");
 }
 
 }  // namespace

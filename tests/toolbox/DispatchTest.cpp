@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -9,58 +8,15 @@
 
 #include "common/err/GeneralError.h"
 #include "tests/toolbox/RecordingHost.h"
-#include "toolbox/config/HandlerTable.h"
 #include "toolbox/config/MessageHandler.h"
 
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using toolbox_tests::RecordingHost;
 
 std::int32_t Send(RecordingHost& host) {
     return GetToolboxAPI()->DoMagic(&host, &host);
-}
-
-TEST(Dispatch, TheRecordIsTheSameOnEveryCall) {
-    ToolboxAPI* const api = GetToolboxAPI();
-    EXPECT_EQ(api, GetToolboxAPI());
-    EXPECT_EQ(api->interfaceVersion, 1);
-    std::uint32_t version[3] = {};
-    api->GetVersion(&version[0], &version[1], &version[2]);
-    EXPECT_THAT(version, ElementsAre(6U, 8U, 282U));
-}
-
-TEST(Dispatch, KindAndNameChooseTheHandler) {
-    struct DispatchCase {
-        const char* kind;
-        const char* name;
-        std::int32_t result;
-    };
-    const DispatchCase cases[] = {
-        {"Request", "anything", 2},    {"Request", "", 2},        {"Reply", "Configure", 2},
-        {"Internal", "configure", 2},  {"Internal", "Update", 2}, {"Internal", "", 2},
-        {"internal", "Configure", 0},  {"REQUEST", "", 0},        {"", "", 0},
-        {"Internal ", "Configure", 0},
-    };
-    for (const DispatchCase& test : cases) {
-        RecordingHost host(test.kind, test.name);
-        EXPECT_EQ(Send(host), test.result) << test.kind << "=" << test.name;
-        const std::string line = std::string(
-                                     "Log 1 Toolbox-Main:77 Toolbox::DoMagic - Finding "
-                                     "handler for ") +
-                                 test.kind + "=" + test.name;
-        EXPECT_THAT(host.calls, ElementsAre("GetKind", "GetName", line, "GetKind", "GetName"));
-    }
-    EXPECT_NE(CreateHandler("Internal", "Configure"), nullptr);
-    EXPECT_EQ(CreateHandler("Internals", "Configure"), nullptr);
-}
-
-TEST(Dispatch, PercentSignsInKindAndNameArriveAsTheyAre) {
-    RecordingHost host("100%n", "%s%s%n");
-    EXPECT_EQ(Send(host), 0);
-    EXPECT_EQ(host.calls.at(2),
-              "Log 1 Toolbox-Main:77 Toolbox::DoMagic - Finding handler for 100%n=%s%s%n");
 }
 
 TEST(Dispatch, ANullMessageIsReportedToTheSinkIfThereIsOne) {

@@ -49,7 +49,6 @@ using config_tests::Probe;
 using fake::OnMachine;
 using fake::RecordingLog;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 const std::string kRun = "2 ConfigBuilder::RunConfig(): about to execute class ";
 const std::string kNicRun = "2 ConfigureNic::Execute(): about to execute class config::command::";
@@ -66,13 +65,6 @@ protected:
     std::vector<std::string> notes;
     std::unique_ptr<config::ConfigBuilder> builder = std::make_unique<config::ConfigBuilder>(log);
 };
-
-TEST_F(Run, OfNothingSucceeds) {
-    bool reboot = true;
-    EXPECT_TRUE(builder->RunConfig(reboot));
-    EXPECT_FALSE(reboot);
-    EXPECT_THAT(log.lines, IsEmpty());
-}
 
 TEST_F(Run, GoesInOrderToTheEnd) {
     bool reboot = true;
@@ -96,14 +88,6 @@ TEST_F(Run, StopsAtTheFirstMarkerWithoutALine) {
     EXPECT_TRUE(reboot);
     EXPECT_THAT(notes, ElementsAre("a"));
     EXPECT_THAT(log.lines, ElementsAre(kRun + "config_tests::Probe (a)"));
-
-    RecordingLog silent;
-    config::ConfigBuilder markerAlone(silent);
-    markerAlone.AppendCommand(std::make_unique<config::command::Reboot>());
-    reboot = false;
-    EXPECT_FALSE(markerAlone.RunConfig(reboot));
-    EXPECT_TRUE(reboot);
-    EXPECT_THAT(silent.lines, IsEmpty());
 }
 
 TEST_F(Run, StopsAtAFailureAndSaysNothingOfARestart) {
@@ -143,27 +127,6 @@ TEST_F(Run, OfAnAdapterSkipsWhatItHasAndLogsTheRest) {
     EXPECT_THAT(machine.queries,
                 ElementsAre("getDhcpEnabled(7)", "getIpAddressAndMask(7)",
                             "getDnsServersAndSuffixes(7)", "getDnsServersAndSuffixes(7)"));
-}
-
-TEST_F(Run, OfAnAdapterThatNeedsNothingLogsItsIndexAlone) {
-    Adapter(7).dhcpEnabled = true;
-    config_tests::Send(*builder, "+NIC(lan) DHCP -");
-    dynamic_cast<config::command::ConfigureNic&>(*builder->LastCommand()).SetNicIndex(7);
-    bool reboot = true;
-    EXPECT_TRUE(builder->RunConfig(reboot));
-    EXPECT_THAT(log.lines, ElementsAre(kRun + "config::command::ConfigureNic ()", kIndex + "7"));
-}
-
-TEST_F(Run, OfAnAdapterStopsAtItsFailure) {
-    machine.returns["setDnsServerSearchOrder"] = 84;
-    config_tests::Send(*builder, "+NIC(lan) DHCP DNS(10.0.0.53) SUFFIX(a.b) -");
-    auto& nic = dynamic_cast<config::command::ConfigureNic&>(*builder->LastCommand());
-    nic.SetNicIndex(9);
-    Append("after");
-    bool reboot = true;
-    EXPECT_THROW(builder->RunConfig(reboot), config::ConfigError);
-    EXPECT_EQ(TakeChanges(), "enableDhcp(9); setDnsServerSearchOrder(9, 10.0.0.53)");
-    EXPECT_THAT(notes, IsEmpty());
 }
 
 TEST_F(Run, OfAnAdapterWithoutIndexIsAnError) {

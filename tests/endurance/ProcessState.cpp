@@ -1,4 +1,4 @@
-#include "tests/e2e/ProcessState.h"
+#include "tests/endurance/ProcessState.h"
 
 #include <windows.h>
 
@@ -10,7 +10,7 @@
 #define PSAPI_VERSION 2
 #include <psapi.h>
 
-namespace e2e {
+namespace endurance {
 
 namespace {
 
@@ -67,4 +67,4 @@ ProcessState ReadProcessState() {
     return {CountHandles(), CountModules()};
 }
 
-}  // namespace e2e
+}  // namespace endurance

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace e2e {
+namespace endurance {
 
 /// What a process must not pile up.
 struct ProcessState {
@@ -14,4 +14,4 @@ struct ProcessState {
 /// GetProcessHandleCount always answers 0 under Wine.
 ProcessState ReadProcessState();
 
-}  // namespace e2e
+}  // namespace endurance
