@@ -67,7 +67,6 @@ void Ledger::Excuse(std::string_view kind, std::uintptr_t identity) {
 
 void Ledger::Clear() {
     items_.clear();
-    excused_.clear();
     misuse_.clear();
 }
 

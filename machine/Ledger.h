@@ -44,7 +44,7 @@ public:
     // What was excused and never closed after all: kind and identity.
     const std::set<std::pair<std::string, std::uintptr_t>>& Excused() const { return excused_; }
     void RecordMisuse(std::string what) { misuse_.push_back(std::move(what)); }
-    // Forgets everything, for a test that planted a leak.
+    // Forgets what is outstanding and what was misused, for a test that planted a leak.
     void Clear();
 
 private:

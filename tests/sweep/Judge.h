@@ -12,6 +12,7 @@ namespace sweep {
 struct Verdict {
     std::string answer;                   ///< kind of the answer: "Success", "Failure", ...
     bool harmless = false;                ///< as if nothing had failed
+    bool passedOver = false;              ///< only calls failed that the module passes over
     std::vector<std::string> complaints;  ///< what must not be
 };
 

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/cases/CaseFile.h"
 #include "tests/cases/harness/KeptLeaks.h"
 #include "tests/sweep/Judge.h"
 #include "tests/sweep/Subject.h"
@@ -92,6 +93,9 @@ protected:
             const bool recover = ++tried % recoverEach == 0;
             const Outcome outcome =
                 Try(subject_, machine::FaultPlan::FailCall(point, stays_), recover);
+            if (outcome.fired == 0 && point > outcome.calls) {
+                continue;  // how often a child is waited for is a matter of time
+            }
             const Verdict verdict = Judge(outcome.ending, clean.ending);
             ++summary.points;
             ++summary.answers[verdict.answer];
@@ -101,8 +105,9 @@ protected:
                 summary.kept[kind] += count;
             }
             Report(name, outcome, verdict);
-            if (recover && outcome.afterRecovery != clean.afterRecovery) {
-                ADD_FAILURE() << name << ": the machine does not come to its end behind it";
+            if (recover && !verdict.passedOver && outcome.afterRecovery != clean.afterRecovery) {
+                ADD_FAILURE() << name << ": the machine does not come to its end behind it: "
+                              << cases::ListChanges(clean.afterRecovery, outcome.afterRecovery);
             }
             if (testing::Test::HasFailure()) {
                 return;  // the first says enough

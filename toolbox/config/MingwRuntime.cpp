@@ -1,93 +1,129 @@
-// What the statically linked run-time library of mingw-w64 would leave behind each time the agent
-// unloads the module: two handles after the first static object of a function, four after the first
-// exception. Nothing calls this file; its objects stand in the library's place or run at unload.
-#include <malloc.h>
+// What GCC's C++ library takes from winpthreads and libgcc: locks, and variables of a thread.
+// Theirs want memory and handles at first use: the handles stay behind when the agent unloads the
+// module before its thread ends, and without memory the error that there is none cannot even be
+// thrown. Nothing in the module calls this file; the linker takes its functions in the place of
+// theirs.
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-
-extern "C" {
-
-extern const IMAGE_TLS_DIRECTORY64 _tls_used;
-extern IMAGE_DOS_HEADER __ImageBase;
-
-/// The record that the compiler makes for each thread_local variable; the exception handling of the
-/// C++ library has one.
-struct EmulatedVariable {
-    std::size_t size;
-    std::size_t alignment;
-    std::uintptr_t number;  // in the order of first use, from 1; 0 before
-    const void* initial;    // null for zeros
-};
-}
+#include <utility>
 
 namespace {
 
-/// One thread's copies of the variables.
-struct ThreadVariables {
-    std::size_t count;
-    void* copies[1];  // as many as `count`, by number - 1; null until used
+/// The library locks for a few instructions and never while it calls anybody, so that one lock can
+/// stand for all of its mutexes, and one condition for all of its conditions.
+class LibraryLock {
+public:
+    void Enter() {
+        if (owner_ != GetCurrentThreadId()) {
+            AcquireSRWLockExclusive(&lock_);
+            owner_ = GetCurrentThreadId();
+        }
+        ++depth_;
+    }
+    void Leave() {
+        if (--depth_ == 0) {
+            owner_ = 0;
+            ReleaseSRWLockExclusive(&lock_);
+        }
+    }
+    /// Whoever waits looks again at what it waits for.
+    void Wait() {
+        owner_ = 0;
+        const int depth = std::exchange(depth_, 0);
+        SleepConditionVariableSRW(&condition_, &lock_, INFINITE, 0);
+        owner_ = GetCurrentThreadId();
+        depth_ = depth;
+    }
+    void WakeAll() { WakeAllConditionVariable(&condition_); }
+
+private:
+    SRWLOCK lock_ = SRWLOCK_INIT;
+    CONDITION_VARIABLE condition_ = CONDITION_VARIABLE_INIT;
+    std::atomic<DWORD> owner_ = 0;  // no thread has the id 0
+    int depth_ = 0;                 // of its entries
 };
 
+constinit LibraryLock libraryLock;
+
+/// The record that the compiler makes for each thread_local variable; the exception handling of the
+/// library has one.
+struct EmulatedVariable {
+    std::size_t size;
+    std::size_t alignment;
+    std::uintptr_t place;  // in a thread's record, from 1; 0 before the first use
+    const void* initial;   // null for zeros
+};
+
+/// One thread's copies of all such variables.
+struct ThreadRecord {
+    static constexpr std::size_t kCapacity = 128;
+    static constexpr std::size_t kUnit = alignof(std::max_align_t);
+
+    std::uint32_t filled;  // a bit for each unit that a filled copy begins in
+    bool taken;            // of those in the reserve
+    alignas(kUnit) std::byte copies[kCapacity];
+};
+
+// For the first errors of threads that begin without memory. The library's own reserve, for the
+// errors themselves, ends the process too when it is used up.
+constinit ThreadRecord reserve[32];
 DWORD slot = FLS_OUT_OF_INDEXES;
-std::uintptr_t variableCount = 0;
-SRWLOCK numbering = SRWLOCK_INIT;
+std::size_t usedCapacity = 0;
 
-void NTAPI FreeVariables(void* data) {
-    auto* const variables = static_cast<ThreadVariables*>(data);
-    for (std::size_t i = 0; variables != nullptr && i < variables->count; ++i) {
-        _aligned_free(variables->copies[i]);
+void NTAPI FreeRecord(void* data) {
+    auto* const record = static_cast<ThreadRecord*>(data);
+    if (record >= std::begin(reserve) && record < std::end(reserve)) {
+        libraryLock.Enter();
+        *record = {};
+        libraryLock.Leave();
+    } else {
+        std::free(record);
     }
-    std::free(variables);
 }
 
-std::uintptr_t NumberOf(EmulatedVariable& variable) {
-    AcquireSRWLockExclusive(&numbering);
-    if (slot == FLS_OUT_OF_INDEXES) {
-        slot = FlsAlloc(FreeVariables);
+/// With the lock held.
+ThreadRecord* NewRecord() {
+    if (void* const memory = std::calloc(1, sizeof(ThreadRecord))) {
+        return static_cast<ThreadRecord*>(memory);
     }
-    if (variable.number == 0) {
-        variable.number = ++variableCount;
-    }
-    const std::uintptr_t number = variable.number;
-    ReleaseSRWLockExclusive(&numbering);
-    return number;
-}
-
-/// Exceptions are thrown with these variables, so that a lack of memory cannot be thrown.
-template <class Pointer>
-Pointer* OrAbort(Pointer* memory) {
-    if (memory == nullptr) {
+    auto* const record = std::find_if(std::begin(reserve), std::end(reserve),
+                                      [](const ThreadRecord& one) { return !one.taken; });
+    if (record == std::end(reserve)) {
         std::abort();
     }
-    return memory;
+    record->taken = true;
+    return record;
 }
 
-void*& CopyOf(std::uintptr_t number) {
-    auto* variables = static_cast<ThreadVariables*>(FlsGetValue(slot));
-    if (variables == nullptr || variables->count < number) {
-        const std::size_t count = variables == nullptr ? 0 : variables->count;
-        const std::size_t size = offsetof(ThreadVariables, copies) + number * sizeof(void*);
-        variables = static_cast<ThreadVariables*>(OrAbort(std::realloc(variables, size)));
-        std::fill(variables->copies + count, variables->copies + number, nullptr);
-        variables->count = number;
-        FlsSetValue(slot, variables);
+/// Gives the variable its place, and this thread a record if it has none.
+ThreadRecord& Prepare(EmulatedVariable& variable) {
+    libraryLock.Enter();
+    if (slot == FLS_OUT_OF_INDEXES) {
+        slot = FlsAlloc(FreeRecord);
     }
-    return variables->copies[number - 1];
-}
-
-/// winpthreads keeps a record with two handles for each thread that took one of its locks, and
-/// gives it back when the thread ends, but not when the module goes before the thread.
-void ForgetThisThread() {
-    const auto* callback =
-        reinterpret_cast<const PIMAGE_TLS_CALLBACK*>(_tls_used.AddressOfCallBacks);
-    for (; *callback != nullptr; ++callback) {
-        (*callback)(&__ImageBase, DLL_THREAD_DETACH, nullptr);
+    if (variable.place == 0) {
+        constexpr std::size_t kUnit = ThreadRecord::kUnit;
+        variable.place = usedCapacity + 1;
+        usedCapacity += (variable.size + kUnit - 1) / kUnit * kUnit;
+        if (usedCapacity > ThreadRecord::kCapacity || variable.alignment > kUnit) {
+            std::abort();  // not with this library
+        }
     }
+    auto* record = static_cast<ThreadRecord*>(FlsGetValue(slot));
+    if (record == nullptr) {
+        record = NewRecord();
+        if (FlsSetValue(slot, record) == 0) {
+            std::abort();
+        }
+    }
+    libraryLock.Leave();
+    return *record;
 }
 
 /// What is registered first runs last, after the destructors of all static objects.
@@ -95,9 +131,8 @@ class UnloadCleanup {
 public:
     UnloadCleanup() {
         std::atexit([] {
-            ForgetThisThread();
             if (slot != FLS_OUT_OF_INDEXES) {
-                FlsFree(slot);  // frees the variables of every thread
+                FlsFree(slot);  // frees the records of every thread
             }
         });
     }
@@ -106,21 +141,53 @@ __attribute__((init_priority(101))) const UnloadCleanup unloadCleanup;
 
 }  // namespace
 
+// As <pthread.h> of winpthreads declares them, whose mutexes and conditions are of this type.
+using PthreadObject = std::intptr_t;
+
 extern "C" {
 
-/// libgcc's own keeps the variables in a winpthreads key, whose lock costs two handles that nothing
-/// gives back.
-void* __emutls_get_address(EmulatedVariable* variable);
+int pthread_mutex_init(PthreadObject* /*mutex*/, const unsigned* /*attributes*/) {
+    return 0;
+}
+int pthread_mutex_destroy(PthreadObject* /*mutex*/) {
+    return 0;
+}
+int pthread_mutex_lock(PthreadObject* /*mutex*/) {
+    libraryLock.Enter();
+    return 0;
+}
+int pthread_mutex_unlock(PthreadObject* /*mutex*/) {
+    libraryLock.Leave();
+    return 0;
+}
+int pthread_cond_wait(PthreadObject* /*condition*/, PthreadObject* /*mutex*/) {
+    libraryLock.Wait();
+    return 0;
+}
+int pthread_cond_broadcast(PthreadObject* /*condition*/) {
+    libraryLock.WakeAll();
+    return 0;
+}
+int pthread_once(long* done, void (*function)()) {
+    libraryLock.Enter();
+    if (*done == 0) {
+        function();
+        *done = 1;
+    }
+    libraryLock.Leave();
+    return 0;
+}
+
 void* __emutls_get_address(EmulatedVariable* variable) {
-    void*& copy = CopyOf(NumberOf(*variable));
-    if (copy == nullptr) {
-        copy = OrAbort(_aligned_malloc(variable->size,
-                                       std::max(variable->alignment, alignof(std::max_align_t))));
+    ThreadRecord& record = Prepare(*variable);
+    const std::size_t place = variable->place - 1;
+    std::byte* const copy = record.copies + place;
+    const std::uint32_t bit = 1U << place / ThreadRecord::kUnit;
+    if ((record.filled & bit) == 0) {
         if (variable->initial != nullptr) {
             std::memcpy(copy, variable->initial, variable->size);
-        } else {
-            std::memset(copy, 0, variable->size);
         }
+        record.filled |= bit;
     }
     return copy;
 }
