@@ -20,11 +20,8 @@ class Held {
 public:
     Held() = default;
     ~Held() { Reset(); }
-    Held(Held&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
-    Held& operator=(Held&& other) noexcept {
-        std::swap(pointer_, other.pointer_);
-        return *this;
-    }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
 
     Interface** Receive() {
         Reset();
@@ -80,21 +77,6 @@ public:
     VARIANT* operator&() { return &value_; }
     const VARIANT& Value() const { return value_; }
     VARTYPE Type() const { return value_.vt; }
-    std::wstring Text() const { return value_.vt == VT_BSTR ? value_.bstrVal : L"(no text)"; }
-    std::vector<std::wstring> Texts() const {
-        std::vector<std::wstring> texts;
-        LONG last = -1;
-        if (value_.vt == (VT_ARRAY | VT_BSTR)) {
-            SafeArrayGetUBound(value_.parray, 1, &last);
-        }
-        for (LONG i = 0; i <= last; ++i) {
-            BSTR text = nullptr;
-            SafeArrayGetElement(value_.parray, &i, &text);
-            texts.emplace_back(text);
-            SysFreeString(text);
-        }
-        return texts;
-    }
 
 private:
     VARIANT value_;
@@ -104,33 +86,27 @@ constexpr LONG immediately = WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATE
 
 constexpr LONG forever = static_cast<LONG>(WBEM_INFINITE);
 
-// A connection to root\cimv2 made of the five calls that every program makes.
+// A connection to root\cimv2 made of the calls that every program makes.
 class Connection {
 public:
     Connection() {
-        result_ = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        const auto step = [this](auto call) { result_ = FAILED(result_) ? result_ : call(); };
+        step([&] { return CoInitializeEx(nullptr, COINIT_MULTITHREADED); });
         initialised_ = SUCCEEDED(result_);
-        if (FAILED(result_)) {
-            return;
-        }
-        result_ = CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_CONNECT,
-                                       RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
-        if (FAILED(result_) && result_ != RPC_E_TOO_LATE) {
-            return;
-        }
-        result_ = CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER,
-                                   IID_IWbemLocator, reinterpret_cast<void**>(locator_.Receive()));
-        if (FAILED(result_)) {
-            return;
-        }
-        result_ = locator_->ConnectServer(Bstr(L"root\\cimv2"), nullptr, nullptr, nullptr, 0,
-                                          nullptr, nullptr, services_.Receive());
-        if (FAILED(result_)) {
-            return;
-        }
-        result_ = CoSetProxyBlanket(services_.Get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
-                                    RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr,
-                                    EOAC_NONE);
+        step([&] {
+            const HRESULT result =
+                CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_CONNECT,
+                                     RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
+            return result == RPC_E_TOO_LATE ? S_OK : result;
+        });
+        step([&] {
+            return CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER,
+                                    IID_IWbemLocator, reinterpret_cast<void**>(locator_.Receive()));
+        });
+        step([&] {
+            return locator_->ConnectServer(Bstr(L"root\\cimv2"), nullptr, nullptr, nullptr, 0,
+                                           nullptr, nullptr, services_.Receive());
+        });
     }
     ~Connection() {
         locator_.Reset();
@@ -157,14 +133,10 @@ public:
         Held<IWbemClassObject> parameters;
         Held<IWbemClassObject> out;
         result_ = services_->GetObject(Bstr(className), 0, nullptr, definition.Receive(), nullptr);
-        if (FAILED(result_)) {
-            return std::nullopt;
+        if (SUCCEEDED(result_)) {
+            result_ = definition->GetMethod(method, 0, inDefinition.Receive(), nullptr);
         }
-        result_ = definition->GetMethod(method, 0, inDefinition.Receive(), nullptr);
-        if (FAILED(result_)) {
-            return std::nullopt;
-        }
-        if (!in.empty()) {
+        if (SUCCEEDED(result_) && !in.empty()) {
             result_ = inDefinition->SpawnInstance(0, parameters.Receive());
         }
         for (const auto& [name, value] : in) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -32,14 +33,13 @@ protected:
 TEST_F(TraceTest, EachLineIsACallWithItsResultAndNoSecret) {
     Fail("Next=5");
     Rename();
-    Held<IEnumWbemClassObject> none;
     {
         Connection connection;
+        Held<IEnumWbemClassObject> rows;
         Held<IWbemClassObject> row;
         ULONG count = 0;
-        connection.Query(L"select Name from Win32_ComputerSystem", none);
-        none->Next(forever, 1, row.Receive(), &count);
-        none.Reset();
+        connection.Query(L"select Name from Win32_ComputerSystem", rows);
+        rows->Next(forever, 1, row.Receive(), &count);
     }
     std::ostringstream out;
     simulation_.GetTrace().WriteJsonLines(out);
@@ -53,12 +53,8 @@ TEST_F(TraceTest, EachLineIsACallWithItsResultAndNoSecret) {
     EXPECT_EQ(calls[0]["function"], "CoInitializeEx");
     EXPECT_EQ(calls[0]["faultPoint"], 1);
     const auto find = [&calls](const std::string& function) {
-        for (const auto& call : calls) {
-            if (call["function"] == function) {
-                return call;
-            }
-        }
-        return nlohmann::json();
+        return *std::ranges::find_if(
+            calls, [&](const nlohmann::json& call) { return call["function"] == function; });
     };
     const auto method = find("IWbemServices::ExecMethod");
     EXPECT_EQ(method["arguments"]["in"], "Name=\"PC2\", Password=***, UserName=null");

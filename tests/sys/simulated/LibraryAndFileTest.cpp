@@ -1,19 +1,22 @@
-// The agent's cryptography library and the file functions on the simulated machine.
+// The agent's cryptography library, the file functions and host names on the simulated machine.
+#include <winsock2.h>
+
 #include <windows.h>
 
 #include <gmock/gmock.h>
 
 #include <string>
 
+#include "common/ipc/IpAddress.h"
 #include "common/sys/CryptoDll.h"
 #include "common/util/FileUtils.h"
 #include "machine/Cipher.h"
 #include "tests/sys/simulated/Sweep.h"
-#include "tests/sys/support/ScratchFolder.h"
 
 namespace {
 
 using namespace sys_tests;
+using ipc::IPv4Address;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -29,35 +32,11 @@ TEST(CryptoLibrary, DecipheringLooksTheExportUpOnce) {
         }
     }),
               Success());
-    EXPECT_THAT(machine.Calls(),
+    EXPECT_THAT(machine.Texts(),
                 ElementsAre("LoadLibraryA name=LibCrypto.dll", "GetProcAddress name=Decrypt",
                             "Decrypt enciphered=***", "Decrypt enciphered=***", "FreeLibrary"));
-    EXPECT_THAT(machine.Leaks(), IsEmpty());
-}
-
-TEST(CryptoLibrary, IsMissedWhenItIsFirstNeeded) {
-    const std::pair<machine::CryptoLibrary, Outcome> cases[] = {
-        {machine::CryptoLibrary::Absent,
-         DllFailure("DllProxy::Load - Load Library Failed", 70, 0, ERROR_MOD_NOT_FOUND)},
-        {machine::CryptoLibrary::WithoutExport,
-         DllFailure("DllProxy::GetProcAddress - GetProcAddress Failed", 83, 1,
-                    ERROR_PROC_NOT_FOUND)},
-    };
-    for (const auto& [library, expected] : cases) {
-        machine::State state = machine::DefaultState();
-        state.system.libCrypto = library;
-        Machine machine(state);
-        EXPECT_EQ(machine.Run([] { const sys::CryptoDll unused; }), Success());
-        EXPECT_THAT(machine.Calls(), IsEmpty());
-        std::string plain = "kept";
-        EXPECT_EQ(machine.Run([&] {
-            sys::CryptoDll crypto;
-            crypto.Decrypt("enciphered", plain);
-        }),
-                  expected);
-        EXPECT_EQ(plain, "kept");
-        EXPECT_THAT(machine.Leaks(), IsEmpty());
-    }
+    EXPECT_EQ(machine.Run([] { const sys::CryptoDll unused; }), Success());
+    EXPECT_THAT(machine.Texts(), IsEmpty());
 }
 
 TEST(CryptoLibrary, AnyFailingCallIsItsError) {
@@ -123,9 +102,8 @@ TEST(FilesOnTheMachine, AnyFailingCallOfADeletionIsItsError) {
 TEST(FilesOnTheMachine, ComparingTwoPathsNeverThrows) {
     const ScratchFolder folder;
     const std::string file = folder.AddFile("file", "x");
-    const std::string sameFile = folder.Path(".\\FILE");
     for (const bool same : {true, false}) {
-        const std::string other = same ? sameFile : folder.AddFile("other", "x");
+        const std::string other = same ? folder.Path(".\\FILE") : folder.AddFile("other", "x");
         const Operation operation = [&](std::string& outputs) {
             outputs = util::IsSameFile(file, other) ? "same" : "different";
         };
@@ -135,6 +113,30 @@ TEST(FilesOnTheMachine, ComparingTwoPathsNeverThrows) {
         };
         Sweep(operation, check);
     }
+}
+
+machine::State WithHosts() {
+    machine::State state = machine::DefaultState();
+    state.hosts = {{"two.example", {"192.0.2.1", "192.0.2.2"}}, {"none.example", {}}};
+    return state;
+}
+
+TEST(HostNames, FirstAddressCountsAndNoneLeavesWhatWasThere) {
+    Machine machine(WithHosts());
+    EXPECT_EQ(IPv4Address(std::string("two.example")).ToString(), "192.0.2.1");
+    EXPECT_EQ(IPv4Address(std::string("none.example")).ToString(), "0.0.0.0");
+    IPv4Address address(std::string("10.0.0.1"));
+    address.Resolve("none.example");
+    EXPECT_EQ(address.ToString(), "10.0.0.1");
+    EXPECT_EQ(machine.Run([&] { address.Resolve("missing.example"); }),
+              AddressFailure(WSAHOST_NOT_FOUND));
+    EXPECT_THAT(machine.Texts(), ElementsAre("gethostbyname name=missing.example"));
+    EXPECT_EQ(address.ToString(), "10.0.0.1");
+    machine.Fail("gethostbyname");
+    EXPECT_EQ(machine.Run([&] { address.Resolve("two.example"); }), AddressFailure(WSATRY_AGAIN));
+    EXPECT_EQ(address.ToString(), "10.0.0.1");
+    EXPECT_EQ(machine.Run([&] { address.Resolve("1.2.3.4"); }), Success());
+    EXPECT_THAT(machine.Texts(), IsEmpty()) << "a quad needs no look-up";
 }
 
 }  // namespace

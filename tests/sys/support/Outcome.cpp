@@ -2,20 +2,30 @@
 
 #include <ostream>
 #include <stdexcept>
+#include <type_traits>
+#include <typeinfo>
 
 #include "common/err/GeneralError.h"
+#include "common/lang/ClassName.h"
 #include "common/sys/ComError.h"
+#include "common/util/Strings.h"
 
 namespace sys_tests {
 
 namespace {
 
-Outcome Describe(const char* type, const err::CGeneralError& error, std::int32_t category = 0) {
-    return {type, error.SourceFile(), error.Line(), error.Message(), category, error.Code()};
-}
-
-Outcome Describe(const char* type, const err::CategorizedError& error) {
-    return Describe(type, error, error.Category());
+template <class Error>
+Outcome Describe(const Error& error) {
+    Outcome outcome{lang::ClassName(typeid(error)).substr(6),
+                    error.SourceFile(),
+                    error.Line(),
+                    error.Message(),
+                    0,
+                    error.Code()};
+    if constexpr (std::is_base_of_v<err::CategorizedError, Error>) {
+        outcome.category = error.Category();
+    }
+    return outcome;
 }
 
 std::int32_t Signed(std::uint32_t code) {
@@ -38,21 +48,21 @@ Outcome OutcomeOf(const std::function<void()>& call) {
         call();
         return Success();
     } catch (const sys::CWmiError& error) {
-        return Describe("sys::CWmiError", error);
+        return Describe(error);
     } catch (const sys::DomainError& error) {
-        return Describe("sys::DomainError", error);
+        return Describe(error);
     } catch (const sys::RegistryError& error) {
-        return Describe("sys::RegistryError", error);
+        return Describe(error);
     } catch (const sys::CDllProxyError& error) {
-        return Describe("sys::CDllProxyError", error);
+        return Describe(error);
     } catch (const ipc::CIPAddressError& error) {
-        return Describe("ipc::CIPAddressError", error);
+        return Describe(error);
     } catch (const proc::ChildProcessError& error) {
-        return Describe("proc::ChildProcessError", error);
+        return Describe(error);
     } catch (const util::CFileIOError& error) {
-        return Describe("util::CFileIOError", error);
+        return Describe(error);
     } catch (const err::CGeneralError& error) {
-        return Describe("err::CGeneralError", error);
+        return Describe(error);
     } catch (const sys::ComError& error) {
         return {"sys::ComError", "", 0, error.what(), 0, error.Result()};
     } catch (const std::invalid_argument& error) {
@@ -97,11 +107,7 @@ Outcome AddressFailure(std::int32_t code) {
 }
 
 Outcome ComFailure(std::uint32_t result) {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string message = "COM operation failed. HRESULT is 0x";
-    for (int shift = 28; shift >= 0; shift -= 4) {
-        message += kDigits[(result >> shift) & 0xF];
-    }
+    const std::string message = util::Format("COM operation failed. HRESULT is 0x%08X", result);
     return {"sys::ComError", "", 0, message, 0, Signed(result)};
 }
 

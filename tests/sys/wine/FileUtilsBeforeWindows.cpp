@@ -1,5 +1,3 @@
-#include "tests/sys/wine/FileUtilsBeforeWindows.h"
-
 // The order is what this source is for.
 // clang-format off
 #include "common/util/FileUtils.h"

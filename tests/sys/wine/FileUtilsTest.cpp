@@ -1,4 +1,5 @@
-// Files on a real disk. This source has <windows.h> first, FileUtilsBeforeWindows.cpp has it last.
+// Files on a real disk, and libraries. This source has <windows.h> first,
+// FileUtilsBeforeWindows.cpp has it last.
 #include <windows.h>
 
 #include "common/util/FileUtils.h"
@@ -7,17 +8,21 @@
 
 #include <string>
 
+#include "common/sys/DllProxy.h"
 #include "tests/sys/support/Outcome.h"
 #include "tests/sys/support/ScratchFolder.h"
-#include "tests/sys/wine/FileUtilsBeforeWindows.h"
+
+namespace sys_tests {
+
+// In FileUtilsBeforeWindows.cpp.
+void MoveThroughMacros(const std::string& source, const std::string& destination);
+void DeleteThroughMacros(const std::string& path);
+
+}  // namespace sys_tests
 
 namespace {
 
-using sys_tests::FileFailure;
-using sys_tests::OutcomeOf;
-using sys_tests::ReadFileContent;
-using sys_tests::ScratchFolder;
-using sys_tests::Success;
+using namespace sys_tests;
 
 TEST(FileUtils, ADirectoryIsNoFile) {
     const ScratchFolder folder;
@@ -58,9 +63,12 @@ TEST(FileUtils, MoveNeverReplaces) {
     EXPECT_EQ(ReadFileContent(existing), "kept");
     EXPECT_EQ(ReadFileContent(source), "content");
 
-    util::MoveFile(source, folder.Path("folder\\moved"));
+    // Through a source that sees <windows.h> after the functions' header.
+    MoveThroughMacros(source, folder.Path("folder\\moved"));
     EXPECT_FALSE(util::FileExists(source));
     EXPECT_EQ(ReadFileContent(folder.Path("folder\\moved")), "content");
+    DeleteThroughMacros(folder.Path("folder\\moved"));
+    EXPECT_FALSE(util::FileExists(folder.Path("folder\\moved")));
 }
 
 TEST(FileUtils, DeleteTakesFilesAlone) {
@@ -68,7 +76,6 @@ TEST(FileUtils, DeleteTakesFilesAlone) {
     const std::string file = folder.AddFile("file", "x");
     const std::string subfolder = folder.AddFolder("folder");
     EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }), Success());
-    EXPECT_FALSE(util::FileExists(file));
     EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }),
               FileFailure("Delete failed - target does not exist", 136, ERROR_FILE_NOT_FOUND));
     auto outcome = OutcomeOf([&] { util::DeleteFile(subfolder); });
@@ -81,16 +88,6 @@ TEST(FileUtils, DeleteTakesFilesAlone) {
     EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(held); }),
               FileFailure("Delete failed ", 139, ERROR_SHARING_VIOLATION));
     CloseHandle(handle);
-}
-
-TEST(FileUtils, NamesAreTheSameWhereverWindowsIsIncluded) {
-    const ScratchFolder folder;
-    const std::string file = folder.AddFile("file", "x");
-    sys_tests::MoveThroughMacros(file, folder.Path("moved"));
-    EXPECT_TRUE(util::FileExists(folder.Path("moved")));
-    sys_tests::DeleteThroughMacros(folder.Path("moved"));
-    EXPECT_FALSE(util::FileExists(folder.Path("moved")));
-    EXPECT_EQ(OutcomeOf([&] { sys_tests::DeleteThroughMacros(file); }).line, 136);
 }
 
 TEST(FileUtils, TwoSpellingsOfOnePathAreTheSameFile) {
@@ -135,6 +132,37 @@ TEST(FileUtils, PathsAreCutAtTheirLastSeparator) {
         EXPECT_EQ(split.fileName, c.fileName) << c.path;
     }
     EXPECT_TRUE(util::FileExists(util::ExecutablePath()));
+}
+
+TEST(DllProxy, LoadsOnFirstUseAndUnloadsAtTheEnd) {
+    constexpr const char* kLibrary = "cabinet.dll";  // nothing here imports it
+    ASSERT_EQ(GetModuleHandleA(kLibrary), nullptr);
+    {
+        sys::DllProxy proxy(kLibrary);
+        EXPECT_EQ(GetModuleHandleA(kLibrary), nullptr);
+        void* slot = nullptr;
+        proxy.GetProcAddress(slot, "FDICreate");
+        HMODULE const module = GetModuleHandleA(kLibrary);
+        EXPECT_EQ(slot, reinterpret_cast<void*>(GetProcAddress(module, "FDICreate")));
+        EXPECT_EQ(OutcomeOf([&] { proxy.GetProcAddress(slot, "NoSuchFunction"); }),
+                  DllFailure("DllProxy::GetProcAddress - GetProcAddress Failed", 83, 1,
+                             ERROR_PROC_NOT_FOUND));
+        EXPECT_EQ(slot, nullptr);
+        EXPECT_EQ(GetModuleHandleA(kLibrary), module) << "a failed look-up unloads nothing";
+        proxy.Load();
+    }
+    EXPECT_EQ(GetModuleHandleA(kLibrary), nullptr);
+}
+
+TEST(DllProxy, ALibraryThatIsNotThereFailsWhenItIsNeeded) {
+    void* slot = &slot;
+    sys::DllProxy nameless("");
+    SetLastError(4711);
+    EXPECT_EQ(OutcomeOf([&] { nameless.GetProcAddress(slot, "Decrypt"); }),
+              DllFailure("DllProxy::Load - No Filename", 64, 0, 4711));
+    sys::DllProxy missing("no-such-library.dll");
+    EXPECT_EQ(OutcomeOf([&] { missing.GetProcAddress(slot, "Decrypt"); }),
+              DllFailure("DllProxy::Load - Load Library Failed", 70, 0, ERROR_MOD_NOT_FOUND));
 }
 
 }  // namespace
