@@ -101,7 +101,10 @@ TEST(IdentityModel, RenameChangesTheObjectAtOnceAndTheNameLater) {
     ApplyRestart(state);
     EXPECT_EQ(state.computerName, "PC2");
     EXPECT_EQ(state.adapters[0].dnsHostName, "pc2");
-    EXPECT_EQ(OwnDistinguishedName(state), "CN=PC2,OU=Sales,OU=East,DC=corp,DC=example");
+    EXPECT_EQ(Rename(state, "sales-pc-000000007", joiner), 0U);
+    ApplyRestart(state);
+    EXPECT_EQ(state.computerName, "SALES-PC-000000");
+    EXPECT_EQ(state.hostName, "sales-pc-000000007");
 }
 
 TEST(DirectoryModel, MovesComputersOrSaysWhyNot) {

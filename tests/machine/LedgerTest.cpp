@@ -15,12 +15,11 @@ using ::testing::HasSubstr;
 class LedgerTest : public SimulatedTest {};
 
 IWbemClassObject* FirstRow(Connection& connection) {
-    Held<IEnumWbemClassObject> rows;
+    ComPointer<IEnumWbemClassObject> rows;
+    ComPointer<IWbemClassObject> row;
     connection.Query(L"select Name from Win32_ComputerSystem", rows);
-    IWbemClassObject* row = nullptr;
-    ULONG count = 0;
-    rows->Next(forever, 1, &row, &count);
-    return row;
+    connection.Next(rows, row);
+    return row.Release();
 }
 
 TEST_F(LedgerTest, FindsAnInterfaceThatIsKeptAndWhoHandedItOut) {
@@ -39,7 +38,7 @@ TEST_F(LedgerTest, FindsAReleaseTooMany) {
     EXPECT_EQ(row->Release(), 0U);
     EXPECT_EQ(row->Release(), 0U);
     Variant value;
-    EXPECT_EQ(row->Get(L"Name", 0, &value, nullptr, nullptr), WBEM_E_NOT_FOUND);
+    EXPECT_EQ(row->Get(L"Name", 0, value.Receive(), nullptr, nullptr), WBEM_E_NOT_FOUND);
     ASSERT_EQ(simulation_.GetLedger().Misuse().size(), 2U);
     EXPECT_THAT(simulation_.GetLedger().Misuse()[0],
                 HasSubstr("the IWbemClassObject was released before"));

@@ -55,10 +55,9 @@ TEST(NetworkModel, SetGatewaysWantsHostsOnTheAdaptersNetwork) {
     };
     for (const auto& [gateways, code] : cases) {
         State state = DefaultState();
-        const auto before = state.adapters[1].gateways;
+        const TextList before = *state.adapters[1].gateways;
         EXPECT_EQ(SetGateways(state.adapters[1], gateways), code);
-        EXPECT_TRUE(state.adapters[1].gateways == before ||
-                    (code == 0 && state.adapters[1].gateways.value_or(TextList()) == gateways));
+        EXPECT_EQ(state.adapters[1].gateways.value_or(TextList()), code == 0 ? gateways : before);
     }
 }
 

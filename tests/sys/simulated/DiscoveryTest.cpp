@@ -43,12 +43,10 @@ Outcome FillReplay(const Entries& entries) {
         const std::string& function = entry.function;
         step += function == "CoUninitialize" ? 1 : 0;
         const std::uint32_t code = CodeOf(entry);
-        if (!entry.failed || code == static_cast<std::uint32_t>(RPC_E_TOO_LATE)) {
+        if (!entry.failed) {
             continue;
         }
-        if (function == "CoInitializeEx" || function == "CoInitializeSecurity" ||
-            function == "CoCreateInstance" || function == "ConnectServer" ||
-            function == "ExecQuery") {
+        if (EndsWmi(entry, false)) {
             return WmiFailure(kSteps[step].message, kSteps[step].line, code);
         }
         if (step == kAfterDeviceId && function == "RegOpenKeyExA") {

@@ -63,56 +63,44 @@ TEST(CryptoLibrary, AnyFailingCallIsItsError) {
     Sweep(operation, check);
 }
 
-TEST(FilesOnTheMachine, AnyFailingCallOfAMoveIsItsError) {
-    const ScratchFolder folder;
-    const std::string source = folder.AddFile("source", "x");
-    const std::string destination = folder.Path("destination");
-    const Operation operation = [&](std::string&) { util::MoveFile(source, destination); };
-    const auto check = [](const FaultyRun& run) {
-        if (run.fault.Is("MoveFileA")) {
-            EXPECT_EQ(run.outcome, FileFailure("File Move Failed ", 104, ERROR_ACCESS_DENIED));
-        } else if (run.fault.ordinal == 1 && !run.fault.stays) {
-            // A destination whose attributes cannot be read counts as one that is not there.
-            EXPECT_EQ(run.outcome, Success());
-        } else {
-            EXPECT_EQ(run.outcome,
-                      FileFailure("Source file does not exist ", 100, ERROR_ACCESS_DENIED));
-        }
-    };
-    SweepOptions options;
-    options.afterEachRun = [&] { MoveFileA(destination.c_str(), source.c_str()); };
-    Sweep(operation, check, options);
-}
-
-TEST(FilesOnTheMachine, AnyFailingCallOfADeletionIsItsError) {
-    const ScratchFolder folder;
-    const Operation operation = [&](std::string&) { util::DeleteFile(folder.Path("file")); };
-    const auto check = [](const FaultyRun& run) {
-        EXPECT_EQ(run.outcome, run.fault.Is("DeleteFileA")
-                                   ? FileFailure("Delete failed ", 139, ERROR_ACCESS_DENIED)
-                                   : FileFailure("Delete failed - target does not exist", 136,
-                                                 ERROR_ACCESS_DENIED));
-    };
-    SweepOptions options;
-    options.afterEachRun = [&] { folder.AddFile("file", "x"); };
-    options.afterEachRun();
-    Sweep(operation, check, options);
-}
-
-TEST(FilesOnTheMachine, ComparingTwoPathsNeverThrows) {
+TEST(FilesOnTheMachine, AnyFailingCallIsItsErrorAndComparingNeverThrows) {
     const ScratchFolder folder;
     const std::string file = folder.AddFile("file", "x");
-    for (const bool same : {true, false}) {
-        const std::string other = same ? folder.Path(".\\FILE") : folder.AddFile("other", "x");
-        const Operation operation = [&](std::string& outputs) {
+    const std::string other = folder.AddFile("other", "x");
+    const std::string moved = folder.Path("moved");
+    SweepOptions options;
+    options.afterEachRun = [&] {
+        DeleteFileA(moved.c_str());
+        folder.AddFile("file", "x");
+    };
+    Sweep([&](std::string&) { util::MoveFile(file, moved); },
+          [](const FaultyRun& run) {
+              // A destination whose attributes cannot be read counts as one that is not there.
+              const bool atDestination =
+                  run.fault.Is("GetFileAttributesA") && run.fault.ordinal == 1 && !run.fault.stays;
+              EXPECT_EQ(run.outcome, atDestination ? Success()
+                                     : run.fault.Is("MoveFileA")
+                                         ? FileFailure("File Move Failed ", 104, 5)
+                                         : FileFailure("Source file does not exist ", 100, 5));
+          },
+          options);
+    Sweep([&](std::string&) { util::DeleteFile(file); },
+          [](const FaultyRun& run) {
+              EXPECT_EQ(run.outcome,
+                        run.fault.Is("DeleteFileA")
+                            ? FileFailure("Delete failed ", 139, 5)
+                            : FileFailure("Delete failed - target does not exist", 136, 5));
+          },
+          options);
+    Sweep(
+        [&](std::string& outputs) {
             outputs = util::IsSameFile(file, other) ? "same" : "different";
-        };
-        const auto check = [same](const FaultyRun& run) {
+            util::IsSameFile(file, folder.Path(".\\FILE"));
+        },
+        [](const FaultyRun& run) {
             EXPECT_EQ(run.outcome, Success());
-            EXPECT_TRUE(run.outputs == "different" || same);
-        };
-        Sweep(operation, check);
-    }
+            EXPECT_EQ(run.outputs, "different");
+        });
 }
 
 machine::State WithHosts() {

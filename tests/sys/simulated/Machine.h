@@ -53,6 +53,9 @@ std::string ArgumentOf(const machine::TraceEntry& entry, std::string_view name);
 /// The calls of the function that were answered.
 std::size_t CountAnswered(const Entries& entries, std::string_view function);
 
+/// Whether the failed call ends a query, or a method of WMI; the others are passed over.
+bool EndsWmi(const machine::TraceEntry& entry, bool isMethod);
+
 /// What every connection to WMI begins with.
 std::vector<std::string> ConnectionCalls();
 

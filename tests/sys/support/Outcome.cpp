@@ -28,8 +28,19 @@ Outcome Describe(const Error& error) {
     return outcome;
 }
 
-std::int32_t Signed(std::uint32_t code) {
-    return static_cast<std::int32_t>(code);
+/// Describes an error of the class, or of one behind it in the list.
+template <class Error, class... Derived>
+Outcome Catch(const std::function<void()>& call) {
+    try {
+        if constexpr (sizeof...(Derived) != 0) {
+            return Catch<Derived...>(call);
+        } else {
+            call();
+            return Success();
+        }
+    } catch (const Error& error) {
+        return Describe(error);
+    }
 }
 
 }  // namespace
@@ -45,24 +56,9 @@ std::ostream& operator<<(std::ostream& out, const Outcome& outcome) {
 
 Outcome OutcomeOf(const std::function<void()>& call) {
     try {
-        call();
-        return Success();
-    } catch (const sys::CWmiError& error) {
-        return Describe(error);
-    } catch (const sys::DomainError& error) {
-        return Describe(error);
-    } catch (const sys::RegistryError& error) {
-        return Describe(error);
-    } catch (const sys::CDllProxyError& error) {
-        return Describe(error);
-    } catch (const ipc::CIPAddressError& error) {
-        return Describe(error);
-    } catch (const proc::ChildProcessError& error) {
-        return Describe(error);
-    } catch (const util::CFileIOError& error) {
-        return Describe(error);
-    } catch (const err::CGeneralError& error) {
-        return Describe(error);
+        return Catch<err::CGeneralError, util::CFileIOError, proc::ChildProcessError,
+                     ipc::CIPAddressError, sys::CDllProxyError, sys::RegistryError,
+                     sys::DomainError, sys::CWmiError>(call);
     } catch (const sys::ComError& error) {
         return {"sys::ComError", "", 0, error.what(), 0, error.Result()};
     } catch (const std::invalid_argument& error) {
@@ -70,49 +66,9 @@ Outcome OutcomeOf(const std::function<void()>& call) {
     }
 }
 
-Outcome WmiFailure(const std::string& message, std::int32_t line, std::uint32_t result) {
-    return {"sys::CWmiError", "Wmi", line, message, 0, Signed(result)};
-}
-
-Outcome DomainFailure(const std::string& message, std::int32_t line, std::int32_t category,
-                      std::uint32_t code) {
-    return {"sys::DomainError", "Domain", line, message, category, Signed(code)};
-}
-
-Outcome RegistryFailure(const std::string& message, std::int32_t line, std::int32_t category,
-                        std::int32_t code) {
-    return {"sys::RegistryError", "common\\sys\\Registry", line, message, category, code};
-}
-
-Outcome DllFailure(const std::string& message, std::int32_t line, std::int32_t category,
-                   std::int32_t code) {
-    return {"sys::CDllProxyError", "common\\sys\\DllProxy", line, message, category, code};
-}
-
-Outcome FileFailure(const std::string& message, std::int32_t line, std::int32_t code) {
-    return {"util::CFileIOError", "common\\util\\FileUtils", line, message, 0, code};
-}
-
-Outcome ChildFailure(const std::string& message, std::int32_t line, std::int32_t category) {
-    return {"proc::ChildProcessError", "common\\proc\\ChildProcess", line, message, category, 0};
-}
-
-Outcome AddressFailure(std::int32_t code) {
-    return {"ipc::CIPAddressError",
-            "common\\ipc\\IpAddress",
-            159,
-            "IPAddress::Connect Name Resolution Error",
-            0,
-            code};
-}
-
 Outcome ComFailure(std::uint32_t result) {
     const std::string message = util::Format("COM operation failed. HRESULT is 0x%08X", result);
-    return {"sys::ComError", "", 0, message, 0, Signed(result)};
-}
-
-Outcome RefusedArgument(const std::string& message) {
-    return {"std::invalid_argument", "", 0, message, 0, 0};
+    return {"sys::ComError", "", 0, message, 0, static_cast<std::int32_t>(result)};
 }
 
 }  // namespace sys_tests

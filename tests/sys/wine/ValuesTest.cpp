@@ -92,9 +92,7 @@ TEST(SafeArrayView, OtherElementTypesAreChangedToTexts) {
         Texts texts;
     };
     const Case cases[] = {
-        {ArrayOf<BYTE>(VT_UI1, 0, {1, 255}), {"1", "255"}},
         {ArrayOf<SHORT>(VT_I2, 1, {-2}), {"-2"}},
-        {ArrayOf<USHORT>(VT_UI2, 0, {65535}), {"65535"}},
         {ArrayOf<ULONG>(VT_UI4, 0, {4294967295U}), {"4294967295"}},
         {ArrayOf<LONGLONG>(VT_I8, 0, {-9000000000LL}), {"-9000000000"}},
         {ArrayOf<double>(VT_R8, 0, {1.5}), {"1.5"}},
@@ -167,7 +165,6 @@ TEST(WmiValues, BooleansAndIntegers) {
         {VT_EMPTY, -1, false, 0},
         {VT_I4, -1, false, 0xFFFFFFFF},  // how WMI delivers an unsigned 4294967295
         {VT_UI4, 7, false, 7},
-        {VT_I2, 5, false, 5},
         {VT_UI1, 200, false, 200},
     };
     for (const Case& c : cases) {
