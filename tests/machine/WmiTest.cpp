@@ -107,20 +107,6 @@ TEST_F(WmiTest, MethodsReturnTheirCodesOrWhateverThePlanSays) {
         WBEM_E_TYPE_MISMATCH);
 }
 
-TEST_F(WmiTest, SecurityIsSetOnceUntilTheMachineRestarts) {
-    const auto setSecurity = [] {
-        return CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_CONNECT,
-                                    RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
-    };
-    EXPECT_EQ(setSecurity(), CO_E_NOTINITIALIZED);
-    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-    EXPECT_EQ(setSecurity(), S_OK);
-    EXPECT_EQ(setSecurity(), RPC_E_TOO_LATE);
-    simulation_.Restart();
-    EXPECT_EQ(setSecurity(), S_OK);
-    CoUninitialize();
-}
-
 TEST_F(WmiTest, ARefusedStartOfComMayStillBeEnded) {
     Fail("CoInitializeEx#1");
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), E_OUTOFMEMORY);

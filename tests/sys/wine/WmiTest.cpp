@@ -111,25 +111,11 @@ TEST(WmiOfTheSystem, TellsWhatTheSystemTellsElsewhere) {
 TEST(WmiOfTheSystem, AQueryWithoutRowsSucceedsAndChangesNothing) {
     std::string text = "kept";
     std::string other = "kept";
-    bool flag = true;
-    ipc::IPv4Address address(std::string("1.2.3.4"));
-    ipc::IPv4Address mask(std::string("5.6.7.8"));
-    std::vector<ipc::IPv4Address> addresses(1);
-    std::vector<std::string> texts(1);
-    EXPECT_EQ(sys::getDhcpEnabled(kNoAdapter, flag), S_OK);
-    EXPECT_EQ(sys::getIpAddressAndMask(kNoAdapter, address, mask), S_OK);
-    EXPECT_EQ(sys::getDnsServersAndSuffixes(kNoAdapter, addresses, texts), S_OK);
-    EXPECT_EQ(sys::getSettingId(kNoAdapter, text), S_OK);
-    EXPECT_EQ(sys::getDnsDomainAndHostName(kNoAdapter, text, other), S_OK);
-    EXPECT_EQ(sys::getGateways(kNoAdapter, addresses), S_OK);
-    EXPECT_EQ(sys::getMacAddress(kNoAdapter, text), S_OK);
     EXPECT_EQ(sys::getAdapterTypeAndManufacturer(kNoAdapter, text, other), S_OK);
-    EXPECT_EQ(sys::getCaption(kNoAdapter, text), S_OK);
-    EXPECT_EQ(sys::getPnpDeviceId(kNoAdapter, text), S_OK);
     EXPECT_EQ(text + other, "keptkept");
-    EXPECT_TRUE(flag && addresses.size() == 1 && texts.size() == 1);
-    EXPECT_EQ(address.ToString() + mask.ToString(), "1.2.3.45.6.7.8");
-
+    std::vector<ipc::IPv4Address> addresses(1);
+    EXPECT_EQ(sys::getGateways(kNoAdapter, addresses), S_OK);
+    EXPECT_EQ(addresses.size(), 1U);
     // The system knows the class of the persisted routes, and has none.
     std::vector<sys::RouteRecord> routes;
     EXPECT_EQ(sys::getStaticRoutes(routes), S_OK);
