@@ -9,7 +9,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "tests/machine/RawWmi.h"
+#include "common/sys/WmiMethods.h"
+#include "common/sys/WmiQueries.h"
 #include "tests/machine/SimulatedTest.h"
 
 namespace machine::test {
@@ -21,23 +22,16 @@ using ::testing::Not;
 class TraceTest : public SimulatedTest {
 protected:
     void Rename() {
-        Connection connection;
-        connection.Call(L"Win32_ComputerSystem", L"Win32_ComputerSystem.Name=\"WORKSTATION1\"",
-                        L"Rename", L"password", Variant::FromText("Top-Secret-9"));
+        sys::renameComputer("PC2", "", "Top-Secret-9");
         Sleep(8000);
     }
 };
 
 TEST_F(TraceTest, EachLineIsACallWithItsResultAndNoSecret) {
-    Fail("Next=5");
+    Fail("Next#2=5");
     Rename();
-    {
-        Connection connection;
-        ComPointer<IEnumWbemClassObject> rows;
-        ComPointer<IWbemClassObject> row;
-        connection.Query(L"select Name from Win32_ComputerSystem", rows);
-        connection.Next(rows, row);
-    }
+    std::string name;
+    sys::getComputerName(name);
     std::ostringstream out;
     simulation_.GetTrace().WriteJsonLines(out);
     EXPECT_THAT(out.str(), Not(HasSubstr("Top-Secret-9")));
@@ -49,18 +43,17 @@ TEST_F(TraceTest, EachLineIsACallWithItsResultAndNoSecret) {
     ASSERT_EQ(calls.size(), simulation_.GetTrace().Size());
     EXPECT_EQ(calls[0]["function"], "CoInitializeEx");
     EXPECT_EQ(calls[0]["faultPoint"], 1);
-    const auto find = [&calls](const std::string& function) {
-        return *std::ranges::find_if(
-            calls, [&](const nlohmann::json& call) { return call["function"] == function; });
+    const auto find = [&calls](const std::string& function, bool failed) {
+        return *std::ranges::find_if(calls, [&](const nlohmann::json& call) {
+            return call["function"] == function && call["failed"] == failed;
+        });
     };
-    const auto method = find("IWbemServices::ExecMethod");
-    EXPECT_EQ(method["arguments"]["in"], "Name=null, Password=***, UserName=null");
-    EXPECT_EQ(method["arguments"]["ReturnValue"], "1210");
+    const auto method = find("IWbemServices::ExecMethod", false);
+    EXPECT_EQ(method["arguments"]["in"], "Name=\"PC2\", Password=***, UserName=\"\"");
+    EXPECT_EQ(method["arguments"]["ReturnValue"], "0");
     EXPECT_EQ(method["result"], "S_OK");
-    EXPECT_FALSE(method["failed"]);
-    const auto next = find("IEnumWbemClassObject::Next");
+    const auto next = find("IEnumWbemClassObject::Next", true);
     EXPECT_EQ(next["result"], "0x80070005 (E_ACCESSDENIED)");
-    EXPECT_TRUE(next["failed"]);
     EXPECT_TRUE(next["injected"]);
     EXPECT_EQ(next["time"], 8000);
 }
