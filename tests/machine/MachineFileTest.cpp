@@ -104,7 +104,8 @@ TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
         {R"("routes": [{"destination": "10.0.0.0", "mask": "255.0.0", "nextHop": "10.1.1.1"}])",
          R"(/routes/0/mask: expected an IPv4 address, found "255.0.0")"},
         {R"("membership": {"domain": "CORP"})",
-         R"(/membership: a machine belongs to a "workgroup" or to a "domain" with its "dnsDomain")"},
+         R"(/membership: a machine belongs to a "workgroup" or to a "domain" with )"
+         R"(its "dnsDomain")"},
         {R"("domains": [{"dnsName": "a.b", "flatName": "A", "units": [{"name": 1}]}])",
          "/domains/0/units/0/name: expected text, found 1"},
         {R"("hosts": {"a/b~c": ["x"]})",

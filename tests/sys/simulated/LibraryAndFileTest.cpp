@@ -12,6 +12,7 @@
 #include "common/util/FileUtils.h"
 #include "machine/Cipher.h"
 #include "tests/sys/simulated/Sweep.h"
+#include "tests/sys/support/ScratchFolder.h"
 
 namespace {
 
