@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <cstdio>
 #include <fstream>
 
@@ -35,6 +36,16 @@ State RichState() {
     return state;
 }
 
+template <std::invocable Action>
+std::string ErrorOf(Action action) {
+    try {
+        action();
+        return "none";
+    } catch (const MachineFileError& error) {
+        return error.what();
+    }
+}
+
 TEST(MachineFile, WhatIsSavedLoadsUnchanged) {
     for (const State& state : {DefaultState(), RichState()}) {
         EXPECT_EQ(ParseState(FormatState(state)), state);
@@ -46,12 +57,7 @@ TEST(MachineFile, FilesCarryTheTextAndErrorsNameTheFile) {
     SaveState(RichState(), file);
     EXPECT_EQ(LoadState(file), RichState());
     EXPECT_EQ(std::remove(file), 0);
-    try {
-        LoadState(file);
-        FAIL() << "a missing file was loaded";
-    } catch (const MachineFileError& error) {
-        EXPECT_STREQ(error.what(), "saved-machine.json: cannot be read");
-    }
+    EXPECT_EQ(ErrorOf([&] { LoadState(file); }), "saved-machine.json: cannot be read");
     EXPECT_THROW(SaveState(RichState(), "no-such-folder/saved-machine.json"), MachineFileError);
 }
 
@@ -67,69 +73,55 @@ TEST(MachineFile, MissingMembersTakeSensibleValues) {
     EXPECT_EQ(state.adapters[1].staticDns, TextList());
 }
 
+std::string ErrorOf(const std::string& json) {
+    return ErrorOf([&] { ParseState(json); });
+}
+
 TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
-    struct Case {
-        const char* json;
-        const char* message;
-    };
-    const Case cases[] = {
-        {"[]", "/: expected an object, found a list"},
-        {"{}", "/: the member \"computerName\" is missing"},
-        {R"({"computerName": 5})", "/computerName: expected text, found 5"},
-        {R"({"computerName": "A", "colour": "red"})", "/colour: no such member"},
-        {R"({"computerName": "A", "computerName": "B"})",
-         "the member \"computerName\" stands twice in one object"},
-        {R"({"computerName": "A\u0000B"})",
-         R"(/computerName: expected text without a zero character, found "A\u0000B")"},
-        {R"({"computerName": "A", "dnsSuffixes": "a,b"})",
-         "/dnsSuffixes: expected a list, found \"a,b\""},
-        {R"({"computerName": "A", "dnsSuffixes": ["a", null]})",
-         "/dnsSuffixes/1: expected text, found null"},
-        {R"({"computerName": "A", "adapters": [{}]})",
-         "/adapters/0: the member \"index\" is missing"},
-        {R"({"computerName": "A", "adapters": [{"index": -1}]})",
-         "/adapters/0/index: expected a whole number from 0 to 4294967295, found -1"},
-        {R"({"computerName": "A", "adapters": [{"index": 1.5}]})",
-         "/adapters/0/index: expected a whole number from 0 to 4294967295, found 1.5"},
-        {R"({"computerName": "A", "adapters": [{"index": 18446744073709551615}]})",
-         "/adapters/0/index: expected a whole number from 0 to 4294967295, found "
-         "18446744073709551615"},
-        {R"({"computerName": "A", "adapters": [{"index": 1}, {"index": 1}]})",
+    EXPECT_EQ(ErrorOf("[]"), "/: expected an object, found a list");
+    EXPECT_EQ(ErrorOf("{}"), "/: the member \"computerName\" is missing");
+    EXPECT_EQ(ErrorOf(R"({"computerName": 5})"), "/computerName: expected text, found 5");
+    EXPECT_EQ(ErrorOf(R"({"computerName": "A\u0000B"})"),
+              R"(/computerName: expected text without a zero character, found "A\u0000B")");
+    EXPECT_EQ(ErrorOf("{\n  \"computerName\": }").find("parse error at line 2, column 19"), 0U);
+    const std::string whole = ": expected a whole number from 0 to 4294967295, found ";
+    const std::pair<std::string, std::string> cases[] = {
+        {R"("colour": "red")", "/colour: no such member"},
+        {R"("computerName": "B")", R"(the member "computerName" stands twice in one object)"},
+        {R"("dnsSuffixes": "a,b")", R"(/dnsSuffixes: expected a list, found "a,b")"},
+        {R"("dnsSuffixes": ["a", null])", "/dnsSuffixes/1: expected text, found null"},
+        {R"("adapters": [{}])", R"(/adapters/0: the member "index" is missing)"},
+        {R"("adapters": [{"index": -1}])", "/adapters/0/index" + whole + "-1"},
+        {R"("adapters": [{"index": 1.5}])", "/adapters/0/index" + whole + "1.5"},
+        {R"("adapters": [{"index": 18446744073709551615}])",
+         "/adapters/0/index" + whole + "18446744073709551615"},
+        {R"("adapters": [{"index": 1}, {"index": 1}])",
          "/adapters/1/index: another adapter has the index 1"},
-        {R"({"computerName": "A", "adapters": [{"index": 1, "dhcpEnabled": "yes"}]})",
-         "/adapters/0/dhcpEnabled: expected true or false, found \"yes\""},
-        {R"({"computerName": "A", "adapters": [{"index": 1, "dhcpLease": {"server": ""}}]})",
+        {R"("adapters": [{"index": 1, "dhcpEnabled": "yes"}])",
+         R"(/adapters/0/dhcpEnabled: expected true or false, found "yes")"},
+        {R"("adapters": [{"index": 1, "dhcpLease": {"server": ""}}])",
          "/adapters/0/dhcpLease/server: no such member"},
-        {R"({"computerName": "A", "routes": [{"destination": "10.0.0.0", "mask": "255.0.0",
-             "nextHop": "10.1.1.1"}]})",
-         "/routes/0/mask: expected an IPv4 address, found \"255.0.0\""},
-        {R"({"computerName": "A", "membership": {"domain": "CORP"}})",
-         "/membership: a machine belongs to a \"workgroup\" or to a \"domain\" with its "
-         "\"dnsDomain\""},
-        {R"({"computerName": "A", "domains": [{"dnsName": "a.b", "flatName": "A",
-             "units": [{"name": "U", "units": [{"name": 1}]}]}]})",
-         "/domains/0/units/0/units/0/name: expected text, found 1"},
-        {R"({"computerName": "A", "hosts": {"a/b~c": ["x"]}})",
-         "/hosts/a~1b~0c/0: expected an IPv4 address, found \"x\""},
-        {R"({"computerName": "A", "registry": {"K": {"V": true}}})",
-         "/registry/K/V: expected text, a number, or an object with \"type\" and \"text\" or "
-         "\"bytes\", found true"},
-        {R"({"computerName": "A", "registry": {"K": {"V": {"type": "REG_BINARY", "bytes": "0"}}}})",
-         "/registry/K/V/bytes: expected bytes such as \"00 7F FF\", found \"0\""},
-        {R"({"computerName": "A", "registry": {"K": {}, "k": {}}})",
+        {R"("routes": [{"destination": "10.0.0.0", "mask": "255.0.0", "nextHop": "10.1.1.1"}])",
+         R"(/routes/0/mask: expected an IPv4 address, found "255.0.0")"},
+        {R"("membership": {"domain": "CORP"})",
+         R"(/membership: a machine belongs to a "workgroup" or to a "domain" with )"
+         R"(its "dnsDomain")"},
+        {R"("domains": [{"dnsName": "a.b", "flatName": "A", "units": [{"name": 1}]}])",
+         "/domains/0/units/0/name: expected text, found 1"},
+        {R"("hosts": {"a/b~c": ["x"]})",
+         R"(/hosts/a~1b~0c/0: expected an IPv4 address, found "x")"},
+        {R"("registry": {"K": {"V": true}})",
+         R"(/registry/K/V: expected text, a number, or an object with "type" and "text" or )"
+         R"("bytes", found true)"},
+        {R"("registry": {"K": {"V": {"type": "REG_BINARY", "bytes": "0"}}})",
+         R"(/registry/K/V/bytes: expected bytes such as "00 7F FF", found "0")"},
+        {R"("registry": {"K": {}, "k": {}})",
          "/registry/k: the key stands twice: letter case does not count"},
-        {R"({"computerName": "A", "system": {"libCrypto": "broken"}})",
-         "/system/libCrypto: expected \"present\", \"absent\" or \"withoutExport\", found "
-         "\"broken\""},
+        {R"("system": {"libCrypto": "broken"})",
+         R"(/system/libCrypto: expected "present", "absent" or "withoutExport", found "broken")"},
     };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.json);
-        try {
-            ParseState(one.json);
-            ADD_FAILURE() << "accepted";
-        } catch (const MachineFileError& error) {
-            EXPECT_STREQ(error.what(), one.message);
-        }
+    for (const auto& [member, message] : cases) {
+        EXPECT_EQ(ErrorOf(R"({"computerName": "A", )" + member + "}"), message);
     }
 }
 
@@ -151,16 +143,6 @@ TEST(MachineFile, TheExamplesOfTheDocumentationLoad) {
         }
     }
     EXPECT_EQ(examples, 3);
-}
-
-TEST(MachineFile, BrokenJsonIsReportedWithLineAndColumn) {
-    try {
-        ParseState("{\n  \"computerName\": }");
-        FAIL() << "accepted";
-    } catch (const MachineFileError& error) {
-        EXPECT_EQ(std::string(error.what()).find("parse error at line 2, column 19"), 0U)
-            << error.what();
-    }
 }
 
 }  // namespace

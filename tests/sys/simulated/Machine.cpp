@@ -1,5 +1,7 @@
 #include "tests/sys/simulated/Machine.h"
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
@@ -23,16 +25,17 @@ bool IsTheMachines(std::string_view function, std::string_view argument) {
         {"PeekNamedPipe", "available"},
         {"SpawnInstance", "class"},
     };
-    return std::find(std::begin(kOwn), std::end(kOwn), std::pair(function, argument)) !=
-           std::end(kOwn);
+    return std::ranges::find(kOwn, std::pair(function, argument)) != std::end(kOwn);
+}
+
+std::string NameOf(const machine::TraceEntry& entry) {
+    return entry.object.empty() ? entry.function : entry.object + "::" + entry.function;
 }
 
 std::string Describe(const machine::TraceEntry& entry) {
     std::string text = NameOf(entry);
     for (const auto& [name, value] : entry.arguments) {
-        if (!IsTheMachines(entry.function, name)) {
-            text += " " + name + "=" + value;
-        }
+        text += IsTheMachines(entry.function, name) ? "" : " " + name + "=" + value;
     }
     return text;
 }
@@ -43,56 +46,40 @@ Machine::Machine(machine::State state) : simulation_(std::move(state)) {
     simulation_.Attach(GetModuleHandleA(nullptr));
 }
 
+Machine::~Machine() {
+    std::vector<std::string> leaks = simulation_.GetLedger().Misuse();
+    for (const machine::Ledger::Item& item : simulation_.GetLedger().Outstanding()) {
+        leaks.insert(leaks.end(), item.count, item.kind);
+    }
+    EXPECT_THAT(leaks, testing::ElementsAreArray(kept_));
+    EXPECT_THAT(simulation_.Unexpected(), testing::IsEmpty());
+}
+
 Outcome Machine::Run(const std::function<void()>& operation) {
     const std::size_t before = simulation_.GetTrace().Size();
     const std::size_t blocksBefore = comMemory_.OutstandingBlocks();
     const Outcome outcome = OutcomeOf(operation);
-    lostComBlocks_ = comMemory_.OutstandingBlocks() - blocksBefore;
-    const std::vector<machine::TraceEntry>& all = simulation_.GetTrace().Entries();
+    EXPECT_EQ(comMemory_.OutstandingBlocks(), blocksBefore);
+    const Entries& all = simulation_.GetTrace().Entries();
     entries_.assign(all.begin() + static_cast<std::ptrdiff_t>(before), all.end());
     return outcome;
 }
 
-std::vector<std::string> Machine::Calls() const {
-    std::vector<std::string> calls;
+std::vector<std::string> Machine::Texts(std::string_view function) const {
+    std::vector<std::string> texts;
     for (const machine::TraceEntry& entry : entries_) {
-        if (entry.function != "Release") {
-            calls.push_back(Describe(entry));
+        if (function.empty() ? entry.function != "Release" : entry.function == function) {
+            texts.push_back(Describe(entry));
         }
     }
-    return calls;
+    return texts;
 }
 
-std::vector<std::string> Machine::Calls(std::string_view function) const {
-    std::vector<std::string> calls;
-    for (const machine::TraceEntry& entry : entries_) {
-        if (entry.function == function) {
-            calls.push_back(Describe(entry));
-        }
-    }
-    return calls;
-}
-
-std::vector<std::string> Machine::CallNames() const {
-    std::vector<std::string> names;
-    std::transform(entries_.begin(), entries_.end(), std::back_inserter(names), NameOf);
+std::vector<std::string> Machine::LastNames(std::size_t count) const {
+    std::vector<std::string> names(std::min(count, entries_.size()));
+    std::transform(entries_.end() - static_cast<std::ptrdiff_t>(names.size()), entries_.end(),
+                   names.begin(), NameOf);
     return names;
-}
-
-std::vector<std::string> Machine::Leaks() {
-    std::vector<std::string> leaks;
-    for (const machine::Ledger::Item& item : simulation_.GetLedger().Outstanding()) {
-        leaks.insert(leaks.end(), item.count, item.kind);
-    }
-    for (const std::string& misuse : simulation_.GetLedger().Misuse()) {
-        // "CoUninitialize, call 12: ..." without the number.
-        leaks.push_back(misuse.substr(0, misuse.find(',')) + misuse.substr(misuse.find(": ")));
-    }
-    return leaks;
-}
-
-std::string NameOf(const machine::TraceEntry& entry) {
-    return entry.object.empty() ? entry.function : entry.object + "::" + entry.function;
 }
 
 std::uint32_t CodeOf(const machine::TraceEntry& entry) {
@@ -106,13 +93,27 @@ std::uint32_t CodeOf(const machine::TraceEntry& entry) {
 }
 
 std::string ArgumentOf(const machine::TraceEntry& entry, std::string_view name) {
-    const auto found =
-        std::find_if(entry.arguments.begin(), entry.arguments.end(),
-                     [name](const auto& argument) { return argument.first == name; });
-    if (found == entry.arguments.end()) {
-        throw std::logic_error(entry.function + " has no argument " + std::string(name));
+    for (const auto& argument : entry.arguments) {
+        if (argument.first == name) {
+            return argument.second;
+        }
     }
-    return found->second;
+    throw std::logic_error(entry.function + " has no argument " + std::string(name));
+}
+
+std::size_t CountAnswered(const Entries& entries, std::string_view function) {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        entries, [&](const auto& entry) { return entry.function == function && !entry.failed; }));
+}
+
+bool EndsWmi(const machine::TraceEntry& entry, bool isMethod) {
+    constexpr std::string_view kInAny[] = {"CoInitializeEx", "CoInitializeSecurity",
+                                           "CoCreateInstance", "ConnectServer", "ExecQuery"};
+    constexpr std::string_view kInMethods[] = {"Next",          "Get", "GetObject", "GetMethod",
+                                               "SpawnInstance", "Put", "ExecMethod"};
+    return CodeOf(entry) != static_cast<std::uint32_t>(RPC_E_TOO_LATE) &&
+           (std::ranges::find(kInAny, entry.function) != std::end(kInAny) ||
+            (isMethod && std::ranges::find(kInMethods, entry.function) != std::end(kInMethods)));
 }
 
 std::vector<std::string> ConnectionCalls() {
@@ -124,6 +125,17 @@ std::vector<std::string> ConnectionCalls() {
         "CoSetProxyBlanket authentication=10 authorisation=0 authentication level=3 impersonation "
         "level=3 capabilities=0x0",
     };
+}
+
+machine::State MemberIn(std::string_view unit) {
+    machine::State state = machine::DefaultState();
+    machine::Domain& domain = state.domains.front();
+    state.membership = machine::Membership::OfDomain(domain.flatName, domain.dnsName);
+    machine::TextList& computers = unit.empty()     ? domain.computers
+                                   : unit == "West" ? domain.units.at(1).computers
+                                                    : domain.units.at(0).units.at(0).computers;
+    computers.push_back(state.computerName);
+    return state;
 }
 
 }  // namespace sys_tests

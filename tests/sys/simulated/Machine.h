@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -13,48 +12,55 @@
 
 namespace sys_tests {
 
-/// A simulated machine that serves this program's platform calls for the life of the object, and
-/// the books on what one operation did to it.
+using Entries = std::vector<machine::TraceEntry>;
+
+/// A simulated machine that serves this program's platform calls for the life of the object. At its
+/// end it must have met no call that it does not know, and all that it handed out must be back.
 class Machine {
 public:
     explicit Machine(machine::State state = machine::DefaultState());
+    ~Machine();
     Machine(const Machine&) = delete;
     Machine& operator=(const Machine&) = delete;
 
     machine::Simulation* operator->() { return &simulation_; }
     void Fail(std::string_view plan) { simulation_.SetFaultPlan(machine::FaultPlan::Parse(plan)); }
+    /// What is known to stay out at the end, by kind: "LSA policy handle".
+    void Keeps(std::vector<std::string> leaks) { kept_ = std::move(leaks); }
 
-    /// Runs one operation. The rest of this class is about the last one.
+    /// Runs one operation, which may leave no block of COM's allocator behind. The rest of this
+    /// class is about the last one.
     Outcome Run(const std::function<void()>& operation);
 
-    const std::vector<machine::TraceEntry>& Entries() const { return entries_; }
-    /// The calls as "interface::function name=value ...", without the releases of interfaces and
-    /// what was read.
-    std::vector<std::string> Calls() const;
-    /// The calls of one function.
-    std::vector<std::string> Calls(std::string_view function) const;
-    /// Every call by its name alone, "IWbemServices::Release".
-    std::vector<std::string> CallNames() const;
-
-    /// What is still held or was given back wrongly, by kind: "LSA policy handle".
-    std::vector<std::string> Leaks();
-    /// Blocks of COM's allocator that the operation left behind.
-    std::size_t LostComBlocks() const { return lostComBlocks_; }
+    const Entries& Calls() const { return entries_; }
+    /// The calls as "interface::function name=value ...", of one function or of all, without the
+    /// releases of interfaces and what was read.
+    std::vector<std::string> Texts(std::string_view function = {}) const;
+    /// The last calls by their names alone, "IWbemServices::Release".
+    std::vector<std::string> LastNames(std::size_t count) const;
 
 private:
     machine::Simulation simulation_;
     machine::ComMemoryBalance comMemory_;
-    std::vector<machine::TraceEntry> entries_;
-    std::size_t lostComBlocks_ = 0;
+    Entries entries_;
+    std::vector<std::string> kept_;
 };
 
-std::string NameOf(const machine::TraceEntry& entry);
 /// The code that a failed call gave; 0 where it gives none itself.
 std::uint32_t CodeOf(const machine::TraceEntry& entry);
 /// An argument that the call must have.
 std::string ArgumentOf(const machine::TraceEntry& entry, std::string_view name);
+/// The calls of the function that were answered.
+std::size_t CountAnswered(const Entries& entries, std::string_view function);
+
+/// Whether the failed call ends a query, or a method of WMI; the others are passed over.
+bool EndsWmi(const machine::TraceEntry& entry, bool isMethod);
 
 /// What every connection to WMI begins with.
 std::vector<std::string> ConnectionCalls();
+
+/// The default machine as a member of corp.example, its computer object in the container of
+/// computers or in the unit "West" or "East/Sales".
+machine::State MemberIn(std::string_view unit);
 
 }  // namespace sys_tests

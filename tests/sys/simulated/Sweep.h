@@ -10,8 +10,6 @@
 
 namespace sys_tests {
 
-using Entries = std::vector<machine::TraceEntry>;
-
 /// The first call that the fault plan made to fail.
 struct Fault {
     std::string function;
@@ -19,9 +17,7 @@ struct Fault {
     bool stays = false;         // every later call fails as well
     std::uint32_t code = 0;
 
-    bool Is(std::string_view name, std::uint64_t nth = 0) const {
-        return function == name && (nth == 0 || ordinal == nth);
-    }
+    bool Is(std::string_view name) const { return function == name; }
 };
 
 /// One operation that met a fault.
@@ -31,6 +27,9 @@ struct FaultyRun {
     std::string outputs;  // what the operation shows of its results
     Machine& machine;
     machine::State start;
+
+    const Entries& Calls() const { return machine.Calls(); }
+    bool ChangedTheMachine() const { return machine->GetState() != start; }
 };
 
 /// Does its work and leaves what it has to show in `outputs`, also when it throws: see Show.
@@ -60,9 +59,8 @@ struct SweepOptions {
 
 /// Runs the operation with its first platform call failing, then with its second one, and so on
 /// until a run meets no fault; once with that fault alone and once with a fault that stays. Each
-/// run begins from the same state, is judged by `check`, must make no call that the machine does
-/// not know, and must leave nothing behind: no COM memory, and of what the machine handed out the
-/// kept leaks alone. The last run, without a fault, must succeed.
+/// run begins from the same state and is judged by `check`. The last run, without a fault, must
+/// succeed.
 void Sweep(const Operation& operation, const std::function<void(const FaultyRun&)>& check,
            const SweepOptions& options = {});
 

@@ -9,17 +9,17 @@
 #include <wbemcli.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "common/util/Strings.h"
-#include "tests/sys/simulated/Machine.h"
 #include "tests/sys/simulated/Sweep.h"
 
 namespace {
 
 using namespace sys_tests;
-using testing::ElementsAreArray;
-using testing::IsEmpty;
+using Addresses = std::vector<ipc::IPv4Address>;
+using Texts = std::vector<std::string>;
 
 /// What an output holds before the query, and what the property makes of it.
 struct Property {
@@ -29,14 +29,17 @@ struct Property {
 };
 
 struct Query {
-    const char* name;
     const char* text;
     const char* message;
     std::int32_t line;
     std::vector<std::vector<Property>> rows;
-    bool isList;  // reads every row; each adds to the outputs
     std::function<sys::Result(std::string&)> run;
+    bool isList;  // reads every row; each adds to the outputs
 };
+
+void PrintTo(const Query& query, std::ostream* out) {
+    *out << query.text;
+}
 
 template <class Elements, class Text>
 std::string Join(const Elements& elements, const char* separator, Text text) {
@@ -48,33 +51,48 @@ std::string Join(const Elements& elements, const char* separator, Text text) {
     return joined;
 }
 
-std::string Addresses(const std::vector<ipc::IPv4Address>& addresses) {
-    return Join(addresses, ",", [](const ipc::IPv4Address& a) { return a.ToString(); });
+std::string Shown(const std::string& text) {
+    return text;
+}
+std::string Shown(bool value) {
+    return value ? "yes" : "no";
+}
+std::string Shown(const ipc::IPv4Address& address) {
+    return address.ToString();
+}
+std::string Shown(const std::vector<std::uint32_t>& indexes) {
+    return Join(indexes, " | ", [](std::uint32_t index) { return std::to_string(index); });
+}
+std::string Shown(const std::vector<sys::RouteRecord>& routes) {
+    return Join(routes, " | ", [](const sys::RouteRecord& route) {
+        return Shown(route.destination) + "/" + Shown(route.mask) + "/" + Shown(route.nextHop) +
+               "/" + std::to_string(route.metric);
+    });
+}
+template <class Element>
+std::string Shown(const std::vector<Element>& elements) {
+    return "[" + Join(elements, ",", [](const Element& element) { return Shown(element); }) + "]";
 }
 
-std::string Texts(const std::vector<std::string>& texts) {
-    return Join(texts, ",", [](const std::string& text) { return text; });
-}
-
-/// A query with one text as output.
-template <class Get>
-std::function<sys::Result(std::string&)> OneText(Get get) {
-    return [get](std::string& shown) {
-        std::string text = "kept";
-        const Show show(shown, [&] { return text; });
-        return get(text);
+/// A query whose outputs hold `before` and are shown with slashes between them.
+template <class Get, class Outputs, class... Index>
+std::function<sys::Result(std::string&)> Reads(Get get, Outputs before, Index... index) {
+    return [=](std::string& shown) {
+        Outputs outputs = before;
+        const Show show(shown, [&] {
+            return std::apply(
+                [](const auto&... output) {
+                    return Join(Texts{Shown(output)...}, "/",
+                                [](const auto& text) { return text; });
+                },
+                outputs);
+        });
+        return std::apply([&](auto&... output) { return get(index..., output...); }, outputs);
     };
 }
 
-template <class Get>
-std::function<sys::Result(std::string&)> TwoTexts(Get get) {
-    return [get](std::string& shown) {
-        std::string first = "kept";
-        std::string second = "kept too";
-        const Show show(shown, [&] { return first + "/" + second; });
-        return get(first, second);
-    };
-}
+const auto kOneText = std::tuple(std::string("kept"));
+const auto kTwoTexts = std::tuple(std::string("kept"), std::string("kept too"));
 
 machine::State QueriedMachine() {
     machine::State state = machine::DefaultState();
@@ -84,147 +102,76 @@ machine::State QueriedMachine() {
     return state;
 }
 
+Query Row(const char* text, const char* message, std::int32_t line,
+          std::vector<std::vector<Property>> rows, std::function<sys::Result(std::string&)> run,
+          bool isList = false) {
+    return {text, message, line, std::move(rows), std::move(run), isList};
+}
+
+std::vector<Property> Route(const char* destination, const char* nextHop, const char* metric) {
+    return {{"Destination", "0.0.0.0", destination},
+            {"Mask", "0.0.0.0", "255.255.0.0"},
+            {"NextHop", "0.0.0.0", nextHop},
+            {"Metric1", "0", metric}};
+}
+
 std::vector<Query> Queries() {
+    const ipc::IPv4Address address(std::string("1.2.3.4"));
+    const ipc::IPv4Address mask(std::string("5.6.7.8"));
     return {
-        {"getComputerName",
-         "select Name from Win32_ComputerSystem",
-         "Wmi query failed to get computer name",
-         101,
-         {{{"Name", "kept", "WORKSTATION1"}}},
-         false,
-         OneText([](std::string& text) { return sys::getComputerName(text); })},
-        {"getIpEnabledAdapters",
-         "select Index, SettingID from Win32_NetworkAdapterConfiguration where IPEnabled=true",
-         "Wmi query failed to IP enabled devices",
-         165,
-         {{{"Index", "", "1"}}, {{"Index", "", "2"}}, {{"Index", "", "7"}}},
-         true,
-         [](std::string& shown) {
-             std::vector<std::uint32_t> indexes;
-             const Show show(shown, [&] {
-                 return Join(indexes, " | ", [](std::uint32_t i) { return std::to_string(i); });
-             });
-             return sys::getIpEnabledAdapters(indexes);
-         }},
-        {"getDhcpEnabled",
-         "select DHCPEnabled from Win32_NetworkAdapterConfiguration where Index=1",
-         "Wmi DHCP enabled query failed",
-         225,
-         {{{"DHCPEnabled", "no", "yes"}}},
-         false,
-         [](std::string& shown) {
-             bool enabled = false;
-             const Show show(shown, [&] { return enabled ? "yes" : "no"; });
-             return sys::getDhcpEnabled(1, enabled);
-         }},
-        {"getIpAddressAndMask",
-         "select IPAddress, IPSubnet from Win32_NetworkAdapterConfiguration where Index=1",
-         "Wmi query failed to get ip address and mask",
-         297,
-         {{{"IPAddress", "1.2.3.4", "192.0.2.50"}, {"IPSubnet", "5.6.7.8", "255.255.255.0"}}},
-         false,
-         [](std::string& shown) {
-             ipc::IPv4Address address(std::string("1.2.3.4"));
-             ipc::IPv4Address mask(std::string("5.6.7.8"));
-             const Show show(shown, [&] { return address.ToString() + "/" + mask.ToString(); });
-             return sys::getIpAddressAndMask(1, address, mask);
-         }},
-        {"getDnsServersAndSuffixes",
-         "select DNSServerSearchOrder, DNSDomainSuffixSearchOrder from "
-         "Win32_NetworkAdapterConfiguration where Index=1",
-         "Wmi query failed to get DNS servers and suffixes",
-         455,
-         {{{"DNSServerSearchOrder", "[]", "[192.0.2.10,192.0.2.11]"},
-           {"DNSDomainSuffixSearchOrder", "[]", "[lab.example,corp.example]"}}},
-         false,
-         [](std::string& shown) {
-             std::vector<ipc::IPv4Address> servers;
-             std::vector<std::string> suffixes;
-             const Show show(
-                 shown, [&] { return "[" + Addresses(servers) + "]/[" + Texts(suffixes) + "]"; });
-             return sys::getDnsServersAndSuffixes(1, servers, suffixes);
-         }},
-        {"getSettingId",
-         "select SettingID from Win32_NetworkAdapterConfiguration where Index=2",
-         "Wmi query failed to get Setting ID",
-         521,
-         {{{"SettingID", "kept", "{6C7F1A52-90B4-4C1E-9D57-0A1B2C3D4E02}"}}},
-         false,
-         OneText([](std::string& text) { return sys::getSettingId(2, text); })},
-        {"getDnsDomainAndHostName",
-         "select DNSDomain, DNSHostName from Win32_NetworkAdapterConfiguration where Index=1",
-         "Wmi query failed to get DNS domain and computer host name",
-         595,
-         {{{"DNSDomain", "kept", "lab.example"}, {"DNSHostName", "kept too", "WORKSTATION1"}}},
-         false,
-         TwoTexts([](std::string& domain, std::string& host) {
-             return sys::getDnsDomainAndHostName(1, domain, host);
-         })},
-        {"getGateways",
-         "select DefaultIPGateway from Win32_NetworkAdapterConfiguration where Index=2",
-         "Wmi query failed to get gateways",
-         667,
-         {{{"DefaultIPGateway", "", "198.51.100.1"}}},
-         false,
-         [](std::string& shown) {
-             std::vector<ipc::IPv4Address> gateways;
-             const Show show(shown, [&] { return Addresses(gateways); });
-             return sys::getGateways(2, gateways);
-         }},
-        {"getMacAddress",
-         "select MACAddress from Win32_NetworkAdapterConfiguration where Index=1",
-         "Wmi query failed to get MAC address",
-         733,
-         {{{"MACAddress", "kept", "02:00:00:00:00:01"}}},
-         false,
-         OneText([](std::string& text) { return sys::getMacAddress(1, text); })},
-        {"getAdapterTypeAndManufacturer",
-         "select AdapterType, Manufacturer from Win32_NetworkAdapter where Index=1",
-         "Wmi query failed to get NIC type and manufacturer",
-         807,
-         {{{"AdapterType", "kept", "Ethernet 802.3"},
-           {"Manufacturer", "kept too", "Example Networks"}}},
-         false,
-         TwoTexts([](std::string& type, std::string& manufacturer) {
-             return sys::getAdapterTypeAndManufacturer(1, type, manufacturer);
-         })},
-        {"getCaption",
-         "select Caption from Win32_NetworkAdapter where Index=1",
-         "Wmi query failed to get NIC caption",
-         873,
-         {{{"Caption", "kept", "[00000001] Example Gigabit Adapter"}}},
-         false,
-         OneText([](std::string& text) { return sys::getCaption(1, text); })},
-        {"getPnpDeviceId",
-         "select PNPDeviceID from Win32_NetworkAdapter where Index=7",
-         "Wmi query failed to get PNP device id",
-         939,
-         {{{"PNPDeviceID", "kept", "ROOT\\VIRTUALNET\\0000"}}},
-         false,
-         OneText([](std::string& text) { return sys::getPnpDeviceId(7, text); })},
-        {"getStaticRoutes",
-         "select Destination, Mask, NextHop, Metric1 from Win32_IP4PersistedRouteTable",
-         "Wmi query failed to get static routes",
-         1037,
-         {{{"Destination", "0.0.0.0", "10.20.0.0"},
-           {"Mask", "0.0.0.0", "255.255.0.0"},
-           {"NextHop", "0.0.0.0", "198.51.100.254"},
-           {"Metric1", "0", "5"}},
-          {{"Destination", "0.0.0.0", "10.30.0.0"},
-           {"Mask", "0.0.0.0", "255.255.0.0"},
-           {"NextHop", "0.0.0.0", "198.51.100.253"},
-           {"Metric1", "0", "4294967295"}}},
-         true,
-         [](std::string& shown) {
-             std::vector<sys::RouteRecord> routes;
-             const Show show(shown, [&] {
-                 return Join(routes, " | ", [](const sys::RouteRecord& route) {
-                     return route.destination.ToString() + "/" + route.mask.ToString() + "/" +
-                            route.nextHop.ToString() + "/" + std::to_string(route.metric);
-                 });
-             });
-             return sys::getStaticRoutes(routes);
-         }},
+        Row("select Name from Win32_ComputerSystem", "Wmi query failed to get computer name", 101,
+            {{{"Name", "kept", "WORKSTATION1"}}}, Reads(sys::getComputerName, kOneText)),
+        Row("select Index, SettingID from Win32_NetworkAdapterConfiguration where IPEnabled=true",
+            "Wmi query failed to IP enabled devices", 165,
+            {{{"Index", "", "1"}}, {{"Index", "", "2"}}, {{"Index", "", "7"}}},
+            Reads(sys::getIpEnabledAdapters, std::tuple(std::vector<std::uint32_t>())), true),
+        Row("select DHCPEnabled from Win32_NetworkAdapterConfiguration where Index=1",
+            "Wmi DHCP enabled query failed", 225, {{{"DHCPEnabled", "no", "yes"}}},
+            Reads(sys::getDhcpEnabled, std::tuple(false), 1U)),
+        Row("select IPAddress, IPSubnet from Win32_NetworkAdapterConfiguration where Index=1",
+            "Wmi query failed to get ip address and mask", 297,
+            {{{"IPAddress", "1.2.3.4", "192.0.2.50"}, {"IPSubnet", "5.6.7.8", "255.255.255.0"}}},
+            Reads(sys::getIpAddressAndMask, std::tuple(address, mask), 1U)),
+        Row("select DNSServerSearchOrder, DNSDomainSuffixSearchOrder from "
+            "Win32_NetworkAdapterConfiguration where Index=1",
+            "Wmi query failed to get DNS servers and suffixes", 455,
+            {{{"DNSServerSearchOrder", "[]", "[192.0.2.10,192.0.2.11]"},
+              {"DNSDomainSuffixSearchOrder", "[]", "[lab.example,corp.example]"}}},
+            Reads(sys::getDnsServersAndSuffixes, std::tuple(Addresses(), Texts()), 1U)),
+        Row("select SettingID from Win32_NetworkAdapterConfiguration where Index=2",
+            "Wmi query failed to get Setting ID", 521,
+            {{{"SettingID", "kept", "{6C7F1A52-90B4-4C1E-9D57-0A1B2C3D4E02}"}}},
+            Reads(sys::getSettingId, kOneText, 2U)),
+        Row("select DNSDomain, DNSHostName from Win32_NetworkAdapterConfiguration where Index=1",
+            "Wmi query failed to get DNS domain and computer host name", 595,
+            {{{"DNSDomain", "kept", "lab.example"}, {"DNSHostName", "kept too", "WORKSTATION1"}}},
+            Reads(sys::getDnsDomainAndHostName, kTwoTexts, 1U)),
+        Row("select DefaultIPGateway from Win32_NetworkAdapterConfiguration where Index=2",
+            "Wmi query failed to get gateways", 667,
+            {{{"DefaultIPGateway", "[]", "[198.51.100.1]"}}},
+            Reads(sys::getGateways, std::tuple(Addresses()), 2U)),
+        Row("select MACAddress from Win32_NetworkAdapterConfiguration where Index=1",
+            "Wmi query failed to get MAC address", 733,
+            {{{"MACAddress", "kept", "02:00:00:00:00:01"}}},
+            Reads(sys::getMacAddress, kOneText, 1U)),
+        Row("select AdapterType, Manufacturer from Win32_NetworkAdapter where Index=1",
+            "Wmi query failed to get NIC type and manufacturer", 807,
+            {{{"AdapterType", "kept", "Ethernet 802.3"},
+              {"Manufacturer", "kept too", "Example Networks"}}},
+            Reads(sys::getAdapterTypeAndManufacturer, kTwoTexts, 1U)),
+        Row("select Caption from Win32_NetworkAdapter where Index=1",
+            "Wmi query failed to get NIC caption", 873,
+            {{{"Caption", "kept", "[00000001] Example Gigabit Adapter"}}},
+            Reads(sys::getCaption, kOneText, 1U)),
+        Row("select PNPDeviceID from Win32_NetworkAdapter where Index=7",
+            "Wmi query failed to get PNP device id", 939,
+            {{{"PNPDeviceID", "kept", "ROOT\\VIRTUALNET\\0000"}}},
+            Reads(sys::getPnpDeviceId, kOneText, 7U)),
+        Row("select Destination, Mask, NextHop, Metric1 from Win32_IP4PersistedRouteTable",
+            "Wmi query failed to get static routes", 1037,
+            {Route("10.20.0.0", "198.51.100.254", "5"),
+             Route("10.30.0.0", "198.51.100.253", "4294967295")},
+            Reads(sys::getStaticRoutes, std::tuple(std::vector<sys::RouteRecord>())), true),
     };
 }
 
@@ -245,89 +192,74 @@ std::vector<std::string> ExpectedCalls(const Query& query) {
     return calls;
 }
 
-TEST(WmiQueries, AskInTheFixedWordsAndReadTheirPropertiesInOrder) {
-    for (const Query& query : Queries()) {
-        SCOPED_TRACE(query.name);
-        Machine machine(QueriedMachine());
-        std::string shown;
-        sys::Result result = -1;
-        EXPECT_EQ(machine.Run([&] { result = query.run(shown); }), Success());
-        EXPECT_EQ(result, 0);
-        EXPECT_EQ(shown, Join(query.rows, " | ", [](const auto& row) {
-                      return Join(row, "/", [](const Property& p) { return p.read; });
-                  }));
-        EXPECT_THAT(machine.Calls(), ElementsAreArray(ExpectedCalls(query)));
-        EXPECT_THAT(machine.Leaks(), IsEmpty());
-        EXPECT_EQ(machine.LostComBlocks(), 0U);
-        EXPECT_THAT(machine->Unexpected(), IsEmpty());
-        EXPECT_EQ(machine->GetState(), QueriedMachine()) << "a query changed the machine";
-    }
-}
-
-/// What the documented walk over the rows makes of the calls that were answered.
-struct Replayed {
+/// The result and outputs that the documented walk over the rows makes of the calls that were
+/// answered.
+std::string QueryReplay(const Query& query, const Entries& entries) {
+    std::vector<Texts> rows;
     sys::Result result = 0;
-    std::string outputs;
-};
-
-Replayed Replay(const Query& query, const Entries& entries) {
-    std::vector<std::vector<std::string>> rows;
-    Replayed replayed;
     for (const machine::TraceEntry& entry : entries) {
+        const auto code = entry.failed ? static_cast<sys::Result>(CodeOf(entry)) : 0;
         if (entry.function == "Next") {
-            if (entry.failed) {
-                replayed.result = static_cast<sys::Result>(CodeOf(entry));
-            } else if (rows.size() < query.rows.size()) {
+            result = entry.failed ? code : result;
+            if (!entry.failed && rows.size() < query.rows.size()) {
                 rows.emplace_back();
             }
         } else if (entry.function == "Get") {
             const Property& property = query.rows[rows.size() - 1][rows.back().size()];
             rows.back().push_back(entry.failed ? property.kept : property.read);
-            replayed.result = entry.failed ? static_cast<sys::Result>(CodeOf(entry)) : 0;
+            result = code;
         }
     }
     if (rows.empty() && !query.isList) {
-        replayed.outputs = Join(query.rows[0], "/", [](const Property& p) { return p.kept; });
-    } else {
-        replayed.outputs = Join(rows, " | ", [](const auto& row) {
-            return Join(row, "/", [](const std::string& text) { return text; });
-        });
+        rows.emplace_back();
+        for (const Property& property : query.rows[0]) {
+            rows.back().push_back(property.kept);
+        }
     }
-    return replayed;
+    return std::to_string(result) + " " + Join(rows, " | ", [](const Texts& row) {
+               return Join(row, "/", [](const std::string& text) { return text; });
+           });
 }
 
-TEST(WmiQueries, AnyFailingCallGivesTheDocumentedEnd) {
-    for (const Query& query : Queries()) {
-        SCOPED_TRACE(query.name);
-        const Operation operation = [&query](std::string& outputs) {
-            std::string shown;
-            sys::Result result = 0;
-            const Show show(outputs,
-                            [&] { return util::Format("%d ", static_cast<int>(result)) + shown; });
-            result = query.run(shown);
-        };
-        const auto check = [&query](const FaultyRun& run) {
-            // A connection whose last step failed is one all the same.
-            const bool atReading = run.fault.Is("Next") || run.fault.Is("Get");
-            const bool harmless = run.fault.Is("CoSetProxyBlanket") && !run.fault.stays;
-            if (atReading || harmless) {
-                EXPECT_EQ(run.outcome, Success());
-                const Replayed replayed = Replay(query, run.machine.Entries());
-                EXPECT_EQ(run.outputs, util::Format("%d ", static_cast<int>(replayed.result)) +
-                                           replayed.outputs);
-            } else {
-                // After the blanket it is the query that fails, with a code of its own.
-                const std::uint32_t code =
-                    run.fault.Is("CoSetProxyBlanket") ? WBEM_E_FAILED : run.fault.code;
-                EXPECT_EQ(run.outcome, WmiFailure(query.message, query.line, code));
-                EXPECT_EQ(run.outputs, "0 " + Replay(query, {}).outputs);
-                EXPECT_EQ(run.machine.CallNames().back(), "CoUninitialize");
-            }
-        };
-        SweepOptions options;
-        options.start = QueriedMachine();
-        Sweep(operation, check, options);
+class WmiQueries : public testing::TestWithParam<Query> {
+protected:
+    static void Run(std::string& outputs) {
+        std::string shown;
+        sys::Result result = 0;
+        const Show show(outputs, [&] { return std::to_string(result) + " " + shown; });
+        result = GetParam().run(shown);
     }
+};
+
+TEST_P(WmiQueries, AskInTheFixedWordsAndReadTheirPropertiesInOrder) {
+    Machine machine(QueriedMachine());
+    std::string outputs;
+    EXPECT_EQ(machine.Run([&] { Run(outputs); }), Success());
+    EXPECT_EQ(outputs, QueryReplay(GetParam(), machine.Calls()));
+    EXPECT_THAT(machine.Texts(), testing::ElementsAreArray(ExpectedCalls(GetParam())));
+    EXPECT_EQ(machine->GetState(), QueriedMachine()) << "a query changed the machine";
 }
+
+TEST_P(WmiQueries, EndAsDocumentedWhateverCallFails) {
+    const Query& query = GetParam();
+    const auto check = [&query](const FaultyRun& run) {
+        // A connection whose last step failed is one all the same; it is the query that fails.
+        const bool atBlanket = run.fault.Is("CoSetProxyBlanket");
+        if (run.fault.Is("Next") || run.fault.Is("Get") || (atBlanket && !run.fault.stays)) {
+            EXPECT_EQ(run.outcome, Success());
+            EXPECT_EQ(run.outputs, QueryReplay(query, run.Calls()));
+        } else {
+            const std::uint32_t code = atBlanket ? WBEM_E_FAILED : run.fault.code;
+            EXPECT_EQ(run.outcome, WmiFailure(query.message, query.line, code));
+            EXPECT_EQ(run.outputs, QueryReplay(query, {}));
+            EXPECT_EQ(run.Calls().back().function, "CoUninitialize");
+        }
+    };
+    SweepOptions options;
+    options.start = QueriedMachine();
+    Sweep(Run, check, options);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, WmiQueries, testing::ValuesIn(Queries()));
 
 }  // namespace

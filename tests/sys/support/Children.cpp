@@ -15,6 +15,13 @@ std::string ChildCommand(const std::string& arguments) {
     return "\"" + ChildProgram() + "\" " + arguments;
 }
 
+std::int32_t Execute(const std::string& commandLine, bool wait, DWORD killTimeout,
+                     proc::PipeCapture* capture) {
+    logging::NullLogSink log;
+    proc::CChildProcess child(log, killTimeout);
+    return child.ExecuteCmd(nullptr, commandLine.c_str(), {}, {}, wait, SW_HIDE, capture);
+}
+
 StandardHandles::StandardHandles() {
     for (std::size_t i = 0; i < std::size(kNames); ++i) {
         saved_[i] = GetStdHandle(kNames[i]);
@@ -46,14 +53,6 @@ void StandardHandles::PutInPlace() {
     for (std::size_t i = 0; i < std::size(kNames); ++i) {
         SetStdHandle(kNames[i], files_[i]);
     }
-}
-
-std::string StandardHandles::Output() const {
-    return ReadFileContent(folder_.Path("1"));
-}
-
-std::string StandardHandles::Error() const {
-    return ReadFileContent(folder_.Path("2"));
 }
 
 }  // namespace sys_tests

@@ -2,8 +2,10 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
 
+#include "common/proc/ChildProcess.h"
 #include "tests/sys/support/ScratchFolder.h"
 
 namespace sys_tests {
@@ -11,6 +13,10 @@ namespace sys_tests {
 /// A command line that starts the tests' own console program, which lies beside this one.
 std::string ChildCommand(const std::string& arguments);
 std::string ChildProgram();
+
+/// Runs the command line without a window.
+std::int32_t Execute(const std::string& commandLine, bool wait = true, DWORD killTimeout = INFINITE,
+                     proc::PipeCapture* capture = nullptr);
 
 /// The standard handles of this process, pointed at files for the life of the object.
 class StandardHandles {
@@ -26,8 +32,8 @@ public:
     void PutInPlace();
 
     /// What was written to them.
-    std::string Output() const;
-    std::string Error() const;
+    std::string Output() const { return ReadFileContent(folder_.Path("1")); }
+    std::string Error() const { return ReadFileContent(folder_.Path("2")); }
 
 private:
     static constexpr DWORD kNames[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
