@@ -174,7 +174,9 @@ IniFile::~IniFile() = default;
 
 std::uint32_t IniFile::Load(const std::string& path, bool merge) {
     const File file(std::fopen(path.c_str(), "rb"));
-    if (!file || std::fseek(file.get(), 0, SEEK_END) != 0) {
+    // One read takes everything: a buffer of the library's own would only cost.
+    if (!file || std::setvbuf(file.get(), nullptr, _IONBF, 0) != 0 ||
+        std::fseek(file.get(), 0, SEEK_END) != 0) {
         return kFileError;
     }
     const long length = std::ftell(file.get());
