@@ -19,7 +19,6 @@
 
 namespace {
 
-constexpr int kRepetitions = 9;
 constexpr int kLookUps = 50;
 
 /// A file of that many sections and keys, in /dev/shm so that no disk is measured.
@@ -191,7 +190,7 @@ void Register(const std::string& size, const Sample& sample) {
     const auto add = [&](const std::string& name, auto function) {
         benchmark::RegisterBenchmark(name.c_str(), [function, &sample](benchmark::State& state) {
             function(state, sample);
-        })->Repetitions(kRepetitions);
+        });
     };
     using SimpleIni = SimpleIniReader<CSimpleIniA>;
     using SimpleIniWithCase = SimpleIniReader<CSimpleIniCaseA>;

@@ -14,6 +14,17 @@ struct RouteKey {
     std::int32_t metric = 0;
 };
 
-bool operator<(const RouteKey& left, const RouteKey& right) noexcept;
+inline bool operator<(const RouteKey& left, const RouteKey& right) noexcept {
+    if (left.destination != right.destination) {
+        return left.destination < right.destination;
+    }
+    if (left.netmask != right.netmask) {
+        return left.netmask < right.netmask;
+    }
+    if (left.gateway != right.gateway) {
+        return left.gateway < right.gateway;
+    }
+    return left.metric < right.metric;
+}
 
 }  // namespace ipc
