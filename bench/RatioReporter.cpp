@@ -56,7 +56,8 @@ private:
 int main(int argc, char** argv) {
     std::string interleave = "--benchmark_enable_random_interleaving=true";
     std::string repeat = "--benchmark_repetitions=15";
-    std::vector<char*> arguments{argv[0], interleave.data(), repeat.data()};
+    std::string least = "--benchmark_min_time=0.1";
+    std::vector<char*> arguments{argv[0], interleave.data(), repeat.data(), least.data()};
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());

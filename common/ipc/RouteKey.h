@@ -14,17 +14,6 @@ struct RouteKey {
     std::int32_t metric = 0;
 };
 
-inline bool operator<(const RouteKey& left, const RouteKey& right) noexcept {
-    if (left.destination != right.destination) {
-        return left.destination < right.destination;
-    }
-    if (left.netmask != right.netmask) {
-        return left.netmask < right.netmask;
-    }
-    if (left.gateway != right.gateway) {
-        return left.gateway < right.gateway;
-    }
-    return left.metric < right.metric;
-}
+bool operator<(const RouteKey& left, const RouteKey& right) noexcept;
 
 }  // namespace ipc
