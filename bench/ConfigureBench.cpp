@@ -27,12 +27,12 @@ public:
 
 struct Times {
     double own;
-    double calls;
+    double inCalls;
+    std::size_t calls;
 };
 
-/// One request to a freshly loaded module. The sizes of the machine stand in the files' names.
-Times Configure(const machine::State& state, const std::filesystem::path& configuration,
-                std::size_t& calls) {
+/// One request to a freshly loaded module.
+Times Configure(const machine::State& state, const std::string& configuration) {
     using Clock = std::chrono::steady_clock;
     using Seconds = std::chrono::duration<double>;
     machine::Simulation simulation(state);
@@ -56,11 +56,10 @@ Times Configure(const machine::State& state, const std::filesystem::path& config
     const Seconds took = Clock::now() - start;
     simulation.Detach(image);
     if (message.ReplyText("Result") != "Success") {
-        throw std::runtime_error(configuration.string() + ": " + message.ReplyText("Result"));
+        throw std::runtime_error(configuration + ": " + message.ReplyText("Result"));
     }
-    calls = simulation.GetTrace().Size();
     const Seconds inCalls = simulation.TimeInCalls();
-    return {(took - inCalls).count(), inCalls.count()};
+    return {(took - inCalls).count(), inCalls.count(), simulation.GetTrace().Size()};
 }
 
 void Measure(const std::vector<int>& sizes) {
@@ -68,18 +67,17 @@ void Measure(const std::vector<int>& sizes) {
     for (const int size : sizes) {
         const std::string name = std::to_string(size);
         const machine::State state = machine::LoadState(name + ".json");
-        std::size_t calls = 0;
         std::vector<double> own;
         std::vector<double> inCalls;
-        Configure(state, name + ".ini", calls);
+        const std::size_t calls = Configure(state, name + ".ini").calls;
         for (int repetition = 0; repetition < 15; ++repetition) {
-            const Times times = Configure(state, name + ".ini", calls);
+            const Times times = Configure(state, name + ".ini");
             own.push_back(times.own);
-            inCalls.push_back(times.calls);
+            inCalls.push_back(times.inCalls);
         }
-        const std::string group = "Configure, " + name + " adapters";
-        bench::Print({group, "the module itself", own});
-        bench::Print({group, std::to_string(calls) + " simulated calls", inCalls});
+        bench::Print({"Configure, " + name + " adapters", "the module itself", own});
+        bench::Print({"Configure, " + name + " adapters",
+                      std::to_string(calls) + " simulated calls", inCalls});
         perAdapter.push_back(
             {"Configure itself, per adapter", name + " adapters", own, static_cast<double>(size)});
     }

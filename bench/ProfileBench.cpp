@@ -11,51 +11,13 @@
 #include <string>
 #include <vector>
 
+#include "bench/Sample.h"
 #include "bench/Table.h"
 #include "toolbox/config/IniFile.h"
 
 namespace {
 
-struct Setting {
-    std::string section;
-    std::string key;
-    std::string value;
-};
-
-/// A file of 2 KB and all that is in it.
-class Sample {
-public:
-    Sample() {
-        char folder[MAX_PATH];
-        path_ = std::string(folder, GetTempPathA(sizeof folder, folder)) + "profile-bench.ini";
-        std::string text;
-        for (int section = 0; section < 5; ++section) {
-            text += "[Adapter " + std::to_string(section) + "]\n";
-            for (int key = 0; key < 9; ++key) {
-                settings_.push_back({"Adapter " + std::to_string(section),
-                                     "StaticAddress" + std::to_string(key),
-                                     "10." + std::to_string(section) + "." + std::to_string(key) +
-                                         ".1,255.255.255.0"});
-                text += settings_.back().key + " = " + settings_.back().value + "\n";
-            }
-        }
-        std::FILE* const file = std::fopen(path_.c_str(), "wb");
-        if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file) != text.size() ||
-            std::fclose(file) != 0) {
-            throw std::runtime_error("cannot write " + path_);
-        }
-    }
-    ~Sample() { std::remove(path_.c_str()); }
-    Sample(const Sample&) = delete;
-    Sample& operator=(const Sample&) = delete;
-
-    const std::string& Path() const { return path_; }
-    const std::vector<Setting>& Settings() const { return settings_; }
-
-private:
-    std::string path_;
-    std::vector<Setting> settings_;
-};
+using bench::Sample;
 
 void Require(bool right, const std::string& what) {
     if (!right) {
@@ -64,12 +26,14 @@ void Require(bool right, const std::string& what) {
 }
 
 void CompareReaders() {
-    const Sample sample;
+    char folder[MAX_PATH];
+    const std::string temporary(folder, GetTempPathA(sizeof folder, folder));
+    const Sample sample(temporary + "profile-bench.ini", 5, 9);
     const auto ownReader = [&sample] {
         IniFile file;
         Require(file.Load(sample.Path(), false) == IniFile::kSuccess, "cannot load");
         std::string value;
-        for (const Setting& setting : sample.Settings()) {
+        for (const Sample::Setting& setting : sample.Settings()) {
             Require(file.GetValue(setting.section, setting.key, value) == IniFile::kSuccess &&
                         value == setting.value,
                     "IniFile: a value is wrong");
@@ -77,7 +41,7 @@ void CompareReaders() {
     };
     const auto profile = [&sample] {
         char value[100];
-        for (const Setting& setting : sample.Settings()) {
+        for (const Sample::Setting& setting : sample.Settings()) {
             const DWORD length =
                 GetPrivateProfileStringA(setting.section.c_str(), setting.key.c_str(), "", value,
                                          sizeof value, sample.Path().c_str());

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "bench/Table.h"
+#include "common/util/Strings.h"
 
 namespace {
 
@@ -52,46 +53,35 @@ void Write(const fs::path& file, const std::string& text) {
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
 }
 
-std::string Number(int number, int digits) {
-    char text[20];
-    std::snprintf(text, sizeof text, "%0*d", digits, number);
-    return text;
-}
-
 /// The same adapters three times: as they are, as they shall be for the module, and for netplan.
 void Describe(int adapters) {
     std::string machine;
     std::string configuration;
     std::string plan = "network:\n  version: 2\n  ethernets:\n";
     for (int i = 1; i <= adapters; ++i) {
-        const std::string number = std::to_string(i);
-        const std::string net = "10.0." + number + ".";
-        machine += std::string(i > 1 ? "," : "{\"computerName\":\"BENCH\",\"adapters\":[") +
-                   "{\"index\":" + number + ",\"connectionName\":\"Ethernet " + number +
-                   "\",\"settingId\":\"{6C7F1A52-90B4-4C1E-9D57-0A1B2C3D" + Number(i, 4) +
-                   "}\",\"pnpDeviceId\":\"PCI\\\\VEN_8086&DEV_100E\\\\" + number +
-                   "\",\"caption\":\"[" + Number(i, 8) + "] Adapter\",\"pciLocation\":\"PCI bus " +
-                   number +
-                   ", device 0, function 0\",\"macAddress\":\"02:00:00:00:00:" + Number(i, 2) +
-                   "\",\"adapterType\":\"Ethernet 802.3\",\"manufacturer\":\"Example\","
-                   "\"dnsDomain\":\"\",\"dnsHostName\":\"BENCH\",\"dhcpEnabled\":true,"
-                   "\"ipAddress\":[\"" +
-                   net +
-                   "99\"],\"ipSubnet\":[\"255.255.255.0\"],"
-                   "\"dhcpLease\":{\"ipAddress\":[\"" +
-                   net + "99\"],\"ipSubnet\":[\"255.255.255.0\"]}}";
-        configuration += "[NicEntry" + number + "]\nDescription=Adapter " + number +
-                         "\nDHCP=false\nAddress=" + net +
-                         "2\nNetmask=255.255.255.0\nGateway=" + net +
-                         "1\nDNS-Server-Count=2\nDNS-Server0=" + net + "3\nDNS-Server1=" + net +
-                         "4\nDNS-SuffixSearchOrder=corp.example\nStatic-Route-Count=-1\n";
-        plan += "    eth" + number + ":\n      addresses: [" + net +
-                "2/24]\n      routes: [{to: default, via: " + net +
-                "1}]\n      nameservers: {addresses: [" + net + "3, " + net +
-                "4], search: [corp.example]}\n";
+        machine += util::Format(
+            R"(%s{"index": %d, "connectionName": "Ethernet %d", "caption": "[%08d] Adapter",
+               "settingId": "{6C7F1A52-90B4-4C1E-9D57-0A1B2C3D%04d}", "dhcpEnabled": true,
+               "pnpDeviceId": "PCI\\VEN_8086&DEV_100E\\%d", "manufacturer": "Example",
+               "pciLocation": "PCI bus %d, device 0, function 0", "adapterType": "Ethernet 802.3",
+               "macAddress": "02:00:00:00:00:%02d", "dnsDomain": "", "dnsHostName": "BENCH",
+               "ipAddress": ["10.0.%d.99"], "ipSubnet": ["255.255.255.0"], "dhcpLease":
+               {"ipAddress": ["10.0.%d.99"], "ipSubnet": ["255.255.255.0"]}})",
+            i > 1 ? "," : "", i, i, i, i, i, i, i, i, i);
+        configuration += util::Format(
+            "[NicEntry%d]\nDescription=Adapter %d\nDHCP=false\nAddress=10.0.%d.2\n"
+            "Netmask=255.255.255.0\nGateway=10.0.%d.1\nDNS-Server-Count=2\n"
+            "DNS-Server0=10.0.%d.3\nDNS-Server1=10.0.%d.4\nDNS-SuffixSearchOrder=corp.example\n"
+            "Static-Route-Count=-1\n",
+            i, i, i, i, i, i);
+        plan += util::Format(
+            "    eth%d:\n      addresses: [10.0.%d.2/24]\n"
+            "      routes: [{to: default, via: 10.0.%d.1}]\n"
+            "      nameservers: {addresses: [10.0.%d.3, 10.0.%d.4], search: [corp.example]}\n",
+            i, i, i, i, i);
     }
     const std::string name = std::to_string(adapters);
-    Write(name + ".json", machine + "]}");
+    Write(name + ".json", R"({"computerName": "BENCH", "adapters": [)" + machine + "]}");
     Write(name + ".ini", configuration);
     Write(name + "/etc/netplan/network.yaml", plan);
 }
