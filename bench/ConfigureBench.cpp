@@ -62,27 +62,37 @@ Times Configure(const machine::State& state, const std::string& configuration) {
     return {(took - inCalls).count(), inCalls.count(), simulation.GetTrace().Size()};
 }
 
-void Measure(const std::vector<int>& sizes) {
-    std::vector<bench::Measurement> perAdapter;
-    for (const int size : sizes) {
-        const std::string name = std::to_string(size);
-        const machine::State state = machine::LoadState(name + ".json");
-        std::vector<double> own;
-        std::vector<double> inCalls;
-        const std::size_t calls = Configure(state, name + ".ini").calls;
-        for (int repetition = 0; repetition < 15; ++repetition) {
-            const Times times = Configure(state, name + ".ini");
-            own.push_back(times.own);
-            inCalls.push_back(times.inCalls);
-        }
-        bench::Print({"Configure, " + name + " adapters", "the module itself", own});
-        bench::Print({"Configure, " + name + " adapters",
-                      std::to_string(calls) + " simulated calls", inCalls});
-        perAdapter.push_back(
-            {"Configure itself, per adapter", name + " adapters", own, static_cast<double>(size)});
+struct Machine {
+    std::string name;
+    machine::State state;
+    std::size_t calls = 0;
+    bench::Measurement own;
+    bench::Measurement inCalls;
+};
+
+void Measure() {
+    std::vector<Machine> machines;
+    for (const char* const size : {"1", "8", "64"}) {
+        machines.push_back({size, machine::LoadState(std::string(size) + ".json"), 0, {}, {}});
     }
-    for (const bench::Measurement& measurement : perAdapter) {
-        bench::Print(measurement);
+    for (int repetition = 0; repetition < 25; ++repetition) {
+        for (Machine& each : machines) {
+            const Times times = Configure(each.state, each.name + ".ini");
+            each.calls = times.calls;
+            each.own.seconds.push_back(times.own);
+            each.inCalls.seconds.push_back(times.inCalls);
+        }
+    }
+    for (Machine& each : machines) {
+        each.own.group = each.inCalls.group = "Configure, " + each.name + " adapters";
+        each.own.subject = "the module itself";
+        each.inCalls.subject = std::to_string(each.calls) + " simulated calls";
+        bench::Print(each.own);
+        bench::Print(each.inCalls);
+    }
+    for (Machine& each : machines) {
+        bench::Print({"Configure itself, per adapter", each.name + " adapters", each.own.seconds,
+                      std::stod(each.name)});
     }
 }
 
@@ -94,7 +104,7 @@ int main(int argc, char** argv) {
             throw std::runtime_error("usage: configure_bench FOLDER");
         }
         std::filesystem::current_path(argv[1]);
-        Measure({1, 8, 64});
+        Measure();
         return 0;
     } catch (const std::exception& error) {
         std::printf("%s\n", error.what());
