@@ -7,80 +7,25 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "bench/Sample.h"
 #include "toolbox/config/IniFile.h"
 
 namespace {
 
-constexpr int kRepetitions = 9;
-constexpr int kLookUps = 50;
-
-/// A file of that many sections and keys, in /dev/shm so that no disk is measured.
-class Sample {
-public:
-    Sample(int sections, int keys) : sections_(sections), keys_(keys) {
-        std::string text;
-        for (int section = 0; section < sections; ++section) {
-            text += "[" + Section(section) + "]\n";
-            for (int key = 0; key < keys; ++key) {
-                text += Key(key) + " = " + Value(section, key) + "\n";
-            }
-        }
-        path_ = "/dev/shm/ini-file-bench-" + std::to_string(getpid()) + "-" +
-                std::to_string(text.size());
-        std::FILE* const file = std::fopen(path_.c_str(), "wb");
-        if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file) != text.size() ||
-            std::fclose(file) != 0) {
-            throw std::runtime_error("cannot write " + path_);
-        }
-        for (int i = 0; i < kLookUps; ++i) {
-            const int section = static_cast<int>(i * 7919LL % sections);
-            const int key = static_cast<int>(i * 104729LL % keys);
-            lookUps_.push_back({Section(section), Key(key), Value(section, key)});
-        }
-    }
-    ~Sample() { std::remove(path_.c_str()); }
-    Sample(const Sample&) = delete;
-    Sample& operator=(const Sample&) = delete;
-
-    struct LookUp {
-        std::string section;
-        std::string key;
-        std::string value;
-    };
-
-    const std::string& Path() const noexcept { return path_; }
-    const std::vector<LookUp>& LookUps() const noexcept { return lookUps_; }
-    std::size_t Lines() const noexcept {
-        return static_cast<std::size_t>(sections_) * static_cast<std::size_t>(keys_ + 1);
-    }
-
-private:
-    static std::string Section(int number) { return "Adapter " + std::to_string(number); }
-    static std::string Key(int number) { return "StaticAddress" + std::to_string(number); }
-    static std::string Value(int section, int key) {
-        return "10." + std::to_string(section % 256) + "." + std::to_string(key % 256) +
-               ".1,255.255.255.0";
-    }
-
-    int sections_;
-    int keys_;
-    std::string path_;
-    std::vector<LookUp> lookUps_;
-};
+using bench::Sample;
+using Settings = std::vector<Sample::Setting>;
 
 /// Each reader: Load takes a path; Has says whether that key has that value.
 class OwnReader {
 public:
     bool Load(const std::string& path) { return file_.Load(path, false) == IniFile::kSuccess; }
-    bool Has(const Sample::LookUp& wanted) {
+    bool Has(const Sample::Setting& wanted) {
         return file_.GetValue(wanted.section, wanted.key, value_) == IniFile::kSuccess &&
                value_ == wanted.value;
     }
@@ -93,7 +38,7 @@ private:
 class InihReader {
 public:
     bool Load(const std::string& path) { return ini_parse(path.c_str(), Add, &sections_) == 0; }
-    bool Has(const Sample::LookUp& wanted) {
+    bool Has(const Sample::Setting& wanted) {
         const auto section = sections_.find(wanted.section);
         if (section == sections_.end()) {
             return false;
@@ -122,7 +67,7 @@ template <class Ini>
 class SimpleIniReader {
 public:
     bool Load(const std::string& path) { return ini_.LoadFile(path.c_str()) == SI_OK; }
-    bool Has(const Sample::LookUp& wanted) {
+    bool Has(const Sample::Setting& wanted) {
         const char* const value = ini_.GetValue(wanted.section.c_str(), wanted.key.c_str());
         return value != nullptr && value == wanted.value;
     }
@@ -155,31 +100,21 @@ std::size_t CountLines(const std::string& path) {
 }
 
 template <class Reader>
-void Load(benchmark::State& state, const Sample& sample) {
-    for (auto round : state) {
-        Reader reader;
-        if (!reader.Load(sample.Path())) {
-            state.SkipWithError("cannot load");
-        }
-        benchmark::ClobberMemory();
-    }
-}
-
-template <class Reader>
-void LoadAndLookUp(benchmark::State& state, const Sample& sample) {
+void Load(benchmark::State& state, const Sample& sample, const Settings& lookUps) {
     for (auto round : state) {
         Reader reader;
         bool right = reader.Load(sample.Path());
-        for (const Sample::LookUp& wanted : sample.LookUps()) {
+        for (const Sample::Setting& wanted : lookUps) {
             right = right && reader.Has(wanted);
         }
         if (!right) {
             state.SkipWithError("a value is wrong");
         }
+        benchmark::ClobberMemory();
     }
 }
 
-void Scan(benchmark::State& state, const Sample& sample) {
+void Scan(benchmark::State& state, const Sample& sample, const Settings& /*lookUps*/) {
     for (auto round : state) {
         if (CountLines(sample.Path()) != sample.Lines()) {
             state.SkipWithError("cannot read");
@@ -187,38 +122,31 @@ void Scan(benchmark::State& state, const Sample& sample) {
     }
 }
 
-void Register(const std::string& size, const Sample& sample) {
-    const auto add = [&](const std::string& name, auto function) {
-        benchmark::RegisterBenchmark(name.c_str(), [function, &sample](benchmark::State& state) {
-            function(state, sample);
-        })->Repetitions(kRepetitions);
-    };
-    using SimpleIni = SimpleIniReader<CSimpleIniA>;
-    using SimpleIniWithCase = SimpleIniReader<CSimpleIniCaseA>;
-    add("load/" + size + "/IniFile", Load<OwnReader>);
-    add("load/" + size + "/inih into a map", Load<InihReader>);
-    add("load/" + size + "/SimpleIni", Load<SimpleIni>);
-    add("load/" + size + "/SimpleIni with case", Load<SimpleIniWithCase>);
-    add("load/" + size + "/line scan", Scan);
-    add("load and 50 look-ups/" + size + "/IniFile", LoadAndLookUp<OwnReader>);
-    add("load and 50 look-ups/" + size + "/inih into a map", LoadAndLookUp<InihReader>);
-    add("load and 50 look-ups/" + size + "/SimpleIni", LoadAndLookUp<SimpleIni>);
-    add("load and 50 look-ups/" + size + "/SimpleIni with case", LoadAndLookUp<SimpleIniWithCase>);
-}
-
-const Sample& SmallSample() {
-    static const Sample sample(5, 9);
-    return sample;
-}
-
-const Sample& LargeSample() {
-    static const Sample sample(1000, 200);
-    return sample;
+void Register(const std::string& size, int sections, int keys) {
+    const auto sample = std::make_shared<const Sample>(
+        "/dev/shm/ini-file-bench-" + std::to_string(getpid()) + "-" + size, sections, keys);
+    for (const std::size_t lookUps : {0, 50}) {
+        const std::string group = (lookUps == 0 ? "load/" : "load and 50 look-ups/") + size + "/";
+        const auto add = [&](const std::string& name, auto function) {
+            benchmark::RegisterBenchmark(
+                (group + name).c_str(),
+                [function, sample, wanted = sample->Some(lookUps)](benchmark::State& state) {
+                    function(state, *sample, wanted);
+                });
+        };
+        add("IniFile", Load<OwnReader>);
+        add("inih into a map", Load<InihReader>);
+        add("SimpleIni", Load<SimpleIniReader<CSimpleIniA>>);
+        add("SimpleIni with case", Load<SimpleIniReader<CSimpleIniCaseA>>);
+        if (lookUps == 0) {
+            add("line scan", Scan);
+        }
+    }
 }
 
 [[maybe_unused]] const bool registered = [] {
-    Register("2 KB", SmallSample());
-    Register("9 MB", LargeSample());
+    Register("2 KB", 5, 9);
+    Register("9 MB", 1000, 200);
     return true;
 }();
 

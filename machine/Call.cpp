@@ -51,6 +51,7 @@ Call::Call(Core& core, std::string_view object, std::string_view function, Argum
 
 Call::~Call() {
     Entry().endedAt = core_.clock;
+    core_.timeInCalls += std::chrono::steady_clock::now() - started_;
     TlsSetValue(InsideSlot(), nullptr);
     LeaveCriticalSection(core_.Lock());
     SetLastError(lastError_);

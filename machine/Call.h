@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -80,6 +81,7 @@ private:
     TraceEntry& Entry() { return core_.trace.At(position_); }
 
     DWORD lastError_;
+    std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
     Core& core_;
     std::size_t position_;
     std::optional<std::uint32_t> fault_;

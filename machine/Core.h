@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -51,6 +52,7 @@ public:
     std::vector<std::string> unexpected;
     std::vector<std::string> unservedImports;
     std::uint64_t clock = 0;  // milliseconds
+    std::chrono::nanoseconds timeInCalls{};
 
     std::map<DWORD, Apartment> apartments;
     bool comSecuritySet = false;

@@ -150,6 +150,10 @@ std::uint64_t Simulation::VirtualTime() const {
     return core_->clock;
 }
 
+std::chrono::nanoseconds Simulation::TimeInCalls() const {
+    return core_->timeInCalls;
+}
+
 void Simulation::Restart() {
     Call call(*core_, "", "restart of the machine", {}, Failing::Never);
     core_->clock += restartTakes;

@@ -14,6 +14,7 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -69,6 +70,8 @@ public:
 
     // Milliseconds since the simulation began: what Sleep and restarts took.
     std::uint64_t VirtualTime() const;
+    // Real time that was spent in served calls.
+    std::chrono::nanoseconds TimeInCalls() const;
 
     // Makes effective what waits for a restart and renews what a restart renews: names, membership,
     // leases, COM security. What the ledger holds stays there.

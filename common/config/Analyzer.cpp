@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -39,41 +40,51 @@ CommandList::iterator FindFirst(CommandList& commands) {
     return std::find_if(commands.begin(), commands.end(), As<Command>);
 }
 
-/// The index of the first PCI adapter, in the tree's order, that no section has taken yet.
-std::uint32_t FirstFreePciAdapter(sys::NicList& adapters, const std::vector<std::uint32_t>& used) {
-    const auto end = adapters.BreadthEnd();
-    auto node = adapters.BreadthBegin();
-    ++node;  // the list itself comes first
-    for (; node != end; ++node) {
-        const auto* const adapter = dynamic_cast<const sys::NicAdapter*>(*node);
-        if (adapter == nullptr) {
-            break;  // the adapters are the first level; below it lie their settings
-        }
-        if (adapter->isPci && std::find(used.begin(), used.end(), adapter->index) == used.end()) {
-            return adapter->index;
-        }
-    }
-    return kNotSet;
-}
+/// Gives each section its adapter on the machine.
+class AdapterBinding {
+public:
+    AdapterBinding() { ++node_; }  // the list itself comes first
 
-std::uint32_t FindAdapter(const ConfigureNic& nic, const std::vector<std::uint32_t>& used) {
-    sys::NicList& adapters = sys::getNicList();
-    if (nic.Bus() != kNotSet && nic.Device() != kNotSet && nic.Function() != kNotSet) {
-        const auto index = static_cast<std::uint32_t>(
-            sys::findNicIndexByPciLocation(adapters, nic.Bus(), nic.Device(), nic.Function()));
-        if (index != kNotSet) {
-            return index;
+    void Bind(ConfigureNic& nic) {
+        std::uint32_t index = kNotSet;
+        if (nic.Bus() != kNotSet && nic.Device() != kNotSet && nic.Function() != kNotSet) {
+            index = static_cast<std::uint32_t>(
+                sys::findNicIndexByPciLocation(adapters_, nic.Bus(), nic.Device(), nic.Function()));
         }
+        nic.SetNicIndex(index != kNotSet ? index : FirstFreePciAdapter());
+        used_.push_back(nic.NicIndex());
     }
-    return FirstFreePciAdapter(adapters, used);
-}
+
+private:
+    /// In the tree's order. What was passed over for one section is no choice for the next either.
+    std::uint32_t FirstFreePciAdapter() {
+        for (; node_ != end_; ++node_) {
+            const auto* const adapter = dynamic_cast<const sys::NicAdapter*>(*node_);
+            if (adapter == nullptr) {
+                break;  // the adapters are the first level; below it lie their settings
+            }
+            if (adapter->isPci &&
+                std::find(used_.begin(), used_.end(), adapter->index) == used_.end()) {
+                return adapter->index;
+            }
+        }
+        return kNotSet;
+    }
+
+    sys::NicList& adapters_ = sys::getNicList();
+    util::breadth_iterator node_ = adapters_.BreadthBegin();
+    const util::breadth_iterator end_ = adapters_.BreadthEnd();
+    std::vector<std::uint32_t> used_;
+};
 
 void BindAdapters(CommandList& commands) {
-    std::vector<std::uint32_t> used;
+    std::optional<AdapterBinding> binding;  // nothing is asked of the machine before it is needed
     for (const auto& command : commands) {
         if (auto* const nic = As<ConfigureNic>(command)) {
-            nic->SetNicIndex(FindAdapter(*nic, used));
-            used.push_back(nic->NicIndex());
+            if (!binding) {
+                binding.emplace();
+            }
+            binding->Bind(*nic);
         }
     }
 }

@@ -31,8 +31,4 @@ std::string IPv4Address::ToString() const {
     return text != nullptr ? text : "";
 }
 
-std::uint32_t IPv4Address::HostOrder() const noexcept {
-    return ntohl(address_);
-}
-
 }  // namespace ipc

@@ -30,9 +30,12 @@ Value DescriptionOf(const Adapter& adapter) {
     return bracket == std::string::npos ? *adapter.caption : adapter.caption->substr(bracket + 2);
 }
 
-std::vector<Properties> ConfigurationRows(const State& state) {
+std::vector<Properties> ConfigurationRows(const State& state, OptionalIndex index) {
     std::vector<Properties> rows;
     for (const Adapter& adapter : state.adapters) {
+        if (index && adapter.index != *index) {
+            continue;
+        }
         const Value suffixes = adapter.ipEnabled ? List(state.dnsSuffixes) : Value();
         rows.push_back({{"Index", Type::UInt32, Number(adapter.index)},
                         {"Caption", Type::Text, Text(adapter.caption)},
@@ -53,9 +56,12 @@ std::vector<Properties> ConfigurationRows(const State& state) {
     return rows;
 }
 
-std::vector<Properties> AdapterRows(const State& state) {
+std::vector<Properties> AdapterRows(const State& state, OptionalIndex index) {
     std::vector<Properties> rows;
     for (const Adapter& adapter : state.adapters) {
+        if (index && adapter.index != *index) {
+            continue;
+        }
         rows.push_back({{"DeviceID", Type::Text, std::to_string(adapter.index)},
                         {"Index", Type::UInt32, Number(adapter.index)},
                         {"Caption", Type::Text, Text(adapter.caption)},
@@ -72,7 +78,7 @@ std::vector<Properties> AdapterRows(const State& state) {
     return rows;
 }
 
-std::vector<Properties> RouteRows(const State& state) {
+std::vector<Properties> RouteRows(const State& state, OptionalIndex /*index*/) {
     std::vector<Properties> rows;
     for (const PersistedRoute& route : state.routes) {
         rows.push_back({{"Destination", Type::Text, route.destination},
@@ -83,7 +89,7 @@ std::vector<Properties> RouteRows(const State& state) {
     return rows;
 }
 
-std::vector<Properties> ComputerRows(const State& state) {
+std::vector<Properties> ComputerRows(const State& state, OptionalIndex /*index*/) {
     const Membership& membership = state.membership;
     return {
         {{"Name", Type::Text, state.computerName},
@@ -95,11 +101,11 @@ std::vector<Properties> ComputerRows(const State& state) {
 }
 
 // The names and types of a class are those of a row of a machine that has one of everything.
-Properties Shape(std::vector<Properties> (*rows)(const State&)) {
+Properties Shape(std::vector<Properties> (*rows)(const State&, OptionalIndex)) {
     State state;
     state.adapters.emplace_back();
     state.routes.emplace_back();
-    Properties shape = rows(state).front();
+    Properties shape = rows(state, {}).front();
     for (Property& property : shape) {
         property.value = {};
     }
@@ -127,6 +133,13 @@ bool ParseKeyValue(std::string_view text, Value& value) {
 }
 
 }  // namespace
+
+OptionalIndex IndexOf(std::string_view property, const Value& value) {
+    const auto* const number = std::get_if<std::int32_t>(&value);
+    return number != nullptr && EqualNoCase(property, "Index")
+               ? OptionalIndex(static_cast<std::uint32_t>(*number))
+               : std::nullopt;
+}
 
 const Class* FindClass(std::string_view name) {
     static const std::vector<Class> classes = {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -26,13 +27,20 @@ struct Method {
     std::uint32_t (*run)(const Target& target, const Properties& in);
 };
 
+using OptionalIndex = std::optional<std::uint32_t>;
+
 struct Class {
     std::string_view name;
     std::string_view key;   // the property that object paths name
     Properties properties;  // names and types
-    std::vector<Properties> (*rows)(const State& state);
+    // With an index only those of adapters of that index, in a class of adapters.
+    std::vector<Properties> (*rows)(const State& state, OptionalIndex index);
     std::vector<Method> methods;
 };
+
+// The index that rows must have whose property has that value, where it is "Index": asking a
+// machine of many adapters for one must not make the rows of all.
+OptionalIndex IndexOf(std::string_view property, const Value& value);
 
 // Null when the namespace has no such class.
 const Class* FindClass(std::string_view name);

@@ -63,7 +63,7 @@ HRESULT ResolveTarget(const State& state, const Class& definition, const Method&
     if (path.isClass) {
         return CodeOf(method.isStatic ? WBEM_S_NO_ERROR : WBEM_E_INVALID_METHOD);
     }
-    const auto rows = definition.rows(state);
+    const auto rows = definition.rows(state, IndexOf(definition.key, path.key));
     const bool found = FindRow(rows, definition, path) != nullptr;
     return CodeOf(found ? WBEM_S_NO_ERROR : WBEM_E_NOT_FOUND);
 }
@@ -136,7 +136,7 @@ HRESULT Services::GetObject(BSTR path, LONG flags, IWbemContext* context, IWbemC
                       .HandOut(call);
         return call.Hresult(WBEM_S_NO_ERROR);
     }
-    const auto rows = definition->rows(Machine().state);
+    const auto rows = definition->rows(Machine().state, IndexOf(definition->key, parsed.key));
     const Properties* row = FindRow(rows, *definition, parsed);
     if (row == nullptr) {
         return call.Hresult(WBEM_E_NOT_FOUND);

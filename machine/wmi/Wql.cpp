@@ -248,7 +248,12 @@ QueryAnswer RunQuery(const State& state, const Query& query, std::vector<Propert
     if (!knowsAll || (query.condition && !Fits(*query.condition, *definition))) {
         return QueryAnswer::InvalidQuery;
     }
-    for (Properties& row : definition->rows(state)) {
+    OptionalIndex index;
+    if (query.condition && query.condition->kind == Condition::Kind::Compare &&
+        query.condition->comparison == "=") {
+        index = IndexOf(query.condition->property, query.condition->literal);
+    }
+    for (Properties& row : definition->rows(state, index)) {
         if (query.condition && !Holds(*query.condition, row)) {
             continue;
         }

@@ -23,7 +23,7 @@ public:
         return *this;
     }
 
-    /// A connection of its own for each query and each method.
+    /// A connection of its own for each query and each method; released are locator and services.
     Calls& Connection() {
         ++connections_;
         return Add({{"CoInitializeEx", 1},
@@ -31,27 +31,31 @@ public:
                     {"CoCreateInstance", 1},
                     {"ConnectServer", 1},
                     {"CoSetProxyBlanket", 1},
+                    {"Release", 2},
                     {"CoUninitialize", 1}});
     }
 
-    /// A query for one row: its first row and each property of it.
+    /// A query for one row: its first row and each property of it; released are row and enumerator.
     Calls& Query(std::size_t properties) {
-        return Connection().Add({{"ExecQuery", 1}, {"Next", 1}, {"Get", properties}});
+        return Connection().Rows(1, properties).Add({{"Next", 1}});
     }
     /// A query for all rows: one more Next says that there are no more.
     Calls& ListQuery(std::size_t rows, std::size_t properties) {
-        return Connection().Add({{"ExecQuery", 1}, {"Next", rows + 1}, {"Get", rows * properties}});
+        return Connection().Rows(rows, properties).Add({{"Next", rows + 1}});
     }
 
     /// A method on an adapter or on the class: its definition, its parameters if it has some, the
-    /// call, and "ReturnValue".
+    /// call, and "ReturnValue". Released are the class, what the call gave and, with parameters,
+    /// their definition and their instance.
     Calls& Method(std::size_t parameters) {
-        Connection().Add({{"GetObject", 1}, {"GetMethod", 1}, {"ExecMethod", 1}, {"Get", 1}});
-        return parameters == 0 ? *this : Add({{"SpawnInstance", 1}, {"Put", parameters}});
+        Connection().Add(
+            {{"GetObject", 1}, {"GetMethod", 1}, {"ExecMethod", 1}, {"Get", 1}, {"Release", 2}});
+        return parameters == 0 ? *this
+                               : Add({{"SpawnInstance", 1}, {"Put", parameters}, {"Release", 2}});
     }
     /// A method on the computer asks for the computer's name first, over the same connection.
     Calls& ComputerMethod(std::size_t parameters) {
-        return Method(parameters).Add({{"ExecQuery", 1}, {"Next", 1}, {"Get", 1}});
+        return Method(parameters).Rows(1, 1).Add({{"Next", 1}});
     }
 
     /// The adapter tree: the list of adapters with the one property that is read of it; of every
@@ -108,10 +112,23 @@ public:
         return Add({{"GetModuleFileNameA", 1}, {"GetFileAttributesA", 3}, {"MoveFileA", 1}});
     }
 
+    /// Where it is to go stands another: both are opened to see that, and the other is deleted.
+    Calls& FileReplacesAnother() {
+        return FilePutAway().Add({{"GetFileAttributesA", 1},
+                                  {"CreateFileA", 2},
+                                  {"GetFileInformationByHandle", 2},
+                                  {"CloseHandle", 2},
+                                  {"DeleteFileA", 1}});
+    }
+
     const std::map<std::string, std::size_t>& Counts() const { return counts_; }
     std::size_t Connections() const { return connections_; }
 
 private:
+    Calls& Rows(std::size_t rows, std::size_t properties) {
+        return Add({{"ExecQuery", 1}, {"Get", rows * properties}, {"Release", rows + 1}});
+    }
+
     std::map<std::string, std::size_t> counts_;
     std::size_t connections_ = 0;
 };
@@ -166,7 +183,7 @@ TEST(CallCount, ASettledAdapter) {
     calls.Query(1).Query(2);  // no DHCP, so the first address is looked at
     calls.Add({{"Sleep", 1}});
     calls.Query(1).Query(2).Query(2);
-    calls.FilePutAway();
+    calls.FileReplacesAnother();
     EXPECT_EQ(Count("dhcp-to-static", 2), calls.Counts());
 }
 
@@ -216,6 +233,7 @@ TEST(CallCount, MovingToAnotherUnit) {
     }
     calls.Query(1);
     calls.Add({{"CoInitialize", 1}, {"ADsOpenObject", 1}, {"MoveHere", 1}, {"CoUninitialize", 1}});
+    calls.Add({{"Release", 2}});  // the container and the moved object
     calls.FilePutAway();
     EXPECT_EQ(Count("move-to-another-unit"), calls.Counts());
 }

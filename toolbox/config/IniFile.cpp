@@ -64,7 +64,8 @@ std::uint64_t HashNoCase(std::string_view name) noexcept {
 /// Cuts a text into its trimmed, non-empty lines.
 class LineSplitter {
 public:
-    explicit LineSplitter(std::string_view text) noexcept : rest_(text) {}
+    explicit LineSplitter(std::string_view text) noexcept
+        : rest_(text), hasCarriageReturns_(text.find('\r') != std::string_view::npos) {}
 
     /// Nothing when the text is at its end.
     std::optional<std::string_view> Next() noexcept {
@@ -73,7 +74,8 @@ public:
             const std::size_t end = rest_.find('\n');
             std::string_view line = rest_.substr(0, end);
             rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
-            const std::size_t carriageReturn = line.find('\r');
+            const std::size_t carriageReturn =
+                hasCarriageReturns_ ? line.find('\r') : std::string_view::npos;
             if (number_ == 1 && end != std::string_view::npos) {
                 ending_ = carriageReturn == std::string_view::npos
                               ? IniFile::LineEnding::kLineFeed
@@ -92,6 +94,7 @@ public:
 
 private:
     std::string_view rest_;
+    bool hasCarriageReturns_;  // one look at the whole text spares one at each line
     std::size_t number_ = 0;
     IniFile::LineEnding ending_ = IniFile::LineEnding::kNone;
 };
@@ -112,7 +115,7 @@ public:
     template <class NameAt, class Equal>
     std::size_t Find(std::size_t count, std::string_view name, NameAt nameAt, Equal equal) {
         // Below this a scan is quicker.
-        constexpr std::size_t kFew = 8;
+        constexpr std::size_t kFew = 16;
         if (count <= kFew) {
             std::size_t position = 0;
             while (position < count &&
@@ -174,7 +177,9 @@ IniFile::~IniFile() = default;
 
 std::uint32_t IniFile::Load(const std::string& path, bool merge) {
     const File file(std::fopen(path.c_str(), "rb"));
-    if (!file || std::fseek(file.get(), 0, SEEK_END) != 0) {
+    // One read takes everything: a buffer of the library's own would only cost.
+    if (!file || std::setvbuf(file.get(), nullptr, _IONBF, 0) != 0 ||
+        std::fseek(file.get(), 0, SEEK_END) != 0) {
         return kFileError;
     }
     const long length = std::ftell(file.get());
