@@ -61,7 +61,6 @@ TEST(CommandLine, ExitCodesTellTheOutcomesApart) {
     const std::pair<Arguments, unsigned long> cases[] = {
         {{nothing}, 0},
         {{nothing, "--plan"}, 0},
-        {{nothing, "--until-done"}, 0},
         {{rename}, 3},
         {{rename, "--plan"}, 2},
         {{rename, "--until-done"}, 0},
@@ -72,7 +71,7 @@ TEST(CommandLine, ExitCodesTellTheOutcomesApart) {
         {{refused}, 65},
         {{refused, "--plan"}, 65},
         {{notAnAddress}, 65},
-        {{rename, "--fail", "LsaOpenPolicy"}, 1},
+        {{rename, "--fail", "ConnectServer"}, 1},
     };
     for (const auto& [arguments, exitCode] : cases) {
         const Outcome outcome = Configure(arguments);

@@ -81,17 +81,4 @@ TEST(CheckCommand, LongAndStrangeLinesAreShownInPart) {
     EXPECT_TRUE(Json::accept(RunHost({"--format", "json", "check", file.Path()}).data));
 }
 
-TEST(CheckCommand, SecretsAreInNoOutput) {
-    const ScratchFile file(
-        "[Networking]\nDomainUsername=c4n4ry\nDomainPassword=c4n4ry\nc4n4ry\nDomainPasword=c4n4ry\n"
-        "DomainUsername=c4n4ry%\n[TCP/IP]\nDomainPassword=\"c4n4ry\"\n",
-        "secret.ini");
-    for (const char* const format : {"text", "json"}) {
-        const Outcome outcome = RunHost({"check", "--format", format, file.Path()});
-        EXPECT_EQ(outcome.exitCode, 65U);
-        EXPECT_THAT(outcome.data + outcome.notes, Not(HasSubstr("c4n4ry")));
-        EXPECT_THAT(outcome.data, HasSubstr("***"));
-    }
-}
-
 }  // namespace
