@@ -73,7 +73,8 @@ TEST_F(Report, SaysOfEverySettingWhatBecomesOfItAndWhy) {
 site.ini:2  Adapter        PCI 3/0/0 "Ethernet 2" (index 7)
   * Back office                         the next free PCI adapter
 site.ini:4  IP addresses   PCI 3/0/0 "Ethernet 2" (index 7)
-  = 10.0.0.20/255.255.255.0 -> 10.0.0.20/255.255.0.0  skipped although it differs: the module compares the first address alone
+  = 10.0.0.20/255.255.255.0 -> 10.0.0.20/255.255.0.0  )"
+                         R"(skipped although it differs: the module compares the first address alone
 site.ini:6  Gateways       PCI 3/0/0 "Ethernet 2" (index 7)
   = 10.0.0.254                          already set
 site.ini:8  DNS servers    PCI 3/0/0 "Ethernet 2" (index 7)

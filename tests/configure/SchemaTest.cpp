@@ -133,7 +133,7 @@ TEST(SchemaOfConfigure, RefusesWhatIsNoOutput) {
     for (const char* place : {"/extra", "/file", "/passes/0/settings/0/fate", "/passes/0/failure",
                               "/passes/0/reply/Result"}) {
         Json spoilt = good;
-        spoilt[Json::json_pointer(place)] = 1;
+        spoilt[Json::json_pointer(place)] = true;
         EXPECT_NE(schema.Faults(spoilt), "") << place;
     }
     good.erase("passes");
