@@ -1,6 +1,7 @@
 #include "host/LogSink.h"
 
 #include <cstdarg>
+#include <string_view>
 #include <utility>
 
 #include "common/util/Strings.h"
@@ -15,6 +16,15 @@ void LogSink::Log(std::uint32_t level, const char* format, ...) {
     LogLine line{level, util::FormatV(format, arguments)};
     va_end(arguments);
     receiver_(line);
+}
+
+void HideAccount(std::string& text) {
+    constexpr std::string_view opening = "{User=";
+    const std::size_t start = text.find(opening);
+    const std::size_t end = text.rfind('}');
+    if (start != std::string::npos && end != std::string::npos && end > start + opening.size()) {
+        text.replace(start + opening.size(), end - start - opening.size(), "***");
+    }
 }
 
 }  // namespace host

@@ -14,6 +14,10 @@ struct LogLine {
     std::string text;
 };
 
+/// The module names the account of a change in its log, which the configuration file has
+/// enciphered: three asterisks take its place.
+void HideAccount(std::string& text);
+
 /// Formats what the module logs, as the agent does: what arrives is a format, even where the module
 /// hands over a finished line. Lines of every level are passed on.
 class LogSink final : public IHostLogSink {

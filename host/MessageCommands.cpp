@@ -32,7 +32,10 @@ void ReportReply(const Message& message, Output& output) {
 /// reported too when the module lets an exception escape.
 std::int32_t SendAndReport(const Module& module, Message& message, Output& output) {
     output.Document()["log"] = Json::array();
-    LogSink log([&](const LogLine& line) { output.Log(line); });
+    LogSink log([&](LogLine line) {
+        HideAccount(line.text);
+        output.Log(line);
+    });
     std::int32_t result = 0;
     try {
         result = module.Send(message, log);

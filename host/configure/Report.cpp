@@ -121,6 +121,10 @@ void PrintEnd(const Outcome& outcome, Output& output) {
         }
         output.Line("Never settles: a further run would not leave the machine as it is.",
                     Tone::kBad);
+        if (const auto& failure = outcome.furtherRun->story.failure) {
+            output.Line("  it would fail: " + WhatFailed(*outcome.furtherRun) + ": " +
+                        failure->text);
+        }
         for (const Row& row : outcome.furtherRun->rows) {
             if (row.fate == Fate::kChange || row.fate == Fate::kFailed) {
                 output.Line("  again: " + std::string(Label(row.setting.kind)) + ", " +

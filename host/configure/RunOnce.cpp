@@ -37,16 +37,6 @@ void ReplaceAll(std::string& text, const std::string& from, const std::string& t
     }
 }
 
-/// The module names the account of a change in its log: text that was enciphered in the file.
-void MaskAccount(std::string& text) {
-    constexpr std::string_view opening = "{User=";
-    const std::size_t start = text.find(opening);
-    const std::size_t end = text.rfind('}');
-    if (start != std::string::npos && end != std::string::npos && end > start + opening.size()) {
-        text.replace(start + opening.size(), end - start - opening.size(), "***");
-    }
-}
-
 /// A call that the simulation does not serve would reach this machine.
 void RefuseUnserved(const machine::Simulation& simulation) {
     if (!simulation.UnservedImports().empty()) {
@@ -107,7 +97,7 @@ Run RunOnSimulation(const std::string& modulePath, machine::Simulation& simulati
     const std::size_t unexpectedBefore = simulation.Unexpected().size();
     LogSink log([&](LogLine line) {
         ReplaceAll(line.text, copy, file);
-        MaskAccount(line.text);
+        HideAccount(line.text);
         watcher(line.text);
         Mark mark{std::move(line), simulation.GetTrace().Size() - callsBefore, nullptr};
         if (mark.line.level == kProgressLevel) {
@@ -136,7 +126,7 @@ Run RunOnThisMachine(const std::string& modulePath, const std::string& file,
     run.before = snapshot::TakeSnapshot().state;
     const Module module(modulePath);
     LogSink log([&](LogLine line) {
-        MaskAccount(line.text);
+        HideAccount(line.text);
         watcher(line.text);
         run.log.push_back({std::move(line), 0, nullptr});
     });

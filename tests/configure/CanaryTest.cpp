@@ -32,6 +32,7 @@ protected:
         EXPECT_THAT(text, Not(HasSubstr(kPassword))) << where;
         EXPECT_THAT(text, Not(HasSubstr(kUser))) << where;
         EXPECT_THAT(text, Not(HasSubstr(machine::Encipher(kPassword)))) << where;
+        EXPECT_THAT(text, Not(HasSubstr(machine::Encipher(kUser)))) << where;
     }
 
     /// Runs the program and searches all that it writes; returns its data.
@@ -63,6 +64,7 @@ TEST_F(Canary, Configure) {
             return Run(arguments);
         };
         run({"--plan", "--log"});
+        run({"--log", "--trace", lines, "--save-machine", saved});
         run({"--plan", "--until-done", "--log"});
         // The canary would sing: the account really joins the machine.
         EXPECT_THAT(run({"--until-done", "--log", "--trace", lines, "--save-machine", saved}),
@@ -72,6 +74,10 @@ TEST_F(Canary, Configure) {
         run({"--log", "--fail", "Rename=5"});
         run({"--log", "--fail", "Decrypt"});
         run({"--log", "--fail", "Put#3"});
+        run({"--trace", lines, "--save-machine", saved, "--fail", "call:20+"});
+        ExpectSilent(ReadFile(lines), "calls of a failing run");
+        EXPECT_THAT(ReadFile(saved), Not(HasSubstr(kPassword)));
+        run({"--until-done", "--trace", lines, "--save-machine", saved});
         ExpectSilent(ReadFile(lines), "lines of calls");
         ExpectSilent(ReadFile(timeline), "timeline of calls");
         // The account is there by name: the machine file that was given names it too.
@@ -93,18 +99,46 @@ TEST_F(Canary, MovesInTheDirectory) {
     Run({"configure", move, "--machine", machine, "--log", "--fail", "ADsOpenObject"});
 }
 
+TEST_F(Canary, OnThisMachine) {
+    // It has no "LibCrypto.dll": every request fails, and the file is put away.
+    const std::string text = Configuration("ComputerName=CAGE-1\n");
+    const std::string away = files_.Name(host_tests::BesideProgram("canary-here.ini"));
+    for (const char* format : {"text", "json"}) {
+        const auto file = [&] { return files_.Write("canary-here.ini", text); };
+        Run({"configure", file(), "--this-machine", "--plan", "--log", "--format", format});
+        Run({"configure", file(), "--this-machine", "--yes", "--log", "--format", format});
+        EXPECT_TRUE(FileExists(away));
+        Run({"send", "Internal", "Configure", "Filename=" + file(), "--format", format});
+    }
+    // A module that does decipher names the account in its log.
+    Run({"--module", host_tests::BesideProgram("odd_module.dll"), "send",
+         "Name=PC7 {User=" + std::string(kUser) + "}", "Success"});
+}
+
 TEST_F(Canary, TheOtherSubcommands) {
     // The keys where they do nothing, twice, and misspelt: nothing of them is worth showing.
     const std::string odd = files_.Write(
         "canary-odd.ini", "[TCP/IP]\nDomainPassword=" + std::string(kPassword) + "\n" +
                               Configuration("DomainPassword=" + std::string(kPassword) +
                                             "\nDomainPasword=" + kPassword + "\n"));
+    const std::string snapshot = files_.Name("canary-snapshot.json");
     for (const char* format : {"text", "json"}) {
-        Run({"check", odd, "--format", format});
-        Run({"configure", odd, "--machine", machine_, "--plan", "--format", format});
-        Run({"snapshot", "--format", format});
-        Run({"version", "--format", format});
-        Run({"update-info", "--format", format});
+        for (const Arguments& arguments : std::initializer_list<Arguments>{
+                 {"check", odd},
+                 {"check", odd, "--strict"},
+                 {"configure", odd, "--machine", machine_, "--plan", "--log"},
+                 {"configure", odd, "--machine", odd},
+                 {"configure", odd, "--no-such-option"},
+                 {"snapshot"},
+                 {"snapshot", "--output", snapshot},
+                 {"version"},
+                 {"version", "--module", odd},
+                 {"update-info"}}) {
+            Arguments all = arguments;
+            all.insert(all.end(), {"--format", format});
+            Run(all);
+        }
+        ExpectSilent(ReadFile(snapshot), "snapshot");
     }
 }
 

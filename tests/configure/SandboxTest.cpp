@@ -54,17 +54,12 @@ TEST(Sandbox, TheFileStaysWhateverTheModuleDoesWithIt) {
         EXPECT_EQ(ReadFile(config), kConfig) << fault;
         EXPECT_EQ(ReadFile(beside), "not to be touched") << fault;
     }
+    Configure({beside});
+    EXPECT_EQ(ReadFile(beside), "not to be touched");
     EXPECT_EQ(PrivateFolders(), foldersBefore);
     EXPECT_EQ(ListFolder("\\*"), rootBefore);
     EXPECT_EQ(ListFolder(BesideProgram("*.ini")), folderBefore);
     SetFileAttributesA(config.c_str(), FILE_ATTRIBUTE_NORMAL);
-}
-
-TEST(Sandbox, AFileBesideTheProgramIsCopiedToo) {
-    Files files;
-    const std::string config = files.Write(BesideProgram("beside.ini"), kConfig);
-    EXPECT_EQ(Configure({config, "--until-done"}).exitCode, 0U);
-    EXPECT_EQ(ReadFile(config), kConfig);
 }
 
 TEST(Sandbox, ARunHereTakesTheFileAsTheAgentWould) {

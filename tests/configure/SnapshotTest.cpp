@@ -11,8 +11,6 @@ namespace {
 using namespace configure_tests;
 using host_tests::Outcome;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 TEST(Snapshot, IsAMachineFileOfThisMachine) {
     char name[256] = "";
@@ -48,13 +46,6 @@ TEST(Snapshot, CanBePlannedOn) {
     EXPECT_EQ(onFile.at("passes"), here.at("passes"));
     EXPECT_EQ(SettingOf(here.at("passes")[0], "computer-name").at("fate"), "change");
     EXPECT_TRUE(FileExists(config));
-}
-
-TEST(Snapshot, AFileThatCannotBeWrittenIsNamed) {
-    const Outcome outcome = host_tests::RunHost({"snapshot", "-o", "no/such/folder/s.json"});
-    EXPECT_EQ(outcome.exitCode, 1U);
-    EXPECT_THAT(outcome.data, IsEmpty());
-    EXPECT_THAT(outcome.notes, HasSubstr("no/such/folder/s.json"));
 }
 
 }  // namespace

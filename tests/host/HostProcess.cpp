@@ -2,10 +2,10 @@
 
 #include <windows.h>
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
-#include <thread>
-#include <utility>
 
 #include "host/Module.h"
 #include "host/Text.h"
@@ -19,31 +19,36 @@ struct HandleCloser {
 };
 using Handle = std::unique_ptr<void, HandleCloser>;
 
-struct Pipe {
-    Handle read;
-    Handle write;
+/// Takes what a program prints. A file and no pipe: what the program starts of the system's
+/// services keeps what it inherits, and the end of a pipe would never come.
+class Capture {
+public:
+    Capture() {
+        char folder[MAX_PATH + 1] = "";
+        GetTempPathA(sizeof folder, folder);
+        GetTempFileNameA(folder, "out", 0, name_);
+        SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+        file_.reset(CreateFileA(name_, GENERIC_WRITE,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inherited,
+                                CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
+    ~Capture() {
+        file_.reset();
+        DeleteFileA(name_);
+    }
+    Capture(const Capture&) = delete;
+    Capture& operator=(const Capture&) = delete;
+
+    void* File() const { return file_.get(); }
+    std::string Text() const {
+        std::ifstream file(name_, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+private:
+    char name_[MAX_PATH + 1] = "";
+    Handle file_;
 };
-
-Pipe MakePipe() {
-    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-    HANDLE read = nullptr;
-    HANDLE write = nullptr;
-    if (!CreatePipe(&read, &write, &inherited, 0)) {
-        throw std::runtime_error("CreatePipe failed");
-    }
-    SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
-    return {Handle(read), Handle(write)};
-}
-
-std::string ReadAll(void* pipe) {
-    std::string text;
-    char buffer[4096];
-    DWORD count = 0;
-    while (ReadFile(pipe, buffer, sizeof buffer, &count, nullptr) && count > 0) {
-        text.append(buffer, count);
-    }
-    return text;
-}
 
 /// As the C run-time library takes a command line apart.
 std::string Quoted(const std::string& argument) {
@@ -71,13 +76,13 @@ Outcome RunHost(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         commandLine += " " + Quoted(argument);
     }
-    Pipe data = MakePipe();
-    Pipe notes = MakePipe();
+    const Capture data;
+    const Capture notes;
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = data.write.get();
-    startup.hStdError = notes.write.get();
+    startup.hStdOutput = data.File();
+    startup.hStdError = notes.File();
     PROCESS_INFORMATION started{};
     if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                         &startup, &started)) {
@@ -86,14 +91,8 @@ Outcome RunHost(const std::vector<std::string>& arguments) {
     }
     const Handle process(started.hProcess);
     const Handle thread(started.hThread);
-    data.write.reset();
-    notes.write.reset();
-
-    Outcome outcome{};
-    std::thread notesReader([&] { outcome.notes = ReadAll(notes.read.get()); });
-    outcome.data = ReadAll(data.read.get());
-    notesReader.join();
     WaitForSingleObject(process.get(), INFINITE);
+    Outcome outcome{0, data.Text(), notes.Text()};
     GetExitCodeProcess(process.get(), &outcome.exitCode);
     return outcome;
 }

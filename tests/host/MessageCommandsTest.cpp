@@ -30,16 +30,12 @@ TEST(MessageCommands, WrongUsageSaysWhatIsWrong) {
         {{}, "subcommand is required"},
         {{"sned"}, "no subcommand \"sned\""},
         {{"version", "extra"}, "extra"},
-        {{"version", "--bogus"}, "--bogus"},
         {{"--format", "xml", "version"}, "xml"},
         {{"version", "--module"}, "--module"},
-        {{"update-info", "--count", "x"}, "--count"},
-        {{"update-info", "--count", "-1"}, "--count"},
         {{"update-info", "--count", "2147483648"}, "--count"},
         {{"send"}, "kind is required"},
         {{"send", "Internal"}, "name is required"},
         {{"send", "Internal", "Configure", "Filename"}, "\"Filename\" is not field=value"},
-        {{"send", "Internal", "Configure", "=x"}, "\"=x\" is not field=value"},
     };
     for (const auto& [arguments, words] : cases) {
         const Outcome outcome = RunHost(arguments);
@@ -49,40 +45,18 @@ TEST(MessageCommands, WrongUsageSaysWhatIsWrong) {
     }
 }
 
-TEST(MessageCommands, HelpIsData) {
-    const Outcome outcome = RunHost({"send", "--help"});
-    EXPECT_EQ(outcome.exitCode, 0U);
-    EXPECT_THAT(outcome.data, AllOf(HasSubstr("kind"), HasSubstr("fields")));
-    EXPECT_THAT(outcome.notes, IsEmpty());
-}
+TEST(MessageCommands, VersionAndUpdateInfo) {
+    const Json version = Parsed(RunHost({"version", "--format", "json"}));
+    EXPECT_EQ(version["version"], "6.8.282");
+    EXPECT_EQ(version["interface"], 1);
+    EXPECT_EQ(version["module"], BesideProgram("config.dll"));
 
-TEST(MessageCommands, Version) {
-    const Outcome text = RunHost({"version"});
-    EXPECT_EQ(text.exitCode, 0U);
-    EXPECT_THAT(text.data, HasSubstr("\nversion: 6.8.282\ninterface: 1\n"));
-    EXPECT_THAT(text.notes, IsEmpty());
-    const Json json = Parsed(RunHost({"version", "--format", "json"}));
-    EXPECT_EQ(json["version"], "6.8.282");
-    EXPECT_EQ(json["interface"], 1);
-    EXPECT_EQ(json["module"], BesideProgram("config.dll"));
-}
-
-TEST(MessageCommands, UpdateInfoAsTextAndAsJson) {
     const Outcome text = RunHost({"update-info", "--count", "3"});
-    EXPECT_EQ(text.exitCode, 0U);
-    EXPECT_EQ(text.data,
-              "Auto-Update-Current3: morvane-config-6.8.282.X64.dll\n"
-              "Auto-Update-Pattern3: agents\\tovrune\\morvane-config-*.X64.dll\n"
-              "Auto-Update-Count: 4\n"
-              "handler result: 2\n");
-    EXPECT_EQ(text.notes,
-              "[1] Toolbox-Main:77 Toolbox::DoMagic - Finding handler for Internal=UpdateInfo\n");
-
-    const Outcome same = RunHost({"send", "Internal", "UpdateInfo", "Auto-Update-Count=3"});
-    EXPECT_EQ(same.data, text.data);
+    EXPECT_THAT(text.data, AllOf(HasSubstr("Auto-Update-Current3: "),
+                                 HasSubstr("\nAuto-Update-Count: 4\nhandler result: 2\n")));
+    EXPECT_EQ(RunHost({"send", "Internal", "UpdateInfo", "Auto-Update-Count=3"}).data, text.data);
 
     const Outcome json = RunHost({"--format", "json", "update-info"});
-    EXPECT_EQ(json.exitCode, 0U);
     EXPECT_THAT(json.notes, IsEmpty());
     EXPECT_EQ(Parsed(json), Json::parse(R"({
                 "log": [{"level": 1, "text":
@@ -107,13 +81,9 @@ TEST(MessageCommands, TheExitCodeSaysHowTheMessageEnded) {
     for (const auto& [arguments, exitCode] : cases) {
         EXPECT_EQ(RunHost(arguments).exitCode, exitCode) << arguments.back();
     }
-}
-
-TEST(MessageCommands, AMissingConfigurationFileIsLoggedAsItIsNamed) {
-    const Outcome outcome = RunHost({"send", "Internal", "Configure", "Filename=100%n%s.ini"});
-    EXPECT_THAT(outcome.notes, HasSubstr("[0] Configure::HandleMessage(): File 100%n%s.ini does "
-                                         "not exist\n"));
-    EXPECT_EQ(outcome.data, "handler result: 0\n");
+    const Outcome missing = RunHost(cases[2].first);
+    EXPECT_THAT(missing.notes, HasSubstr("File 100%n%s.ini does not exist\n"));
+    EXPECT_EQ(missing.data, "handler result: 0\n");
 }
 
 TEST(MessageCommands, ModulesThatCannotBeUsed) {

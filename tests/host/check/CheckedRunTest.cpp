@@ -70,7 +70,7 @@ TEST(CheckedRun, AFileWithoutErrorsRunsWithoutAnError) {
     RandomFile files(4711);
     int good = 0;
     int failed = 0;
-    while (good < 100) {
+    while (good < 200) {
         const std::string text = files.Make();
         if (AsksForADomain(text)) {
             continue;

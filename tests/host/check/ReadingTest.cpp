@@ -1,68 +1,18 @@
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 #include <vector>
 
-#include "common/config/ConfigBuilder.h"
-#include "common/err/GeneralError.h"
-#include "common/logging/LogSink.h"
 #include "host/check/KnownNames.h"
 #include "tests/host/check/Checked.h"
 #include "tests/host/check/RandomFile.h"
-#include "toolbox/config/ConfigurationFileEvents.h"
+#include "toolbox/config/IniFile.h"
 
 namespace {
 
 using check_tests::Checked;
 using check_tests::RandomFile;
 using toolbox_tests::ScratchFile;
-
-/// The module's events, its real builder behind them. Returns the message of the error that they
-/// end with; empty for none.
-std::string ErrorOf(const std::string& text) {
-    const ScratchFile scratch(text, "property.ini");
-    IniFile file;
-    file.Load(scratch.Path(), false);
-    logging::NullLogSink log;
-    config::ConfigBuilder builder(log);
-    ConfigurationFileEvents events(
-        file,
-        [&builder](std::uint32_t kind, std::uint32_t type, const std::string& value) {
-            builder.ConfigEvent(kind, type, value);
-        },
-        [] { return [](const std::string& text_, std::string& plain) { plain = text_; }; });
-    try {
-        events.SuppressesReboot();
-        events.SendSections();
-    } catch (const err::CGeneralError& error) {
-        return error.Message();
-    }
-    return {};
-}
-
-TEST(CheckReading, AFileWithoutErrorsMakesNoErrorInTheModule) {
-    RandomFile files(20260101);
-#ifdef _WIN32
-    constexpr int kFiles = 400;  // each costs several milliseconds under Wine
-#else
-    constexpr int kFiles = 3000;
-#endif
-    std::map<bool, int> filesByVerdict;
-    int refused = 0;
-    for (int i = 0; i < kFiles; ++i) {
-        const std::string text = files.Make();
-        const bool good = Checked(text).Findings().Errors() == 0;
-        ++filesByVerdict[good];
-        const std::string error = ErrorOf(text);
-        refused += error.empty() ? 0 : 1;
-        ASSERT_TRUE(!good || error.empty()) << error << "\n" << text;
-    }
-    // The draw is worth something only while it holds many of each sort.
-    EXPECT_GT(filesByVerdict[true], kFiles / 10);
-    EXPECT_GT(filesByVerdict[false], kFiles / 10);
-    EXPECT_GT(refused, kFiles / 20);
-}
 
 TEST(CheckReading, LinesAreTakenApartAsTheModuleDoes) {
     RandomFile files(7);
