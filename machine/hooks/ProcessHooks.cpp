@@ -43,6 +43,20 @@ struct ProcessRequest {
                                      inheritHandles, flags, environment, directory, startup,
                                      information);
     }
+
+    /// Wine fails to start a program now and then, on a busy computer; the next attempt succeeds.
+    BOOL CreateInTheEnd() const {
+        constexpr int kAttempts = 5;
+        for (int attempt = 1; attempt < kAttempts; ++attempt) {
+            if (Create() != FALSE) {
+                return TRUE;
+            }
+            if (GetLastError() != ERROR_INTERNAL_ERROR) {
+                return FALSE;
+            }
+        }
+        return Create();
+    }
 };
 
 // The system's own route program is never started, on a real Windows machine either.
@@ -60,7 +74,7 @@ BOOL StartRoute(Call& call, ProcessRequest request) {
     std::string environment = child.Environment(static_cast<const char*>(request.environment));
     request.application = program.c_str();
     request.environment = environment.data();
-    const BOOL result = call.RealBoolean(request.Create());
+    const BOOL result = call.RealBoolean(request.CreateInTheEnd());
     if (result != FALSE) {
         child.Started(request.information->hProcess);
         call->routeChildren.push_back(std::move(child));

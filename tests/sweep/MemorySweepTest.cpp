@@ -13,8 +13,8 @@
 namespace sweep {
 namespace {
 
-constexpr std::uint64_t mostRequestsOnce = 150;
-constexpr std::uint64_t mostRequestsStaying = 60;
+constexpr std::uint64_t mostRequestsOnce = 40;
+constexpr std::uint64_t mostRequestsStaying = 15;
 
 /// What brings every part of the module to work: all commands of an adapter, routes, a join, a
 /// leave, a move.

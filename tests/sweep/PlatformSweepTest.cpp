@@ -19,9 +19,9 @@ namespace sweep {
 namespace {
 
 // Of a subject: with one failure nearly every call matters, with a staying one the first few do.
-constexpr std::uint64_t mostPointsOnce = 200;
-constexpr std::uint64_t mostPointsStaying = 80;
-constexpr std::uint64_t recoverEach = 8;  // points
+constexpr std::uint64_t mostPointsOnce = 60;
+constexpr std::uint64_t mostPointsStaying = 15;
+constexpr std::uint64_t recoverEach = 5;  // points
 
 struct Outcome {
     Ending ending;

@@ -72,8 +72,8 @@ private:
     std::string fileBehindFirst_;
 };
 
-/// The points 1 to count, or as many of them as `most`, evenly spread, the first and last among
-/// them.
+/// The points 1 to count; or as many of them as `most`, evenly spread, the first and last among
+/// them, unless the environment says TOOLBOX_SWEEP=all.
 std::vector<std::uint64_t> Sample(std::uint64_t count, std::uint64_t most);
 
 }  // namespace sweep
