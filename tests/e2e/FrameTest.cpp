@@ -2,11 +2,13 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
 #include <cstdio>
 #include <fstream>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "host/LogSink.h"
@@ -66,6 +68,22 @@ TEST_F(Frame, TheRecordIsTheSameOnEveryCallAndTakesNullArguments) {
     EXPECT_EQ(Api()->DoMagic(&message, nullptr), 0);
     EXPECT_THAT(message.Reply(), IsEmpty());
     EXPECT_THAT(lines_, IsEmpty());
+}
+
+TEST_F(Frame, ErrorsOnManyThreadsAtOnceLeaveTheLastErrorOfEach) {
+    constexpr DWORD kThreads = 40;
+    std::atomic<DWORD> right = 0;
+    std::vector<std::thread> threads;
+    for (DWORD i = 1; i <= kThreads; ++i) {
+        threads.emplace_back([&right, i, api = Api()] {
+            SetLastError(i);
+            right += api->DoMagic(nullptr, nullptr) == 0 && GetLastError() == i ? 1 : 0;
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(right, kThreads);
 }
 
 TEST_F(Frame, AMissingFileIsLoggedAsItIsNamed) {

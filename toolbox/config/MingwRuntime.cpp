@@ -5,18 +5,18 @@
 // theirs.
 #include <windows.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace {
 
-/// The library locks for a few instructions and never while it calls anybody, so that one lock can
-/// stand for all of its mutexes, and one condition for all of its conditions.
+/// The library locks for a few instructions and calls nobody meanwhile who waits, so that one lock
+/// can stand for all of its mutexes, and one condition for all of its conditions.
 class LibraryLock {
 public:
     void Enter() {
@@ -66,39 +66,38 @@ struct ThreadRecord {
     static constexpr std::size_t kUnit = alignof(std::max_align_t);
 
     std::uint32_t filled;  // a bit for each unit that a filled copy begins in
-    bool taken;            // of those in the reserve
     alignas(kUnit) std::byte copies[kCapacity];
 };
 
 // For the first errors of threads that begin without memory. The library's own reserve, for the
 // errors themselves, ends the process too when it is used up.
 constinit ThreadRecord reserve[32];
+constinit std::atomic<bool> taken[std::size(reserve)];
 DWORD slot = FLS_OUT_OF_INDEXES;
 std::size_t usedCapacity = 0;
 
+/// Takes no lock: the system calls this with its own held, and Prepare asks for that one with the
+/// library's held.
 void NTAPI FreeRecord(void* data) {
     auto* const record = static_cast<ThreadRecord*>(data);
     if (record >= std::begin(reserve) && record < std::end(reserve)) {
-        libraryLock.Enter();
         *record = {};
-        libraryLock.Leave();
+        taken[record - reserve] = false;
     } else {
         std::free(record);
     }
 }
 
-/// With the lock held.
 ThreadRecord* NewRecord() {
     if (void* const memory = std::calloc(1, sizeof(ThreadRecord))) {
         return static_cast<ThreadRecord*>(memory);
     }
-    auto* const record = std::find_if(std::begin(reserve), std::end(reserve),
-                                      [](const ThreadRecord& one) { return !one.taken; });
-    if (record == std::end(reserve)) {
-        std::abort();
+    for (std::size_t i = 0; i < std::size(reserve); ++i) {
+        if (!taken[i].exchange(true)) {
+            return &reserve[i];
+        }
     }
-    record->taken = true;
-    return record;
+    std::abort();
 }
 
 /// Gives the variable its place, and this thread a record if it has none.
@@ -179,6 +178,8 @@ int pthread_once(long* done, void (*function)()) {
 }
 
 void* __emutls_get_address(EmulatedVariable* variable) {
+    // Looking into a slot clears the last error, which whoever catches an error may yet report.
+    const DWORD lastError = GetLastError();
     ThreadRecord& record = Prepare(*variable);
     const std::size_t place = variable->place - 1;
     std::byte* const copy = record.copies + place;
@@ -189,6 +190,7 @@ void* __emutls_get_address(EmulatedVariable* variable) {
         }
         record.filled |= bit;
     }
+    SetLastError(lastError);
     return copy;
 }
 }
