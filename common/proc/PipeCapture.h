@@ -25,8 +25,8 @@ public:
     /// Takes over what both pipes hold at the moment. False if either read fails.
     bool Drain();
 
-    /// Gives the parent its standard handles back. False when there is nothing to give
-    /// back or a handle cannot be set.
+    /// Gives the parent its standard handles back. False when there is nothing to give back or a
+    /// handle cannot be set.
     bool Restore();
 
     const std::string& StandardOutput() const noexcept { return output_; }

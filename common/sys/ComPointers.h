@@ -69,6 +69,7 @@ public:
     Variant(Variant&& other) noexcept : value_(other.value_) { VariantInit(&other.value_); }
     Variant& operator=(Variant&&) = delete;
 
+    /// The makers of texts throw ComError when there is no memory for one.
     static Variant FromText(std::string_view narrow);
     static Variant FromInteger(std::int32_t value) noexcept;
     /// A one-dimensional array of texts with the lower bound 0.

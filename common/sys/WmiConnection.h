@@ -84,7 +84,8 @@ enum class WmiRows { kFirst, kAll };
 Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
                   const std::string& text, WmiRows rows, const std::function<void(WmiRow&)>& visit);
 
-/// The in-parameters of a method call.
+/// The in-parameters of a method call. Every Put throws CWmiError when the parameter is refused,
+/// and ComError when memory for a text is short.
 class WmiInParameters {
 public:
     WmiInParameters(IWbemClassObject& object, const WmiFailure& failure)

@@ -40,8 +40,8 @@ Subject LoadCase(const std::string& name) {
     return subject;
 }
 
-/// The locks and the thread's record that winpthreads makes on first use and never frees: what is
-/// left behind a request that throws an error and touches nothing.
+/// The thread's record that the first error makes and that stays until the module is unloaded: what
+/// is left behind a request that throws an error and touches nothing.
 const std::vector<std::string>& KeptByTheRuntime() {
     static const std::vector<std::string> kept = [] {
         const e2e::AgentFolder agent("runtime-agent");

@@ -3,9 +3,9 @@
 #include <cstdint>
 
 /// The interfaces between the agent (the host) and this module. The host may be built by another
-/// compiler: they hold no destructor, no overloads and plain C types only, so that the order of the
-/// slots is the same everywhere. Texts are narrow, in the system code page, zero-terminated, never
-/// null; what the host returns stays the host's and is copied at once.
+/// compiler: they hold no virtual destructor, no overloads and plain C types only, so that the
+/// order of the slots is the same everywhere. Texts are narrow, in the system code page,
+/// zero-terminated, never null; what the host returns stays the host's and is copied at once.
 
 /// One message and its reply. Implemented by the host, lent to the module for one DoMagic call.
 struct IHostMessage {

@@ -250,7 +250,6 @@ std::uint32_t IniFile::Parse(std::string_view text, bool merge) {
 }
 
 void IniFile::Clear() {
-    lastFound_ = nullptr;
     sections_.clear();
     *sectionIndex_ = NameIndex();
     texts_.clear();

@@ -11,8 +11,7 @@
 /// Reads an INI-style file: named sections of key/value lines. Never writes it. Bytes are bytes:
 /// nothing is converted, and NULs or unpaired quotes do not stop the parse.
 ///
-/// Texts are kept as views into the file's bytes, which the reader holds until the next
-/// plain load.
+/// Texts are kept as views into the file's bytes, which the reader holds until the next plain load.
 class IniFile {
 public:
     enum Result : std::uint32_t {
@@ -83,7 +82,6 @@ private:
     std::unique_ptr<NameIndex> sectionIndex_;
     std::vector<std::unique_ptr<char[]>> buffers_;  // the loaded files' bytes
     std::deque<std::string> texts_;                 // values put together from several lines
-    mutable const Section* lastFound_ = nullptr;
     std::size_t cursor_ = 0;
     LineEnding ending_ = LineEnding::kNone;
     bool entriesModified_ = false;
