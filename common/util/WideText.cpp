@@ -23,13 +23,13 @@ std::string Narrow(std::wstring_view wide) {
 }
 
 std::wstring Widen(std::string_view narrow) {
-    if (narrow.empty()) {
-        return {};
+    std::wstring wide;  // the only object returned: none that held a secret is left on the stack
+    if (!narrow.empty()) {
+        const int narrowLength = static_cast<int>(narrow.size());
+        const int length = MultiByteToWideChar(CP_ACP, 0, narrow.data(), narrowLength, nullptr, 0);
+        wide.resize(static_cast<std::size_t>(length));
+        MultiByteToWideChar(CP_ACP, 0, narrow.data(), narrowLength, wide.data(), length);
     }
-    const int narrowLength = static_cast<int>(narrow.size());
-    const int length = MultiByteToWideChar(CP_ACP, 0, narrow.data(), narrowLength, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(length), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, narrow.data(), narrowLength, wide.data(), length);
     return wide;
 }
 

@@ -71,7 +71,7 @@ struct ThreadRecord {
 
 // For the first errors of threads that begin without memory. The library's own reserve, for the
 // errors themselves, ends the process too when it is used up.
-constinit ThreadRecord reserve[32];
+constinit ThreadRecord reserve[32] = {};
 constinit std::atomic<bool> taken[std::size(reserve)];
 DWORD slot = FLS_OUT_OF_INDEXES;
 std::size_t usedCapacity = 0;
@@ -167,6 +167,7 @@ int pthread_cond_broadcast(PthreadObject* /*condition*/) {
     libraryLock.WakeAll();
     return 0;
 }
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): theirs say nothing.
 int pthread_once(long* done, void (*function)()) {
     libraryLock.Enter();
     if (*done == 0) {
