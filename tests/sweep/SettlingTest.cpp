@@ -18,7 +18,11 @@ namespace sweep {
 namespace {
 
 constexpr std::uint64_t firstSeed = 20'000;
+#ifdef TOOLBOX_CHECKED
+constexpr std::uint64_t pairs = 50;  // the guard allocator takes its time
+#else
 constexpr std::uint64_t pairs = 200;
+#endif
 constexpr int mostRequests = 8;
 
 /// Whether the request did something that took effect. A pause does nothing, and what the machine
