@@ -12,10 +12,11 @@
 
 /// The machine that native programs run on: the stand-ins of the platform's functions answer from
 /// it and write down in it what they were asked to do. They change none of its settings (files
-/// apart), so that a test says itself what a machine looks like after a restart.
+/// apart), so that a test says itself what a machine looks like after a restart. Its name is PC1,
+/// and it is in the group WORKGROUP unless it is a member of a domain.
 namespace fake {
 
-/// One IP-enabled adapter. What is not set has no value: reading it leaves the caller's as it is.
+/// One IP-enabled adapter.
 struct Adapter {
     std::uint32_t index = 0;
     std::string pnpDeviceId;
@@ -43,9 +44,7 @@ sys::RouteRecord Route(const std::string& destination, const std::string& mask,
                        const std::string& nextHop, std::uint32_t metric);
 
 struct Machine {
-    std::string computerName = "PC1";
     bool member = false;
-    std::string workgroup = "WORKGROUP";
     std::string domain;
     std::string dnsDomain;
     std::string unit;  ///< where the computer object is, as a slash path
@@ -53,8 +52,7 @@ struct Machine {
     std::vector<sys::RouteRecord> routes;
     /// What resolves: a name and its address, empty for an entry without one.
     std::map<std::string, std::string> hostNames;
-    std::set<std::string> files;  ///< paths that count as existing files
-    std::string executable = "C:\\agent\\agent.exe";
+    std::set<std::string> files;   ///< paths that count as existing files
     bool hasCryptoLibrary = true;  ///< its cipher writes a text backwards
 
     /// Called when the function of that name, or any function, is called, after the call was

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <memory>
 
 #include "common/err/GeneralError.h"
@@ -52,15 +51,13 @@ void Domain::ForgetPassword() noexcept {
 bool Domain::IsDomainMember() {
     fake::NoteQuery("IsDomainMember");
     member_ = TheMachine().member;
-    if (!member_) {
-        workgroup_ = TheMachine().workgroup;
-        return false;
-    }
-    domain_ = TheMachine().domain;
-    if (!TheMachine().dnsDomain.empty()) {
+    if (member_) {
+        domain_ = TheMachine().domain;
         dnsDomain_ = TheMachine().dnsDomain;
+    } else {
+        workgroup_ = "WORKGROUP";
     }
-    return true;
+    return member_;
 }
 
 const std::string& Domain::GetOu(std::string& out, bool asDn) {
@@ -173,47 +170,27 @@ std::int32_t RunCommand(const std::string& commandLine) {
 
 namespace util {
 
-namespace {
-
-constexpr std::int32_t kFileNotFound = 2;
-constexpr std::int32_t kFileExists = 80;
-
-std::string SameSpelling(std::string path) {
-    std::transform(path.begin(), path.end(), path.begin(),
-                   [](char byte) { return byte == '/' ? '\\' : ToUpper(byte); });
-    return path;
-}
-
-}  // namespace
-
 bool FileExists(const std::string& path) {
     return TheMachine().files.contains(path);
 }
 
 void MoveFile(const std::string& source, const std::string& destination) {
     fake::NoteChange("MoveFile", source + ", " + destination);
-    if (FileExists(destination)) {
-        throw CFileIOError("Destination file exists ", 97, kFileExists);
-    }
-    if (TheMachine().files.erase(source) == 0) {
-        throw CFileIOError("Source file does not exist ", 100, kFileNotFound);
-    }
+    TheMachine().files.erase(source);
     TheMachine().files.insert(destination);
 }
 
 void DeleteFile(const std::string& path) {
     fake::NoteChange("DeleteFile", path);
-    if (TheMachine().files.erase(path) == 0) {
-        throw CFileIOError("Delete failed - target does not exist", 136, kFileNotFound);
-    }
+    TheMachine().files.erase(path);
 }
 
 bool IsSameFile(const std::string& left, const std::string& right) {
-    return SameSpelling(left) == SameSpelling(right);
+    return left == right;
 }
 
 std::string ExecutablePath() {
-    return TheMachine().executable;
+    return "C:\\agent\\agent.exe";
 }
 
 SplitPath Split(const std::string& path) {

@@ -16,23 +16,16 @@ using config::command::JoinTexts;
 using fake::Adapter;
 using fake::TheMachine;
 
-constexpr std::int32_t kFileNotFound = 2;
-
 std::string Number(std::uint32_t number) {
     return std::to_string(number);
 }
 
-/// Writes the query down and calls `read` with the adapter, if there is one of that index.
-template <class Read>
-Result QueryAdapter(const char* function, std::uint32_t index, Read read) {
+/// Writes the query down; the adapter of that index, or one of which nothing is known.
+const Adapter& Query(const char* function, std::uint32_t index) {
+    static const Adapter none;
     fake::NoteQuery(function, Number(index));
-    for (const Adapter& adapter : TheMachine().adapters) {
-        if (adapter.index == index) {
-            read(adapter);
-            break;
-        }
-    }
-    return 0;
+    const auto found = std::ranges::find(TheMachine().adapters, index, &Adapter::index);
+    return found == TheMachine().adapters.end() ? none : *found;
 }
 
 void ReadFirst(const std::vector<std::string>& texts, ipc::IPv4Address& address) {
@@ -52,19 +45,22 @@ std::uint32_t Change(const char* function, const std::string& arguments) {
     return fake::ReturnOf(function);
 }
 
-/// The value, or the error of a key or value that is not there.
-const std::string& Value(const std::optional<std::string>* value) {
-    if (value == nullptr || !value->has_value()) {
-        throw RegistryError("Open registry key failed", 0, 0, kFileNotFound);
+/// A value of the adapter that the key names, or the error of a key or value that is not there.
+std::string ReadValue(const char* function, const std::string& key, std::string Adapter::*name,
+                      std::optional<std::string> Adapter::*value) {
+    fake::NoteQuery(function, key);
+    const auto found = std::ranges::find(TheMachine().adapters, key, name);
+    if (found == TheMachine().adapters.end() || !((*found).*value).has_value()) {
+        throw RegistryError("Open registry key failed", 0, 0, 2);
     }
-    return **value;
+    return *((*found).*value);
 }
 
 }  // namespace
 
 Result getComputerName(std::string& name) {
     fake::NoteQuery("getComputerName");
-    name = TheMachine().computerName;
+    name = "PC1";
     return 0;
 }
 
@@ -77,63 +73,63 @@ Result getIpEnabledAdapters(std::vector<std::uint32_t>& indexes) {
 }
 
 Result getDhcpEnabled(std::uint32_t index, bool& enabled) {
-    return QueryAdapter("getDhcpEnabled", index,
-                        [&](const Adapter& adapter) { enabled = adapter.dhcpEnabled; });
+    enabled = Query("getDhcpEnabled", index).dhcpEnabled;
+    return 0;
 }
 
 Result getIpAddressAndMask(std::uint32_t index, ipc::IPv4Address& address, ipc::IPv4Address& mask) {
-    return QueryAdapter("getIpAddressAndMask", index, [&](const Adapter& adapter) {
-        ReadFirst(adapter.addresses, address);
-        ReadFirst(adapter.masks, mask);
-    });
+    const Adapter& adapter = Query("getIpAddressAndMask", index);
+    ReadFirst(adapter.addresses, address);
+    ReadFirst(adapter.masks, mask);
+    return 0;
 }
 
 Result getDnsServersAndSuffixes(std::uint32_t index, std::vector<ipc::IPv4Address>& servers,
                                 std::vector<std::string>& suffixes) {
-    return QueryAdapter("getDnsServersAndSuffixes", index, [&](const Adapter& adapter) {
-        Append(adapter.dnsServers, servers);
-        suffixes.insert(suffixes.end(), adapter.dnsSuffixes.begin(), adapter.dnsSuffixes.end());
-    });
+    const Adapter& adapter = Query("getDnsServersAndSuffixes", index);
+    Append(adapter.dnsServers, servers);
+    suffixes.insert(suffixes.end(), adapter.dnsSuffixes.begin(), adapter.dnsSuffixes.end());
+    return 0;
 }
 
 Result getSettingId(std::uint32_t index, std::string& settingId) {
-    return QueryAdapter("getSettingId", index,
-                        [&](const Adapter& adapter) { settingId = adapter.settingId; });
+    settingId = Query("getSettingId", index).settingId;
+    return 0;
 }
 
 Result getDnsDomainAndHostName(std::uint32_t index, std::string& domain, std::string& hostName) {
-    return QueryAdapter("getDnsDomainAndHostName", index, [&](const Adapter& adapter) {
-        domain = adapter.dnsDomain;
-        hostName = adapter.dnsHostName;
-    });
+    const Adapter& adapter = Query("getDnsDomainAndHostName", index);
+    domain = adapter.dnsDomain;
+    hostName = adapter.dnsHostName;
+    return 0;
 }
 
 Result getGateways(std::uint32_t index, std::vector<ipc::IPv4Address>& gateways) {
-    return QueryAdapter("getGateways", index,
-                        [&](const Adapter& adapter) { Append(adapter.gateways, gateways); });
+    Append(Query("getGateways", index).gateways, gateways);
+    return 0;
 }
 
 Result getMacAddress(std::uint32_t index, std::string& macAddress) {
-    return QueryAdapter("getMacAddress", index,
-                        [&](const Adapter& adapter) { macAddress = adapter.macAddress; });
+    macAddress = Query("getMacAddress", index).macAddress;
+    return 0;
 }
 
 Result getAdapterTypeAndManufacturer(std::uint32_t index, std::string& type,
                                      std::string& manufacturer) {
-    return QueryAdapter("getAdapterTypeAndManufacturer", index, [&](const Adapter& adapter) {
-        type = adapter.adapterType;
-        manufacturer = adapter.manufacturer;
-    });
+    const Adapter& adapter = Query("getAdapterTypeAndManufacturer", index);
+    type = adapter.adapterType;
+    manufacturer = adapter.manufacturer;
+    return 0;
 }
 
 Result getCaption(std::uint32_t index, std::string& caption) {
-    return QueryAdapter("getCaption", index,
-                        [&](const Adapter& adapter) { caption = adapter.caption; });
+    caption = Query("getCaption", index).caption;
+    return 0;
 }
 
 Result getPnpDeviceId(std::uint32_t index, std::string& deviceId) {
-    return QueryAdapter("getPnpDeviceId", index,
-                        [&](const Adapter& adapter) { deviceId = adapter.pnpDeviceId; });
+    deviceId = Query("getPnpDeviceId", index).pnpDeviceId;
+    return 0;
 }
 
 Result getStaticRoutes(std::vector<RouteRecord>& routes) {
@@ -143,21 +139,12 @@ Result getStaticRoutes(std::vector<RouteRecord>& routes) {
 }
 
 std::string readLocationInformation(const std::string& pnpDeviceId) {
-    fake::NoteQuery("readLocationInformation", pnpDeviceId);
-    const std::optional<std::string>* value = nullptr;
-    for (const Adapter& adapter : TheMachine().adapters) {
-        value = adapter.pnpDeviceId == pnpDeviceId ? &adapter.locationInformation : value;
-    }
-    return Value(value);
+    return ReadValue("readLocationInformation", pnpDeviceId, &Adapter::pnpDeviceId,
+                     &Adapter::locationInformation);
 }
 
 std::string readNameServer(const std::string& settingId) {
-    fake::NoteQuery("readNameServer", settingId);
-    const std::optional<std::string>* value = nullptr;
-    for (const Adapter& adapter : TheMachine().adapters) {
-        value = adapter.settingId == settingId ? &adapter.nameServer : value;
-    }
-    return Value(value);
+    return ReadValue("readNameServer", settingId, &Adapter::settingId, &Adapter::nameServer);
 }
 
 std::uint32_t renameComputer(const std::string& newName, const std::string& userName,

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -47,8 +46,6 @@ TEST(Dispatch, AnErrorOfTheModulesFamilyIsLoggedAndOthersPass) {
 
     host.onReadInteger = [] { throw std::bad_alloc(); };
     EXPECT_THROW(Send(host), std::bad_alloc);
-    host.onReadInteger = [] { throw std::invalid_argument("host"); };
-    EXPECT_THROW(Send(host), std::invalid_argument);
 }
 
 TEST(Dispatch, UpdateInfoAppendsOnePairAndCounts) {
@@ -59,9 +56,7 @@ TEST(Dispatch, UpdateInfoAppendsOnePairAndCounts) {
     };
     const UpdateCase cases[] = {
         {nullptr, "0", "1"},
-        {"0", "0", "1"},
         {"3", "3", "4"},
-        {"-1", "-1", "0"},
         {"2147483647", "2147483647", "-2147483648"},
     };
     for (const UpdateCase& test : cases) {

@@ -43,10 +43,8 @@ struct ParseCase {
 
 TEST(IniFile, EveryShapeOfLine) {
     const ParseCase cases[] = {
-        {"one byte", "x", ""},
         {"one opening bracket", "[", "[]"},
         {"one equals sign", "=", "[]1:=|"},
-        {"no final line feed", "[A]\nk=v", "[A]2:k=v|"},
         {"CR LF", "[A]\r\nk=v\r\n\r\nm=w\r\n", "[A]2:k=v|4:m=w|"},
         {"a lone CR cuts the line", "[A]\nk=v\rm=w\nn=x", "[A]2:k=v|3:n=x|"},
         {"CR alone is no line end", "[A]\rk=v\rm=w", "[A]"},
@@ -55,11 +53,9 @@ TEST(IniFile, EveryShapeOfLine) {
         {"other white space stays", "[A]\nk=\vv\f", "[A]2:k=\vv\f|"},
         {"the first equals sign splits", "[A]\nKey = value with = sign",
          "[A]2:Key=value with = sign|"},
-        {"a value of blanks", "[A]\nk=  \t\nm=", "[A]2:k=|3:m=|"},
         {"an empty key", "[A]\n=v", "[A]2:=v|"},
         {"comments keep their place", "; one\n[A]\n# two = 2\nk=v ; three\n  ; four",
          "[]1:=; one|[A]3:=# two = 2|4:k=v ; three|5:=; four|"},
-        {"only comments", ";a\n#b\n;c", "[]1:=;a|2:=#b|3:=;c|"},
         {"keys before any section", "k=v\n[A]\nk=w", "[]1:k=v|[A]3:k=w|"},
         {"an unnamed section in brackets is the same", "k=v\n[ ]\nm=w", "[]1:k=v|3:m=w|"},
         {"text after the closing bracket", "[A] k=v\n[B]]\n", "[A][B]"},
@@ -67,7 +63,6 @@ TEST(IniFile, EveryShapeOfLine) {
         {"brackets in brackets", "[[A]]\nk=v", "[[A]2:k=v|"},
         {"a repeated section continues the first", "[A]\nk=v\n[B]\n[ a ]\nk=w",
          "[A]2:k=v|5:k=w|[B]"},
-        {"a section without entries", "[A]\n[B]\n", "[A][B]"},
         {"a continuation line", "[A]\nk=v\nmore\n\n  and more\nm=w",
          "[A]2:k=v\nmore\nand more|6:m=w|"},
         {"a continued comment", "[A]\n;c\nmore", "[A]2:=;c\nmore|"},
@@ -76,7 +71,6 @@ TEST(IniFile, EveryShapeOfLine) {
          "[A]2:k=v\nmore|[B]4:m=w|"},
         {"a bracket inside a line is no section", "[A]\nk=[B]\nx[C]", "[A]2:k=[B]\nx[C]|"},
         {"NULs are bytes", "[A\0B]\nk\0=v\0w\n\0"s, "[A\0B]2:k\0=v\0w\n\0|"s},
-        {"unpaired quotes are bytes", "[A]\nk=\"v\nm='w", "[A]2:k=\"v|3:m='w|"},
         {"bytes above 127", "[\xC4]\n\xE4=\xFF\xFE", "[\xC4]2:\xE4=\xFF\xFE|"},
         {"a byte-order mark hides the first header", "\xEF\xBB\xBF[A]\nk=v", "[]2:k=v|"},
         {"only line feeds", "\n\n\r\n", ""},
@@ -100,10 +94,6 @@ TEST(IniFile, LookUpsDisregardCaseAndTheFirstEntryWins) {
         EXPECT_EQ(file.GetValue(section, "kEY", value), IniFile::kSuccess);
         EXPECT_EQ(value, "one") << section;
     }
-    // Letters of a code page do not take part.
-    const ScratchFile accents("[\xC4]\nk=v");
-    ASSERT_EQ(file.Load(accents.Path(), false), IniFile::kSuccess);
-    EXPECT_EQ(file.GetValue("\xE4", "k", value), IniFile::kSectionNotFound);
 }
 
 TEST(IniFile, CaseSensitiveKeysLeaveSectionsAlone) {
@@ -116,15 +106,18 @@ TEST(IniFile, CaseSensitiveKeysLeaveSectionsAlone) {
     EXPECT_EQ(file.GetValue("a", "KEY", value), IniFile::kKeyNotFound);
 }
 
-TEST(IniFile, TheWalkEndsAndStartsAgain) {
+TEST(IniFile, TheWalkOfWhatWasLoadedLastEndsAndStartsAgain) {
     IniFile file;
     std::string name = "before";
     EXPECT_EQ(file.GetFirstSection(name), IniFile::kSectionNotFound);
     EXPECT_EQ(file.GetNextSection(name), IniFile::kSectionNotFound);
     EXPECT_EQ(name, "before");
 
+    const ScratchFile discarded("[C]\nk=v\n", "discarded.ini");
     const ScratchFile scratch("[A]\n[B]\n");
+    ASSERT_EQ(file.Load(discarded.Path(), false), IniFile::kSuccess);
     ASSERT_EQ(file.Load(scratch.Path(), false), IniFile::kSuccess);
+    EXPECT_EQ(file.Entries("C"), nullptr);
     for (int pass = 0; pass < 2; ++pass) {
         EXPECT_EQ(file.GetFirstSection(name), IniFile::kSuccess);
         EXPECT_EQ(name, "A");
@@ -154,16 +147,6 @@ TEST(IniFile, AFileThatCannotBeReadLeavesTheReaderAsItWas) {
     }
 }
 
-TEST(IniFile, APlainLoadDiscardsWhatWasHeld) {
-    const ScratchFile first("[A]\nk=v\nmore\n", "first.ini");
-    const ScratchFile second("[B]\nm=w", "second.ini");
-    IniFile file;
-    ASSERT_EQ(file.Load(first.Path(), false), IniFile::kSuccess);
-    ASSERT_EQ(file.Load(second.Path(), false), IniFile::kSuccess);
-    EXPECT_EQ(Dump(file), "[B]2:m=w|");
-    EXPECT_EQ(file.Entries("A"), nullptr);
-}
-
 TEST(IniFile, AMergingLoadReplacesWhatDiffersAndSaysSo) {
     struct MergeCase {
         const char* what;
@@ -177,9 +160,8 @@ TEST(IniFile, AMergingLoadReplacesWhatDiffersAndSaysSo) {
         {"an equal value", "[a]\nK=v", IniFile::kSuccess, "[A]2:k=v|3:m=w|"},
         {"a value that differs in case alone", "[A]\nk=V", IniFile::kSuccess, "[A]2:k=v|3:m=w|"},
         {"another value", "[A]\n\nK=x", IniFile::kValueReplaced, "[A]3:k=x|3:m=w|"},
-        {"a continued replacement", "[A]\nk=x\ny", IniFile::kValueReplaced, "[A]2:k=x\ny|3:m=w|"},
-        {"one differs, one is new", "[A]\nk=x\nn=z", IniFile::kValueReplaced,
-         "[A]2:k=x|3:m=w|3:n=z|"},
+        {"one differs, one is new", "[A]\nk=x\ny\nn=z", IniFile::kValueReplaced,
+         "[A]2:k=x\ny|3:m=w|4:n=z|"},
     };
     const ScratchFile first("[A]\nk=v\nm=w\n", "first.ini");
     for (const MergeCase& test : cases) {
@@ -197,7 +179,6 @@ TEST(IniFile, AMergingLoadReplacesWhatDiffersAndSaysSo) {
 TEST(IniFile, TheFirstLineSaysHowLinesEnd) {
     const std::pair<const char*, IniFile::LineEnding> cases[] = {
         {"[A]", IniFile::LineEnding::kNone},
-        {"[A]\n", IniFile::LineEnding::kLineFeed},
         {"[A]\nk=v\r\n", IniFile::LineEnding::kLineFeed},
         {"[A]\r\nk=v\n", IniFile::LineEnding::kCarriageReturnLineFeed},
     };

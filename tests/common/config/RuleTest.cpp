@@ -110,21 +110,17 @@ TEST_F(Rules, DefaultScopeOffTheDomain) {
     ExpectCommands({
         {"", ""},
         {"NAME(PC9)", "renameComputer(PC9, :)"},
-        {"NAME()", "renameComputer(, :)"},
         {"WORKGROUP(SALES) USER(joe) PASSWORD(p)", "JoinWorkgroup(SALES, joe:p)"},
         {"WORKGROUP(WORKGROUP)", "JoinWorkgroup(WORKGROUP, :)"},  // the current one
         {"DOMAIN(d.e) OU(East/Sales) USER(joe) PASSWORD(p) NAME(PC9) USER(joe) PASSWORD(q)",
          "JoinDomainAndOu(d.e, East/Sales, joe:p); renameComputer(PC9, joe:q)"},
         {"DOMAIN(d.e) OU(East) OU(West)", "JoinDomainAndOu(d.e, West, :)"},
-        {"DOMAIN(a) DOMAIN(b)", "JoinDomainAndOu(a, , :); JoinDomainAndOu(b, , :)"},
         {"DOMAIN(a) WORKGROUP(b) OU(c)",
          "JoinDomainAndOu(a, , :); JoinWorkgroup(b, :); MoveOu(c, :)"},
         {"OU(East) USER(joe) PASSWORD(p) OU(West)", "MoveOu(East, joe:p); MoveOu(West, :)"},
         {"OU(East) USER(a) USER(b) PASSWORD(p) PASSWORD(q)", "MoveOu(East, b:q)"},
         {"USER(joe) PASSWORD(p) NAME(PC9)", "renameComputer(PC9, :)"},
-        {"+NIC(lan) - USER(joe) PASSWORD(p)", "ConfigureNic n/n/n index n {}"},
         {"NAME(PC9) +ROUTE - USER(joe) PASSWORD(p)", "renameComputer(PC9, :); SetStaticRoute"},
-        {"IGNORED(x)", ""},
     });
 }
 
@@ -132,8 +128,7 @@ TEST_F(Rules, DefaultScopeOfADomainMember) {
     MakeMember();
     ExpectCommands({
         {"DOMAIN(Corp.EXAMPLE)", ""},
-        {"DOMAIN(corp)", ""},
-        {"DOMAIN(CORP) OU(West) USER(joe)", "MoveOu(West, joe:)"},
+        {"DOMAIN(corp) OU(West) USER(joe)", "MoveOu(West, joe:)"},
         {"DOMAIN(other.example) OU(West)", "JoinDomainAndOu(other.example, West, :)"},
         {"WORKGROUP(SALES)", "JoinWorkgroup(SALES, :)"},
     });
@@ -146,15 +141,12 @@ TEST_F(Rules, DefaultScopeOfADomainMember) {
 }
 
 TEST_F(Rules, NicScope) {
-    machine.hostNames["dns.example"] = "10.9.9.9";
     ExpectNicCommands({
         {"DHCP", "enableDhcp(99)"},
-        {"DHCP DHCP", "enableDhcp(99); enableDhcp(99)"},
         {"STATIC GW(10.0.0.1) GW(10.0.0.1) GW(10.0.0.3)",
          "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty; setGateways(99, "
          "10.0.0.1,10.0.0.1,10.0.0.3)"},
         {"GW(10.0.0.1)", kGatewayError},
-        {"DHCP GW(10.0.0.1)", kGatewayError},
         {"STATIC DHCP GW(10.0.0.1)", kGatewayError},
         {"DHCP STATIC +IP ADDRESS(1.2.3.4) MASK(255.0.0.0) - GW(10.0.0.1)",
          "enableDhcp(99); enableStatic(99, 1.2.3.4, 255.0.0.0); setGateways(99, 10.0.0.1)"},
@@ -163,11 +155,8 @@ TEST_F(Rules, NicScope) {
          "setDnsServerSearchOrder(99, 10.0.0.3)"},
         {"DNS(0.0.0.0)", ""},
         {"DNS(1.1.1.1) DNS(0.0.0.0) DNS(2.2.2.2)", "setDnsServerSearchOrder(99, 1.1.1.1,2.2.2.2)"},
-        {"DNS(0.0.0.00)", "setDnsServerSearchOrder(99, 0.0.0.0)"},
         {"DNS( 0.0.0.0) DNS()", "setDnsServerSearchOrder(99, 255.255.255.255,255.255.255.255)"},
-        {"DNS(dns.example)", "setDnsServerSearchOrder(99, 10.9.9.9)"},
         {"DNS(nobody.example)", kHostError},
-        {"SUFFIX()", "setDnsSuffixSearchOrder()"},
     });
     ExpectCommands({
         {"+NIC(x) BUS(2) DEVICE(31) FUNCTION(7)", "ConfigureNic 2/31/7 index n {}"},
@@ -180,19 +169,16 @@ TEST_F(Rules, NicScope) {
 TEST_F(Rules, NicScopeNeedsItsCommandLast) {
     logging::NullLogSink log;
     config::ConfigBuilder builder(log);
-    const auto error = [&builder]() -> std::string {
+    for (int commands = 0; commands < 2; ++commands) {
+        std::string error;
         try {
             const config::NicRule rule(builder);
         } catch (...) {
-            return fake::ErrorText();
+            error = fake::ErrorText();
         }
-        return {};
-    };
-    const std::string corrupted =
-        "common\\config\\BuilderRule:216(0) Configure commands are corrupted";
-    EXPECT_EQ(error(), corrupted);
-    builder.AppendCommand(std::make_unique<config::command::JoinWorkgroup>("SALES"));
-    EXPECT_EQ(error(), corrupted);
+        EXPECT_EQ(error, "common\\config\\BuilderRule:216(0) Configure commands are corrupted");
+        builder.AppendCommand(std::make_unique<config::command::JoinWorkgroup>("SALES"));
+    }
 }
 
 TEST_F(Rules, IpInterfaceScope) {
@@ -208,14 +194,10 @@ TEST_F(Rules, IpInterfaceScope) {
          "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty"},
         {"STATIC +IP ADDRESS(10.0.0.1)",
          "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty"},
-        {"STATIC STATIC +IP ADDRESS(10.0.0.1) MASK(255.0.0.0)",
-         "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty; enableStatic(99, "
-         "10.0.0.1, 255.0.0.0)"},
         {"DHCP +IP -", "enableDhcp(99)"},
         {"DHCP +IP ADDRESS(10.0.0.1)", kNotStaticError},
         {"DHCP +IP NAME(x)", kNotStaticError},  // before the kind is looked at
         {"STATIC GW(10.0.0.1) +IP ADDRESS(10.0.0.1)", kNotStaticError},
-        {"STATIC +ROUTE - +IP ADDRESS(10.0.0.1)", kNotStaticError},
     });
     ExpectCommands({{"+IP -", ""}, {"+IP ADDRESS(10.0.0.1)", kNotStaticError}});
 }
@@ -227,7 +209,6 @@ TEST_F(Rules, StaticRouteScope) {
     };
     ExpectCommands({
         {"+ROUTE -", "SetStaticRoute"},
-        {"+ROUTE - +ROUTE -", "SetStaticRoute"},
         {"+ROUTE ADDRESS(10.0.0.0) MASK(255.0.0.0) RGW(10.1.1.1) FIELD4(x) METRIC(5) -",
          add("10.0.0.0 mask 255.0.0.0 10.1.1.1 METRIC 5")},
         {"+ROUTE ADDRESS(9.0.0.0) ADDRESS(8.0.0.0) MASK(255.0.0.0) RGW(10.1.1.1) GW(gate.example) "
@@ -235,7 +216,6 @@ TEST_F(Rules, StaticRouteScope) {
          add("8.0.0.0 mask 255.0.0.0 10.1.1.9 METRIC 7")},
         {"+ROUTE METRIC(-3) -",
          add("255.255.255.255 mask 255.255.255.255 255.255.255.255 METRIC -3")},
-        {"+ROUTE FIELD4() -", add("255.255.255.255 mask 255.255.255.255 255.255.255.255 METRIC 0")},
         {"+ROUTE ADDRESS(3.0.0.0) - +ROUTE - +ROUTE ADDRESS(2.0.0.0) -",
          add("2.0.0.0 mask 255.255.255.255 255.255.255.255 METRIC 0") + "; " +
              add("3.0.0.0 mask 255.255.255.255 255.255.255.255 METRIC 0")},
@@ -245,7 +225,6 @@ TEST_F(Rules, StaticRouteScope) {
          "{}; SetStaticRoute"},
         {"+ROUTE ADDRESS(nobody.example)", "SetStaticRoute"},  // never finished
         {"+ROUTE ADDRESS(nobody.example) -", kHostError},
-        {"+ROUTE NAME(x)", kRouteError},
     });
 }
 
@@ -254,16 +233,13 @@ TEST_F(Rules, UnbalancedScopes) {
         {"-", ""},
         {"- -", kEndError},
         {"+NIC(x) - - -", kEndError},
-        {"- NAME(x)", kValueError},
         {"- +DHCP", kValueError},
-        {"- +NIC(x) DHCP - -", kEndError},
         {"- +NIC(x) DHCP +IP -ROUTE DNS(1.2.3.4) -NAME",
          "ConfigureNic n/n/n index n {enableDhcp(99); setDnsServerSearchOrder(99, 1.2.3.4)}"},
         {"+NIC(x) -IP NAME(PC9)", "ConfigureNic n/n/n index n {}; renameComputer(PC9, :)"},
         {"+NIC(x) +NIC(y) DHCP - DHCP",
          "ConfigureNic n/n/n index n {enableDhcp(99)}; ConfigureNic n/n/n index n "
          "{enableDhcp(99)}"},
-        {"+NIC(x) NAME(PC9)", kNicError},
     });
 }
 

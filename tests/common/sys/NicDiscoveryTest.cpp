@@ -171,11 +171,8 @@ TEST_F(Discovery, CutsCaptions) {
         {"Ethernet", "thernet"},  // no mark: the first character goes
         {" x", ""},
         {"x]", ""},
-        {"] ", ""},
         {"]ab", "b"},
-        {"x", ""},
         {"", ""},
-        {"[1]", ""},
         {"a ]b", "b"},
     };
     for (const auto& [caption, kept] : cases) {
@@ -188,18 +185,13 @@ TEST_F(Discovery, CutsCaptions) {
 TEST_F(Discovery, ReadsDeviceIdsAsDecimalNumbers) {
     const std::pair<std::string, std::string> cases[] = {
         {"PCI\\VEN_8086&DEV_100E&SUBSYS_1", " pci 8086 100"},
-        {"PCI\\VEN_10EC&DEV_8168&SUBSYS_1", " pci 10 8168"},
         {"PCI\\VEN_8086&DEV_123456&", " pci 8086 57920"},
         {"PCI\\VEN_8086", " pci 8086 0"},
-        {"PCI\\VEN_", " pci 0 0"},
         {"PCI\\VEN_80861234567", " pci 65535 67"},  // read past its end, and kept in 16 bits
         {"PCI\\DEV_100E&VEN_1234&DEV_5678", " pci 1234 5678"},
         {"PCIVEN_8086&DEV_100E", " pci 0 0"},  // searched from the fifth character on
         {"PCI", " pci 0 0"},
-        {"PCMCIA\\VEN_8086", " 0 0"},
         {"pci\\VEN_8086&DEV_100E", " 0 0"},
-        {"ROOT\\PCI\\VEN_8086", " 0 0"},
-        {"PC", " 0 0"},
         {"", " 0 0"},
     };
     for (const auto& [id, numbers] : cases) {
@@ -216,11 +208,8 @@ TEST_F(Discovery, ReadsThePlaceFromItsEnd) {
          "12/31/7"},
         {"1 2 3 4", "2/3/4"},
         {"5, 6", "0/5/6"},
-        {"7", "0/0/7"},
         {"7 and text", "0/0/7"},
-        {"none", "0/0/0"},
         {"", "0/0/0"},
-        {"00012,0,99", "12/0/99"},
         {"-3,-2,-1", "3/2/1"},
         {"65536,65537,1", "0/1/1"},  // kept in 16 bits
         {"1,2,99999999999999999999", "1/2/65535"},
