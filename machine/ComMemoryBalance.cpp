@@ -5,12 +5,12 @@
 #include <objbase.h>
 #include <oleauto.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <mutex>
 #include <new>
 #include <stdexcept>
-#include <utility>
 
 namespace machine {
 
@@ -27,17 +27,11 @@ public:
         const std::scoped_lock lock(mutex_);
         return serial_;
     }
-    // Blocks still allocated that came at this serial number or later, and their bytes.
-    std::pair<std::size_t, std::size_t> Outstanding(std::size_t since) const {
+    // Blocks still allocated that came at this serial number or later.
+    std::size_t Outstanding(std::size_t since) const {
         const std::scoped_lock lock(mutex_);
-        std::pair<std::size_t, std::size_t> sum;
-        for (const auto& [address, block] : blocks_) {
-            if (block.serial >= since) {
-                ++sum.first;
-                sum.second += block.size;
-            }
-        }
-        return sum;
+        return static_cast<std::size_t>(std::ranges::count_if(
+            blocks_, [since](const auto& block) { return block.second >= since; }));
     }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
@@ -51,10 +45,7 @@ public:
     ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
 
-    SIZE_T STDMETHODCALLTYPE PreAlloc(SIZE_T size) override {
-        requested_ = size;
-        return size;
-    }
+    SIZE_T STDMETHODCALLTYPE PreAlloc(SIZE_T size) override { return size; }
     void* STDMETHODCALLTYPE PostAlloc(void* block) override {
         Count(block);
         return block;
@@ -66,7 +57,6 @@ public:
     void STDMETHODCALLTYPE PostFree(BOOL) override {}
     SIZE_T STDMETHODCALLTYPE PreRealloc(void* block, SIZE_T size, void** toReallocate,
                                         BOOL) override {
-        requested_ = size;
         Forget(block);
         *toReallocate = block;
         return size;
@@ -83,15 +73,10 @@ public:
     void STDMETHODCALLTYPE PostHeapMinimize() override {}
 
 private:
-    struct Block {
-        std::size_t size;
-        std::size_t serial;
-    };
-
     void Count(void* block) {
         const std::scoped_lock lock(mutex_);
         if (block != nullptr) {
-            blocks_[block] = {requested_, serial_++};
+            blocks_[block] = serial_++;
         }
     }
     // Blocks from before the spy's time are none of its business.
@@ -101,9 +86,8 @@ private:
     }
 
     mutable std::mutex mutex_;
-    std::map<void*, Block> blocks_;
+    std::map<void*, std::size_t> blocks_;  // and their serial numbers
     std::size_t serial_ = 0;
-    std::size_t requested_ = 0;  // COM makes its spied calls one at a time
 };
 
 Spy& Spy::Instance() {
@@ -129,15 +113,7 @@ Spy& Spy::Instance() {
 ComMemoryBalance::ComMemoryBalance() : since_(Spy::Instance().Serial()) {}
 
 std::size_t ComMemoryBalance::OutstandingBlocks() const {
-    return Spy::Instance().Outstanding(since_).first;
-}
-
-std::size_t ComMemoryBalance::OutstandingBytes() const {
-    return Spy::Instance().Outstanding(since_).second;
-}
-
-std::size_t ComMemoryBalance::Allocations() const {
-    return Spy::Instance().Serial() - since_;
+    return Spy::Instance().Outstanding(since_);
 }
 
 }  // namespace machine

@@ -12,11 +12,8 @@ class ComMemoryBalance {
 public:
     ComMemoryBalance();
 
-    // Blocks, and their bytes, allocated since construction and not freed yet.
+    // Blocks allocated since construction and not freed yet.
     std::size_t OutstandingBlocks() const;
-    std::size_t OutstandingBytes() const;
-    // Blocks allocated since construction, freed or not.
-    std::size_t Allocations() const;
 
 private:
     std::size_t since_;

@@ -14,27 +14,15 @@ using ::testing::HasSubstr;
 
 class LedgerTest : public SimulatedTest {};
 
-IWbemClassObject* FirstRow(Connection& connection) {
-    ComPointer<IEnumWbemClassObject> rows;
-    ComPointer<IWbemClassObject> row;
-    connection.Query(L"select Name from Win32_ComputerSystem", rows);
-    connection.Next(rows, row);
-    return row.Release();
-}
-
-TEST_F(LedgerTest, FindsAnInterfaceThatIsKeptAndWhoHandedItOut) {
+TEST_F(LedgerTest, FindsAnInterfaceThatIsKeptAndAReleaseTooMany) {
     Connection connection;
-    IWbemClassObject* row = FirstRow(connection);
-    row->AddRef();
-    row->Release();
+    ComPointer<IEnumWbemClassObject> rows;
+    ComPointer<IWbemClassObject> first;
+    connection.Query(L"select Name from Win32_ComputerSystem", rows);
+    connection.Next(rows, first);
+    IWbemClassObject* const row = first.Release();
     EXPECT_THAT(simulation_.GetLedger().Report(),
                 HasSubstr("not returned: IWbemClassObject (Next, call "));
-    row->Release();
-}
-
-TEST_F(LedgerTest, FindsAReleaseTooMany) {
-    Connection connection;
-    IWbemClassObject* row = FirstRow(connection);
     EXPECT_EQ(row->Release(), 0U);
     EXPECT_EQ(row->Release(), 0U);
     Variant value;
@@ -42,6 +30,7 @@ TEST_F(LedgerTest, FindsAReleaseTooMany) {
     ASSERT_EQ(simulation_.GetLedger().Misuse().size(), 2U);
     EXPECT_THAT(simulation_.GetLedger().Misuse()[0],
                 HasSubstr("the IWbemClassObject was released before"));
+    rows.Reset();
     simulation_.GetLedger().Clear();
     // The connection is still held and still comes back.
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE);
@@ -125,14 +114,11 @@ TEST(ComMemoryBalance, CountsWhatIsNotFreed) {
     SysFreeString(SysAllocString(L"freed"));
     SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, 2);
     EXPECT_GE(balance.OutstandingBlocks(), 2U);
-    EXPECT_GE(balance.OutstandingBytes(), 10U);
     const ComMemoryBalance later;
     EXPECT_EQ(later.OutstandingBlocks(), 0U);
     SysFreeString(text);
     SafeArrayDestroy(array);
     EXPECT_EQ(balance.OutstandingBlocks(), 0U);
-    EXPECT_EQ(balance.OutstandingBytes(), 0U);
-    EXPECT_GE(balance.Allocations(), 3U);
 }
 
 }  // namespace

@@ -80,7 +80,6 @@ std::string ErrorOf(const std::string& json) {
 TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
     EXPECT_EQ(ErrorOf("[]"), "/: expected an object, found a list");
     EXPECT_EQ(ErrorOf("{}"), "/: the member \"computerName\" is missing");
-    EXPECT_EQ(ErrorOf(R"({"computerName": 5})"), "/computerName: expected text, found 5");
     EXPECT_EQ(ErrorOf(R"({"computerName": "A\u0000B"})"),
               R"(/computerName: expected text without a zero character, found "A\u0000B")");
     EXPECT_EQ(ErrorOf("{\n  \"computerName\": }").find("parse error at line 2, column 19"), 0U);
@@ -88,26 +87,20 @@ TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
     const std::pair<std::string, std::string> cases[] = {
         {R"("colour": "red")", "/colour: no such member"},
         {R"("computerName": "B")", R"(the member "computerName" stands twice in one object)"},
-        {R"("dnsSuffixes": "a,b")", R"(/dnsSuffixes: expected a list, found "a,b")"},
         {R"("dnsSuffixes": ["a", null])", "/dnsSuffixes/1: expected text, found null"},
         {R"("adapters": [{}])", R"(/adapters/0: the member "index" is missing)"},
         {R"("adapters": [{"index": -1}])", "/adapters/0/index" + whole + "-1"},
-        {R"("adapters": [{"index": 1.5}])", "/adapters/0/index" + whole + "1.5"},
         {R"("adapters": [{"index": 18446744073709551615}])",
          "/adapters/0/index" + whole + "18446744073709551615"},
         {R"("adapters": [{"index": 1}, {"index": 1}])",
          "/adapters/1/index: another adapter has the index 1"},
         {R"("adapters": [{"index": 1, "dhcpEnabled": "yes"}])",
          R"(/adapters/0/dhcpEnabled: expected true or false, found "yes")"},
-        {R"("adapters": [{"index": 1, "dhcpLease": {"server": ""}}])",
-         "/adapters/0/dhcpLease/server: no such member"},
         {R"("routes": [{"destination": "10.0.0.0", "mask": "255.0.0", "nextHop": "10.1.1.1"}])",
          R"(/routes/0/mask: expected an IPv4 address, found "255.0.0")"},
         {R"("membership": {"domain": "CORP"})",
          R"(/membership: a machine belongs to a "workgroup" or to a "domain" with )"
          R"(its "dnsDomain")"},
-        {R"("domains": [{"dnsName": "a.b", "flatName": "A", "units": [{"name": 1}]}])",
-         "/domains/0/units/0/name: expected text, found 1"},
         {R"("hosts": {"a/b~c": ["x"]})",
          R"(/hosts/a~1b~0c/0: expected an IPv4 address, found "x")"},
         {R"("registry": {"K": {"V": true}})",

@@ -1,5 +1,4 @@
-// A bare WMI client that tests drive the simulated machine with, call by call, as any program
-// would.
+// A bare WMI client that tests query the simulated machine with, as any program would.
 #pragma once
 
 #include <windows.h>
@@ -7,9 +6,6 @@
 #include <objbase.h>
 #include <oleauto.h>
 #include <wbemcli.h>
-
-#include <optional>
-#include <string>
 
 #include "common/sys/ComPointers.h"
 
@@ -50,34 +46,6 @@ public:
         const HRESULT result =
             rows->Next(static_cast<LONG>(WBEM_INFINITE), 1, row.Receive(), &count);
         return count == (result == S_OK ? 1 : 0) ? result : E_UNEXPECTED;
-    }
-
-    // Calls a method, with an in-parameter where there is one; the ReturnValue, or the code of the
-    // step that failed.
-    HRESULT Call(const wchar_t* className, const wchar_t* path, const wchar_t* method,
-                 const wchar_t* name = nullptr, Variant value = {}) {
-        ComPointer<IWbemClassObject> definition;
-        ComPointer<IWbemClassObject> inDefinition;
-        ComPointer<IWbemClassObject> parameters;
-        ComPointer<IWbemClassObject> out;
-        HRESULT result =
-            services_->GetObject(Bstr(className).Get(), 0, nullptr, definition.Receive(), nullptr);
-        if (SUCCEEDED(result)) {
-            result = definition->GetMethod(method, 0, inDefinition.Receive(), nullptr);
-        }
-        if (SUCCEEDED(result) && name != nullptr) {
-            inDefinition->SpawnInstance(0, parameters.Receive());
-            result = parameters->Put(name, 0, &value.Get(), 0);
-        }
-        if (SUCCEEDED(result)) {
-            result = services_->ExecMethod(Bstr(path).Get(), Bstr(method).Get(), 0, nullptr,
-                                           parameters.Get(), out.Receive(), nullptr);
-        }
-        if (SUCCEEDED(result)) {
-            out->Get(L"ReturnValue", 0, value.Receive(), nullptr, nullptr);
-            result = value.Get().lVal;
-        }
-        return result;
     }
 
 private:

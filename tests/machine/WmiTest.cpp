@@ -8,8 +8,6 @@ namespace {
 
 class WmiTest : public SimulatedTest {};
 
-constexpr const wchar_t* adapterClass = L"Win32_NetworkAdapterConfiguration";
-
 TEST_F(WmiTest, DeliversTheVariantTypesOfWindowsAndOnlyWhatWasSelected) {
     struct Case {
         const wchar_t* query;
@@ -60,51 +58,6 @@ TEST_F(WmiTest, AWrongQueryFailsAtOnceOrAtTheFirstRowAsItsFlagsSay) {
         EXPECT_EQ(row.Get(), nullptr);
     }
     EXPECT_EQ(simulation_.TakeUnexpected().size(), 2 * std::size(cases));
-}
-
-TEST_F(WmiTest, PathsAndMethodsThatAreNotThereGiveWindowsErrors) {
-    struct Case {
-        const wchar_t* className;
-        const wchar_t* path;
-        const wchar_t* method;
-        WBEMSTATUS code;
-    };
-    const Case cases[] = {
-        {L"Win32_NoSuchClass", L"", L"Rename", WBEM_E_NOT_FOUND},
-        {L"=", L"", L"Rename", WBEM_E_INVALID_OBJECT_PATH},
-        {adapterClass, L"", L"Rename", WBEM_E_NOT_FOUND},
-        {adapterClass, L"Win32_NetworkAdapterConfiguration.Index=99", L"EnableDHCP",
-         WBEM_E_NOT_FOUND},
-        {adapterClass, L"Win32_NetworkAdapterConfiguration", L"EnableDHCP", WBEM_E_INVALID_METHOD},
-        {adapterClass, L"Win32_ComputerSystem.Name=\"WORKSTATION1\"", L"EnableDHCP",
-         WBEM_E_INVALID_METHOD},
-        {adapterClass, L"Win32_NetworkAdapterConfiguration.Index=", L"EnableDHCP",
-         WBEM_E_INVALID_OBJECT_PATH},
-    };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(testing::Message() << one.className << " " << one.path);
-        Connection connection;
-        EXPECT_EQ(connection.Call(one.className, one.path, one.method), one.code);
-    }
-    EXPECT_FALSE(simulation_.TakeUnexpected().empty());
-}
-
-TEST_F(WmiTest, MethodsReturnTheirCodesOrWhateverThePlanSays) {
-    const wchar_t* path = L"Win32_NetworkAdapterConfiguration.Index=2";
-    Connection connection;
-    Fail("EnableDHCP#1=84");
-    EXPECT_EQ(connection.Call(adapterClass, path, L"EnableDHCP"), 84);
-    EXPECT_EQ(simulation_.GetState().adapters[1].dhcpEnabled, false);
-    Change([](State& state) { state.system.adapterChangesNeedRestart = true; });
-    EXPECT_EQ(connection.Call(adapterClass, path, L"EnableDHCP"), 1);
-    EXPECT_EQ(simulation_.GetState().adapters[1].dhcpEnabled, true);
-    const wchar_t* gateways = L"DefaultIPGateway";
-    EXPECT_EQ(connection.Call(adapterClass, path, L"SetGateways", gateways,
-                              Variant::FromTexts({"nonsense"})),
-              70);
-    EXPECT_EQ(
-        connection.Call(adapterClass, path, L"SetGateways", gateways, Variant::FromInteger(5)),
-        WBEM_E_TYPE_MISMATCH);
 }
 
 TEST_F(WmiTest, ARefusedStartOfComMayStillBeEnded) {

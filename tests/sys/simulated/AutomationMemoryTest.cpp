@@ -19,9 +19,8 @@ namespace {
 
 using namespace sys_tests;
 
-constexpr auto kOutOfMemory = static_cast<std::uint32_t>(E_OUTOFMEMORY);
-
-const Outcome kShort = ComFailure(kOutOfMemory);
+constexpr auto kCode = static_cast<std::uint32_t>(E_OUTOFMEMORY);
+const Outcome kShort = ComFailure(kCode);
 
 /// Which of this program's calls fails; the simulated machine's own are left out.
 struct Shortage {
@@ -69,8 +68,7 @@ std::vector<machine::Hook> MemoryHooks() {
 
 /// Runs the operation with its first request failing, then its second one, until none does; the
 /// first one is the connection's. Returns how many there are.
-int FailEachRequest(const std::function<void()>& operation, const Outcome& ofConnection,
-                    const Outcome& ofLater) {
+int FailEachRequest(const std::function<void()>& operation, const Outcome& ofLater = kShort) {
     for (int nth = 1;; ++nth) {
         SCOPED_TRACE("request " + std::to_string(nth) + " fails");
         Machine machine;
@@ -80,7 +78,7 @@ int FailEachRequest(const std::function<void()>& operation, const Outcome& ofCon
         const Outcome outcome = machine.Run(operation);
         const bool struck = shortage.calls >= nth;
         shortage = {};
-        EXPECT_EQ(outcome, !struck ? Success() : nth == 1 ? ofConnection : ofLater);
+        EXPECT_EQ(outcome, !struck ? Success() : nth == 1 ? kShort : ofLater);
         if (!struck || testing::Test::HasFailure()) {
             return nth - 1;
         }
@@ -93,43 +91,28 @@ TEST(AutomationMemory, ShortInAQueryIsAComErrorThatLeavesTheOutputsAlone) {
     std::vector<ipc::IPv4Address> addresses;
     std::vector<sys::RouteRecord> routes;
     // A connection wants one text, a query two; then there is what is read.
-    EXPECT_GE(FailEachRequest(
-                  [&] {
-                      EXPECT_TRUE(addresses.empty() && texts.empty());
-                      sys::getDnsServersAndSuffixes(2, addresses, texts);
-                  },
-                  kShort, kShort),
-              4);
-    EXPECT_GE(FailEachRequest(
-                  [&] {
-                      EXPECT_TRUE(routes.empty());
-                      sys::getStaticRoutes(routes);
-                  },
-                  kShort, kShort),
-              6);
+    const int inLists = FailEachRequest([&] {
+        EXPECT_TRUE(addresses.empty() && texts.empty());
+        sys::getDnsServersAndSuffixes(2, addresses, texts);
+    });
+    EXPECT_GE(inLists, 4);
+    const int inRows = FailEachRequest([&] {
+        EXPECT_TRUE(routes.empty());
+        sys::getStaticRoutes(routes);
+    });
+    EXPECT_GE(inRows, 6);
 }
 
 TEST(AutomationMemory, ShortInAMethodIsTheMethodsErrorOnceItIsConnected) {
     const std::vector<ipc::IPv4Address> list(2);
-    struct Case {
-        const char* message;
-        int line;
-        std::function<void()> method;
-    };
-    const Case cases[] = {
-        {"Wmi method failed to set static ip addresses", 1398,
-         [&] { sys::enableStatic(2, list, list); }},
-        {"Wmi method failed to configure DNS suffixes", 1680,
-         [] {
-             sys::setDnsSuffixSearchOrder({"a", "b"});
-         }},
-        {"Wmi method failed to join the domain or workgroup", 1858,
-         [] { sys::joinDomainOrWorkgroup("LAB", "user", "secret", "", 0); }},
-    };
-    for (const Case& c : cases) {
-        EXPECT_GE(FailEachRequest(c.method, kShort, WmiFailure(c.message, c.line, kOutOfMemory)),
-                  4);
-    }
+    const int inLists =
+        FailEachRequest([&] { sys::enableStatic(2, list, list); },
+                        WmiFailure("Wmi method failed to set static ip addresses", 1398, kCode));
+    EXPECT_GE(inLists, 4);
+    const int inTexts = FailEachRequest(
+        [] { sys::joinDomainOrWorkgroup("LAB", "user", "secret", "", 0); },
+        WmiFailure("Wmi method failed to join the domain or workgroup", 1858, kCode));
+    EXPECT_GE(inTexts, 4);
 }
 
 }  // namespace

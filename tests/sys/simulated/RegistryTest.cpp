@@ -36,7 +36,7 @@ TEST(SimulatedRegistry, AccessFollowsCreateReadOnlyAndView) {
     const Case cases[] = {
         {false, true, 0, "0x80000000"},  {false, true, 1, "0x80000200"},
         {false, true, -1, "0x80000000"}, {false, false, 0, "0xF003F"},
-        {false, false, 1, "0xF023F"},    {true, true, 1, "0xF023F"},
+        {true, true, 1, "0xF023F"},
     };
     for (const Case& c : cases) {
         Machine machine(WithKey());

@@ -16,25 +16,6 @@ namespace {
 
 using namespace sys_tests;
 
-TEST(WmiConnection, IsMadeOnSecurityThatWasSetBeforeAndGivenUpInOrder) {
-    // Set by the agent, or by the first connection of the process for the second one.
-    for (const bool setByAgent : {true, false}) {
-        machine::State state = machine::DefaultState();
-        state.system.comSecuritySet = setByAgent;
-        Machine machine(state);
-        for (const bool first : {true, false}) {
-            std::string name;
-            EXPECT_EQ(machine.Run([&] { sys::getComputerName(name); }), Success());
-            EXPECT_EQ(name, "WORKSTATION1");
-            EXPECT_EQ(machine.Calls()[1].function, "CoInitializeSecurity");
-            EXPECT_EQ(machine.Calls()[1].failed, setByAgent || !first);
-            EXPECT_THAT(machine.LastNames(3),
-                        testing::ElementsAre("IWbemLocator::Release", "IWbemServices::Release",
-                                             "CoUninitialize"));
-        }
-    }
-}
-
 TEST(WmiConnection, AThreadInAnotherApartmentCannotConnect) {
     Machine machine;
     std::string name = "kept";

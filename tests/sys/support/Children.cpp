@@ -39,14 +39,9 @@ StandardHandles::~StandardHandles() {
     }
 }
 
-bool StandardHandles::IsInPlace(DWORD name) const {
-    const auto* const found = std::find(std::begin(kNames), std::end(kNames), name);
-    return GetStdHandle(name) == files_[found - std::begin(kNames)];
-}
-
 bool StandardHandles::AreInPlace() const {
-    return std::all_of(std::begin(kNames), std::end(kNames),
-                       [this](DWORD name) { return IsInPlace(name); });
+    return std::equal(std::begin(kNames), std::end(kNames), std::begin(files_),
+                      [](DWORD name, HANDLE file) { return GetStdHandle(name) == file; });
 }
 
 void StandardHandles::PutInPlace() {

@@ -26,8 +26,7 @@ public:
     StandardHandles(const StandardHandles&) = delete;
     StandardHandles& operator=(const StandardHandles&) = delete;
 
-    /// Whether `name` (STD_INPUT_HANDLE and so on) is the file still.
-    bool IsInPlace(DWORD name) const;
+    /// Whether they are the files still.
     bool AreInPlace() const;
     void PutInPlace();
 

