@@ -25,7 +25,6 @@ struct Named {
 
     std::string name;
     std::string* ends;
-    int applied = 0;
 };
 
 class Collection : public Named, public util::CollectionNode {
@@ -38,13 +37,6 @@ class Leaf : public Named, public util::LeafNode {
 public:
     using Named::Named;
     void* Accept(util::CompositeVisitor& /*visitor*/) override { return nullptr; }
-};
-
-/// A collection that can be applied: the base class alone would call itself without end.
-class Applicable : public Collection {
-public:
-    using Collection::Collection;
-    void ApplyToSubtree() override { ++applied; }
 };
 
 /// "R(A(a b) c)": a capital is a collection, with its children in brackets; a small letter a leaf.
@@ -170,17 +162,6 @@ TEST(CompositeNode, KnowsItsParentAndEndsItsChildrenOnceInOrder) {
         EXPECT_EQ(parents, "-RAARR");
     }
     EXPECT_EQ(ends, "b c A D e R ");  // the name goes after the children
-}
-
-TEST(CompositeNode, ApplyReachesEveryNodeOnce) {
-    Applicable root("R", nullptr);
-    auto child = std::make_unique<Applicable>("A", nullptr);
-    Applicable& applied = *child;
-    root.Add(std::move(child));
-    root.Add(Tree("b"));
-    root.CollectionNode::ApplyToSubtree();
-    EXPECT_EQ(root.applied, 1);
-    EXPECT_EQ(applied.applied, 1);
 }
 
 }  // namespace

@@ -237,9 +237,9 @@ TEST_P(WmiQueries, AskInTheFixedWordsAndReadTheirPropertiesInOrder) {
     EXPECT_EQ(machine.Run([&] { Run(outputs); }), Success());
     EXPECT_EQ(outputs, QueryReplay(GetParam(), machine.Calls()));
     EXPECT_THAT(machine.Texts(), testing::ElementsAreArray(ExpectedCalls(GetParam())));
-    EXPECT_THAT(machine.LastNames(3),
-                testing::ElementsAre("IWbemLocator::Release", "IWbemServices::Release",
-                                     "CoUninitialize"));
+    EXPECT_THAT(
+        machine.LastNames(3),
+        testing::ElementsAre("IWbemLocator::Release", "IWbemServices::Release", "CoUninitialize"));
     EXPECT_EQ(machine->GetState(), QueriedMachine()) << "a query changed the machine";
 }
 

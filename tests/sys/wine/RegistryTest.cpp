@@ -142,16 +142,4 @@ TEST_F(RegistryTest, AKeyThatCannotBeOpenedCarriesTheSystemsCode) {
     EXPECT_EQ(OutcomeOf([&] { key.OpenForReading(0); }), notFound) << "the root was not replaced";
 }
 
-TEST_F(RegistryTest, CreatingMakesTheKeyAndAllowsWriting) {
-    // Reading only is possible for a key that exists: what is created is opened for everything.
-    sys::Registry key;
-    key.SetKey(HKEY_CURRENT_USER);
-    key.SetSubkey(std::string(kRoot) + "\\Made\\Deep");
-    key.Open(true, true, 0);
-    key.Close();
-    HKEY made = nullptr;
-    EXPECT_EQ(RegOpenKeyExA(scratch_, "Made\\Deep", 0, KEY_ALL_ACCESS, &made), ERROR_SUCCESS);
-    RegCloseKey(made);
-}
-
 }  // namespace
