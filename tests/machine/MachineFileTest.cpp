@@ -79,7 +79,6 @@ std::string ErrorOf(const std::string& json) {
 
 TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
     EXPECT_EQ(ErrorOf("[]"), "/: expected an object, found a list");
-    EXPECT_EQ(ErrorOf("{}"), "/: the member \"computerName\" is missing");
     EXPECT_EQ(ErrorOf(R"({"computerName": "A\u0000B"})"),
               R"(/computerName: expected text without a zero character, found "A\u0000B")");
     EXPECT_EQ(ErrorOf("{\n  \"computerName\": }").find("parse error at line 2, column 19"), 0U);
@@ -89,7 +88,6 @@ TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
         {R"("computerName": "B")", R"(the member "computerName" stands twice in one object)"},
         {R"("dnsSuffixes": ["a", null])", "/dnsSuffixes/1: expected text, found null"},
         {R"("adapters": [{}])", R"(/adapters/0: the member "index" is missing)"},
-        {R"("adapters": [{"index": -1}])", "/adapters/0/index" + whole + "-1"},
         {R"("adapters": [{"index": 18446744073709551615}])",
          "/adapters/0/index" + whole + "18446744073709551615"},
         {R"("adapters": [{"index": 1}, {"index": 1}])",
