@@ -21,14 +21,6 @@ protected:
 
     void Fail(std::string_view plan) { simulation_.SetFaultPlan(FaultPlan::Parse(plan)); }
 
-    // Changes the machine's state by hand.
-    template <typename Action>
-    void Change(Action&& change) {
-        State state = simulation_.GetState();
-        change(state);
-        simulation_.SetState(std::move(state));
-    }
-
     Simulation simulation_;
 };
 

@@ -83,16 +83,6 @@ TEST(IniFileSize, LookUpsInManySectionsCostAFewComparisonsEach) {
     ExpectCost(2 * kMany);
 }
 
-TEST(IniFileSize, AMergingLoadOfManyKeysCostsAFewComparisonsEach) {
-    const ScratchFile scratch("[A]\n" + Repeated("Key#=v\n"));
-    comparisons = 0;
-    IniFile file;
-    ASSERT_EQ(file.Load(scratch.Path(), true), IniFile::kSuccess);
-    ASSERT_EQ(file.Load(scratch.Path(), true), IniFile::kSuccess);
-    EXPECT_EQ(file.Entries("A")->size(), static_cast<std::size_t>(kMany));
-    ExpectCost(2 * kMany);
-}
-
 TEST(IniFileSize, LongLinesAndValuesOfManyLinesAreLikeOthers) {
     const std::string megabyte(1 << 20, 'x');
     const ScratchFile scratch("[" + megabyte + "]\n" + megabyte + "=" + megabyte + "\nm=w\n" +

@@ -6,16 +6,12 @@
 #include <vector>
 
 #include "common/config/Factory.h"
-#include "common/config/command/ChangeCompName.h"
-#include "common/err/GeneralError.h"
 #include "tests/common/config/EventWords.h"
 #include "tests/native/CommandText.h"
 #include "tests/native/OnMachine.h"
 
 namespace {
 
-using config::command::CommandList;
-using config::command::IConfigureCommand;
 using fake::OnMachine;
 
 struct AnalysisCase {
@@ -137,51 +133,6 @@ TEST_F(Analysis, IsThePlatformVariantsOfTheOneFactory) {
     EXPECT_EQ(fake::TextOf(builder.Commands()),
               "JoinDomainAndOu(d.e, , :); renameComputer(PC9, :); ConfigureNic n/n/n index 7 "
               "{enableStatic(7, 10.0.0.1, 255.0.0.0)}; Reboot");
-}
-
-/// Notes its steps, and decides about restarts as it is told.
-class OtherAnalyzer : public config::Analyzer {
-public:
-    OtherAnalyzer(bool decides, bool answer) : decides_(decides), answer_(answer) {}
-
-    std::string steps;
-
-    void BeforeAnalyze(CommandList& commands) override { Note("before", commands); }
-    void AnalyzePlatform(CommandList& commands) override { Note(", platform", commands); }
-    void AfterAnalyze(CommandList& commands) override { Note(", after", commands); }
-    bool RequiresReboot(IConfigureCommand& /*command*/, bool& answer) override {
-        answer = answer_;
-        return decides_;
-    }
-
-private:
-    void Note(const char* step, const CommandList& commands) {
-        steps += std::string(step) + " " + std::to_string(commands.size());
-    }
-    bool decides_;
-    bool answer_;
-};
-
-TEST_F(Analysis, LetsTheVariantDecideAboutRestarts) {
-    struct DecisionCase {
-        bool decides;
-        bool answer;
-        const char* events;
-        std::string steps;
-    };
-    const DecisionCase cases[] = {
-        {true, false, "NAME(PC9) NAME(pc1)", "before 2, platform 1, after 1"},
-        {true, true, "WORKGROUP(A)", "before 1, platform 1, after 2"},
-        {false, true, "WORKGROUP(A)", "before 1, platform 1, after 1"},
-    };
-    for (const DecisionCase& test : cases) {
-        logging::NullLogSink log;
-        config::ConfigBuilder builder(log);
-        config_tests::Send(builder, test.events);
-        OtherAnalyzer analyzer(test.decides, test.answer);
-        analyzer.Analyze(builder.Commands());
-        EXPECT_EQ(analyzer.steps, test.steps) << test.events;
-    }
 }
 
 }  // namespace

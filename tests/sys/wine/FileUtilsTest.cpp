@@ -1,5 +1,5 @@
-// Files on a real disk, and libraries. Here <windows.h> comes behind the functions' header, in the
-// tests on the simulated machine before it: its macros must not change their names.
+// Files on a real disk, and libraries. Here <windows.h> comes behind the functions' header, whose
+// names its macros must not change.
 // clang-format off
 #include "common/util/FileUtils.h"
 #include <windows.h>

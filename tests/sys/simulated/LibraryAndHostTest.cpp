@@ -1,4 +1,4 @@
-// The agent's cryptography library, the file functions and host names on the simulated machine.
+// The agent's cryptography library and host names on the simulated machine.
 #include <winsock2.h>
 
 #include <windows.h>
@@ -9,10 +9,8 @@
 
 #include "common/ipc/IpAddress.h"
 #include "common/sys/CryptoDll.h"
-#include "common/util/FileUtils.h"
 #include "machine/Cipher.h"
 #include "tests/sys/simulated/Sweep.h"
-#include "tests/sys/support/ScratchFolder.h"
 
 namespace {
 
@@ -62,46 +60,6 @@ TEST(CryptoLibrary, AnyFailingCallIsItsError) {
         EXPECT_EQ(run.outputs, "kept -1");
     };
     Sweep(operation, check);
-}
-
-TEST(FilesOnTheMachine, AnyFailingCallIsItsErrorAndComparingNeverThrows) {
-    const ScratchFolder folder;
-    const std::string file = folder.AddFile("file", "x");
-    const std::string other = folder.AddFile("other", "x");
-    const std::string moved = folder.Path("moved");
-    SweepOptions options;
-    options.afterEachRun = [&] {
-        DeleteFileA(moved.c_str());
-        folder.AddFile("file", "x");
-    };
-    Sweep([&](std::string&) { util::MoveFile(file, moved); },
-          [](const FaultyRun& run) {
-              // A destination whose attributes cannot be read counts as one that is not there.
-              const bool atDestination =
-                  run.fault.Is("GetFileAttributesA") && run.fault.ordinal == 1 && !run.fault.stays;
-              EXPECT_EQ(run.outcome, atDestination ? Success()
-                                     : run.fault.Is("MoveFileA")
-                                         ? FileFailure("File Move Failed ", 104, 5)
-                                         : FileFailure("Source file does not exist ", 100, 5));
-          },
-          options);
-    Sweep([&](std::string&) { util::DeleteFile(file); },
-          [](const FaultyRun& run) {
-              EXPECT_EQ(run.outcome,
-                        run.fault.Is("DeleteFileA")
-                            ? FileFailure("Delete failed ", 139, 5)
-                            : FileFailure("Delete failed - target does not exist", 136, 5));
-          },
-          options);
-    Sweep(
-        [&](std::string& outputs) {
-            outputs = util::IsSameFile(file, other) ? "same" : "different";
-            util::IsSameFile(file, folder.Path(".\\FILE"));
-        },
-        [](const FaultyRun& run) {
-            EXPECT_EQ(run.outcome, Success());
-            EXPECT_EQ(run.outputs, "different");
-        });
 }
 
 machine::State WithHosts() {
