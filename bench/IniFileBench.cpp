@@ -125,7 +125,7 @@ void Scan(benchmark::State& state, const Sample& sample, const Settings& /*lookU
 void Register(const std::string& size, int sections, int keys) {
     const auto sample = std::make_shared<const Sample>(
         "/dev/shm/ini-file-bench-" + std::to_string(getpid()) + "-" + size, sections, keys);
-    for (const std::size_t lookUps : {0, 50}) {
+    for (const std::size_t lookUps : {0U, 50U}) {
         const std::string group = (lookUps == 0 ? "load/" : "load and 50 look-ups/") + size + "/";
         const auto add = [&](const std::string& name, auto function) {
             benchmark::RegisterBenchmark(
