@@ -1,4 +1,5 @@
-// Configuration text down to the command list and through a whole request, on a machine in memory.
+// Configuration text down to the command list and through a whole request, on a machine in memory,
+// once more with a failing call.
 // A comment in the first line chooses the machine: m makes it a domain member, d puts its adapters
 // on DHCP, r gives it routes, c takes its cryptography library away, f lets its methods fail.
 #include <algorithm>
@@ -182,8 +183,8 @@ public:
     void ReadInteger(const char* /*name*/, std::int32_t* /*value*/) override { std::abort(); }
     void Log(std::uint32_t level, const char* format, ...) override {
         REQUIRE(level <= 2);
-        if (std::string(format).starts_with("%s:%d ")) {
-            return;  // the dispatch's own line, with arguments
+        if (std::string(format).find("%s:%d ") != std::string::npos) {
+            return;  // the dispatch's own lines, with arguments
         }
         for (const char* at = format; *at != 0; ++at) {
             if (*at == '%') {
@@ -211,6 +212,25 @@ void RequireProperAnswer(const std::string& path) {
     REQUIRE(machine.loadedLibraries == 0);
 }
 
+/// The same where one call fails: the failure is answered, and nothing is held on to.
+void RequireProperEnd(const std::string& path, std::size_t failing) {
+    fake::Machine& machine = fake::TheMachine();
+    machine.files = {path};
+    std::size_t calls = 0;
+    machine.onEveryCall = [&calls, failing] {
+        if (++calls == failing) {
+            throw sys::CWmiError("failed", 1, 5, 0);
+        }
+    };
+    Host host(path);
+    GetToolboxAPI()->DoMagic(&host, &host);
+    machine.onEveryCall = nullptr;
+    REQUIRE(calls < failing || host.reply.find("Result=Failure") != std::string::npos);
+    REQUIRE(machine.files.size() == 1);
+    REQUIRE(machine.heldPassword.empty());
+    REQUIRE(machine.loadedLibraries == 0);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -228,5 +248,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     REQUIRE(ListOf(file) == list);
     SetUpMachine(text);
     RequireProperAnswer(memory.Path());
+    constexpr std::size_t kCalls = 64;
+    SetUpMachine(text);
+    RequireProperEnd(memory.Path(), 1 + size % kCalls);
     return 0;
 }
