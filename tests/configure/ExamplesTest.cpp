@@ -56,9 +56,7 @@ TEST_P(Examples, PlanAndRunSayTheSame) {
     const std::string file = Path(GetParam(), ".ini");
     const std::string before = ReadFile(file);
     const Arguments arguments = {file, "--machine", Path(GetParam(), ".json"), "--format", "json"};
-    Arguments planArguments = arguments;
-    planArguments.push_back("--plan");
-    const host_tests::Outcome plan = Configure(planArguments);
+    const host_tests::Outcome plan = Configure(With(arguments, {"--plan"}));
     const host_tests::Outcome run = Configure(arguments);
     EXPECT_EQ(plan.exitCode, 2U) << plan.notes;
     EXPECT_EQ(run.exitCode, GetParam().changesByPass.size() > 1 ? 3U : 0U) << run.notes;
@@ -67,11 +65,10 @@ TEST_P(Examples, PlanAndRunSayTheSame) {
 }
 
 TEST_P(Examples, SettlesAndThenChangesNothing) {
-    Files files;
+    const Files files;
     const std::string file = Path(GetParam(), ".ini");
-    const std::string saved = files.Name("settled.json");
     const Json result = ConfigureJson({file, "--machine", Path(GetParam(), ".json"), "--until-done",
-                                       "--save-machine", saved, "--with-passwords"},
+                                       "--save-machine", "settled.json", "--with-passwords"},
                                       0);
     EXPECT_EQ(result.at("settled"), true);
     EXPECT_TRUE(result.at("violations").empty()) << result.at("violations");
@@ -82,7 +79,7 @@ TEST_P(Examples, SettlesAndThenChangesNothing) {
     EXPECT_THAT(changed, ElementsAreArray(GetParam().changesByPass));
     EXPECT_THAT(ChangesOf(result), Contains(GetParam().lastChange));
 
-    const Json again = ConfigureJson({file, "--machine", saved, "--plan"}, 0);
+    const Json again = ConfigureJson({file, "--machine", "settled.json", "--plan"}, 0);
     EXPECT_EQ(ChangedSettings(again.at("passes").at(0)), "");
     EXPECT_TRUE(again.at("passes").at(0).at("changes").empty());
 }
