@@ -2,14 +2,14 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <cstdio>
-#include <fstream>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "common/util/Strings.h"
 #include "host/Module.h"
 #include "tests/e2e/foreign/ForeignHost.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 
@@ -72,8 +72,9 @@ TEST_F(ForeignHost, EverySlotOfUpdateInfoIsTheOneThatIsMeant) {
 }
 
 TEST_F(ForeignHost, EverySlotOfConfigureIsTheOneThatIsMeant) {
-    const std::string name = "foreign-100%n%s.ini";
-    std::ofstream(name) << "[Global]\nRebootAfterConfig=false\n";
+    const support::ScratchFolder scratch;
+    const std::string name =
+        scratch.Write("foreign-100%n%s.ini", "[Global]\nRebootAfterConfig=false\n");
     EXPECT_EQ(ForeignSend(api_, "Internal", "Configure", "Filename", name.c_str()), 1);
     EXPECT_THAT(
         calls,
@@ -86,8 +87,8 @@ TEST_F(ForeignHost, EverySlotOfConfigureIsTheOneThatIsMeant) {
                     "Log(1)Configure::HandleMessage(): about to call Analyze() and RunConfig()",
                     "SetField(Result)Success"));
     // The module has put the file away beside this program.
-    const std::string program = host::Module::DefaultPath();
-    EXPECT_EQ(std::remove((program.substr(0, program.rfind('\\') + 1) + name).c_str()), 0);
+    EXPECT_TRUE(std::filesystem::remove(
+        std::filesystem::path(host::Module::DefaultPath()).replace_filename(name)));
 }
 
 TEST_F(ForeignHost, GetsTheArgumentsOfTheLongestLine) {
