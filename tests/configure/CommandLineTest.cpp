@@ -18,7 +18,6 @@ using testing::Not;
 class CommandLine : public testing::Test {
 protected:
     Files files_;
-    const std::string nothing_ = files_.Write("nothing.ini", "[Global]\nRebootAfterConfig=true\n");
     const std::string rename_ = files_.Write("rename.ini", "[Networking]\nComputerName=PC7\n");
 };
 
@@ -52,35 +51,6 @@ TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
         EXPECT_THAT(outcome.notes, HasSubstr(tried.words));
     }
     EXPECT_EQ(ReadFile(rename_), before);
-}
-
-TEST_F(CommandLine, ExitCodesTellTheOutcomesApart) {
-    const std::string quiet = files_.Write(
-        "quiet.ini", "[Global]\nRebootAfterConfig=false\n[Networking]\nComputerName=PC7\n");
-    const std::string refused =
-        files_.Write("refused.ini", "[NicEntry0]\nDHCP=true\n[NicEntry1]\nDHCP=true\n");
-    const std::string notAnAddress = files_.Write(
-        "no-address.ini", "[TCP/IP]\nDescription=x\nDHCP=false\nAddress=nowhere\nNetmask=x\n");
-    const std::pair<Arguments, unsigned long> cases[] = {
-        {{nothing_}, 0},
-        {{nothing_, "--plan"}, 0},
-        {{rename_}, 3},
-        {{rename_, "--plan"}, 2},
-        {{rename_, "--until-done"}, 0},
-        {{rename_, "--until-done", "--plan"}, 2},
-        {{rename_, "--fail", "Rename=5"}, 1},
-        {{rename_, "--plan", "--fail", "Rename=5"}, 1},
-        {{quiet}, 1},
-        {{refused}, 65},
-        {{refused, "--plan"}, 65},
-        {{notAnAddress}, 65},
-        {{rename_, "--fail", "ConnectServer"}, 1},
-    };
-    for (const auto& [arguments, exitCode] : cases) {
-        const Outcome outcome = Configure(arguments);
-        EXPECT_EQ(outcome.exitCode, exitCode)
-            << testing::PrintToString(arguments) << outcome.data << outcome.notes;
-    }
 }
 
 TEST_F(CommandLine, DataAndTheRestGoTheirOwnWays) {

@@ -16,24 +16,13 @@ machine::State OneAdapter() {
     state.computerName = "BOX";
     state.hostName = "BOX";
     state.dnsSuffixes = {"corp.example"};
-    machine::Adapter& adapter = state.adapters.emplace_back();
+    machine::Adapter& adapter = state.adapters.emplace_back(machine::DefaultState().adapters[1]);
     adapter.index = 7;
-    adapter.connectionName = "Ethernet 2";
-    adapter.settingId = "{00000000-0000-0000-0000-000000000007}";
-    adapter.pnpDeviceId = R"(PCI\VEN_8086&DEV_100E&SUBSYS_001E8086&REV_02\3&267A616A&0&18)";
-    adapter.pciLocation = "PCI bus 3, device 0, function 0";
-    adapter.caption = "[00000007] Example Adapter";
-    adapter.manufacturer = "Example Networks";
-    adapter.adapterType = "Ethernet 802.3";
-    adapter.macAddress = "02:00:00:00:00:07";
-    adapter.dhcpEnabled = false;
+    adapter.dhcpLease.reset();
     adapter.ipAddress = machine::TextList{"10.0.0.20"};
-    adapter.ipSubnet = machine::TextList{"255.255.255.0"};
     adapter.gateways = machine::TextList{"10.0.0.254"};
     adapter.staticDns = {"10.0.0.1"};
     adapter.dnsServers = adapter.staticDns;
-    adapter.dnsDomain = "";
-    adapter.dnsHostName = "BOX";
     return state;
 }
 

@@ -2,14 +2,18 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
 #include <filesystem>
 #include <string>
+#include <thread>
+#include <tuple>
 #include <vector>
 
 #include "common/util/Strings.h"
 #include "host/Module.h"
 #include "tests/e2e/foreign/ForeignHost.h"
 #include "tests/support/ScratchFolder.h"
+#include "toolbox/config/HostInterface.h"
 
 namespace {
 
@@ -34,7 +38,11 @@ void NoteLine(unsigned level, const char* format, __builtin_va_list arguments) {
 
 namespace {
 
+using testing::AnyOf;
+using testing::Contains;
+using testing::Each;
 using testing::ElementsAre;
+using testing::StartsWith;
 
 class ForeignHost : public testing::Test {
 protected:
@@ -56,6 +64,21 @@ TEST_F(ForeignHost, ReadsTheRecord) {
     ForeignGetVersion(api_, &version[0], &version[1], &version[2]);
     EXPECT_EQ(ForeignInterfaceVersion(api_), 1);
     EXPECT_THAT(version, ElementsAre(6U, 8U, 282U));
+}
+
+TEST_F(ForeignHost, KindsAndNamesThatAreNotForThisModule) {
+    const std::tuple<const char*, const char*, int> cases[] = {
+        {"Internal", "configure", 2}, {"Request", "Configure", 2}, {"Reply", "", 2},
+        {"internal", "Configure", 0}, {"%s%n", "100%", 0},         {"", "", 0},
+    };
+    for (const auto& [kind, name, result] : cases) {
+        calls.clear();
+        EXPECT_EQ(ForeignSend(api_, kind, name, "", ""), result);
+        EXPECT_THAT(calls, Contains(std::string("Log(1)Toolbox-Main:77 Toolbox::DoMagic - Finding "
+                                                "handler for ") +
+                                    kind + "=" + name));
+        EXPECT_THAT(calls, Each(AnyOf(StartsWith("Get"), StartsWith("Log(1)"))));
+    }
 }
 
 TEST_F(ForeignHost, EverySlotOfUpdateInfoIsTheOneThatIsMeant) {
@@ -97,6 +120,22 @@ TEST_F(ForeignHost, GetsTheArgumentsOfTheLongestLine) {
                 ElementsAre("Log(0)Toolbox-Main:103 Toolbox::DoMagic caught an unhandled exception",
                             "Log(0)Exception Details: Toolbox-Main:71 - DoMagic - Bad Parameter "
                             "(NULL) (error = 0)"));
+}
+
+TEST_F(ForeignHost, ErrorsOnManyThreadsAtOnceLeaveTheLastErrorOfEach) {
+    constexpr DWORD kThreads = 40;
+    std::atomic<DWORD> right = 0;
+    std::vector<std::thread> threads;
+    for (DWORD i = 1; i <= kThreads; ++i) {
+        threads.emplace_back([&right, i, api = static_cast<const ToolboxAPI*>(api_)] {
+            SetLastError(i);
+            right += api->DoMagic(nullptr, nullptr) == 0 && GetLastError() == i ? 1 : 0;
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(right, kThreads);
 }
 
 }  // namespace
