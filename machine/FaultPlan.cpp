@@ -95,7 +95,8 @@ std::uint32_t CodeFor(const FaultRule& rule, const FaultPoint& point) {
 
 }  // namespace
 
-FaultPlan::FaultPlan(std::vector<FaultRule> rules) : rules_(std::move(rules)) {}
+FaultPlan::FaultPlan(std::vector<FaultRule> rules)
+    : rules_(std::move(rules)), firings_(rules_.size()) {}
 
 FaultPlan FaultPlan::Parse(std::string_view text) {
     std::vector<FaultRule> rules;
@@ -120,34 +121,32 @@ std::uint64_t FaultPlan::CountOf(std::string_view function) {
                                   : counts_.emplace(std::string(function), 1).first->second;
 }
 
-std::optional<std::uint32_t> FaultPlan::OnCall(std::string_view function) {
-    ++callsSeen_;
-    const std::uint64_t count = CountOf(function);
-    for (const FaultRule& rule : rules_) {
-        const bool applies = rule.function.empty()
-                                 ? Matches(rule, callsSeen_)
-                                 : rule.function == function && Matches(rule, count);
-        if (applies) {
-            if (const FaultPoint* point = FindPoint(function)) {
-                ++fired_;
-                return CodeFor(rule, *point);
-            }
+template <class Matching>
+std::optional<std::uint32_t> FaultPlan::Fire(std::string_view function, Matching matches) {
+    const FaultPoint* const point = FindPoint(function);
+    for (std::size_t i = 0; point != nullptr && i < rules_.size(); ++i) {
+        if (matches(rules_[i])) {
+            ++fired_;
+            ++firings_[i];
+            return CodeFor(rules_[i], *point);
         }
     }
     return std::nullopt;
 }
 
+std::optional<std::uint32_t> FaultPlan::OnCall(std::string_view function) {
+    ++callsSeen_;
+    const std::uint64_t count = CountOf(function);
+    return Fire(function, [&](const FaultRule& rule) {
+        return rule.function.empty() ? Matches(rule, callsSeen_)
+                                     : rule.function == function && Matches(rule, count);
+    });
+}
+
 std::optional<std::uint32_t> FaultPlan::OnOutcome(std::string_view name) {
     const std::uint64_t count = CountOf(name);
-    for (const FaultRule& rule : rules_) {
-        if (rule.function == name && Matches(rule, count)) {
-            if (const FaultPoint* point = FindPoint(name)) {
-                ++fired_;
-                return CodeFor(rule, *point);
-            }
-        }
-    }
-    return std::nullopt;
+    return Fire(
+        name, [&](const FaultRule& rule) { return rule.function == name && Matches(rule, count); });
 }
 
 }  // namespace machine

@@ -12,6 +12,7 @@
 // stands for the HRESULT of that Windows error.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -50,6 +51,8 @@ public:
     const std::vector<FaultRule>& Rules() const { return rules_; }
     // How many calls were made to fail.
     std::uint64_t Fired() const { return fired_; }
+    // Whether a call was made to fail by the rule at this place in Rules().
+    bool HasFired(std::size_t rule) const { return firings_[rule] != 0; }
     // How many calls that can fail were made.
     std::uint64_t CallsSeen() const { return callsSeen_; }
 
@@ -61,7 +64,12 @@ public:
 private:
     std::uint64_t CountOf(std::string_view function);
 
+    // The code with which the first rule that matches makes the call fail.
+    template <class Matching>
+    std::optional<std::uint32_t> Fire(std::string_view function, Matching matches);
+
     std::vector<FaultRule> rules_;
+    std::vector<std::uint64_t> firings_;  // by rule
     std::map<std::string, std::uint64_t, std::less<>> counts_;
     std::uint64_t callsSeen_ = 0;
     std::uint64_t fired_ = 0;

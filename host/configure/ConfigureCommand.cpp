@@ -7,6 +7,7 @@
 
 #include "host/ExitCode.h"
 #include "host/HostError.h"
+#include "host/Text.h"
 #include "host/configure/Json.h"
 #include "host/configure/MachineFiles.h"
 #include "host/configure/Passes.h"
@@ -53,15 +54,26 @@ void CheckCombination(const ConfigureOptions& options) {
     }
 }
 
-machine::FaultPlan ReadFaults(const std::vector<std::string>& texts) {
+machine::FaultPlan ReadFaults(const std::vector<std::string>& rules) {
     std::string joined;
-    for (const std::string& text : texts) {
-        joined += (joined.empty() ? "" : ",") + text;
+    for (const std::string& rule : rules) {
+        joined += (joined.empty() ? "" : ",") + rule;
     }
     try {
-        return joined.empty() ? machine::FaultPlan() : machine::FaultPlan::Parse(joined);
+        return machine::FaultPlan::Parse(joined);
     } catch (const machine::FaultPlanError& error) {
         throw HostError(std::string("--fail: ") + error.what(), kWrongUsage);
+    }
+}
+
+/// Rules under which no call failed: misspelt counts, or calls that the run does not make.
+void NoteUnusedFaults(const Outcome& outcome, const std::vector<std::string>& rules,
+                      Output& output) {
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+        if (!outcome.faults.HasFired(i)) {
+            output.Note("toolbox-host: --fail " + rules[i] + " made no call fail");
+            output.Document()["unusedFaults"].push_back(ToUtf8(rules[i]));
+        }
     }
 }
 
@@ -150,6 +162,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
             }
         }
     }
+    NoteUnusedFaults(outcome, options.faults, output);
     for (const std::string& violation : outcome.violations) {
         output.Error("the module broke a rule of the simulated machine: " + violation);
     }
@@ -179,6 +192,7 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
         ->add_option("--fail", options->faults,
                      "Make calls fail: EnableStatic=84, RegOpenKeyExA#2=5, call:17 (repeatable)")
         ->type_name("SPEC")
+        ->delimiter(',')
         ->allow_extra_args(false);
     command
         ->add_option("--trace", options->traceFile,

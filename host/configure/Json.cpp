@@ -121,11 +121,9 @@ Json OfFailure(const Pass& pass) {
 }
 
 Json OfCounts(const Counts& counts) {
-    return {{"changes", counts.changes},
-            {"alreadySet", counts.alreadySet},
-            {"failed", counts.failed},
-            {"waiting", counts.waiting},
-            {"notAttempted", counts.notAttempted},
+    return {{"changes", counts.changes}, {"alreadySet", counts.alreadySet},
+            {"skipped", counts.skipped}, {"failed", counts.failed},
+            {"waiting", counts.waiting}, {"notAttempted", counts.notAttempted},
             {"ignored", counts.ignored}};
 }
 

@@ -100,6 +100,7 @@ Outcome RunPasses(const Request& request, const machine::State& machine) {
         RunUntilDone(request, simulation, outcome);
         outcome.machine = simulation.GetState();
         outcome.trace = simulation.GetTrace();
+        outcome.faults = simulation.GetFaultPlan();
     }
     if (outcome.Last().story.stoppedForRestart) {
         outcome.afterRestart = RunAfterRestart(request, outcome.machine);

@@ -35,8 +35,9 @@ struct Outcome {
     /// When the last pass succeeded and the question was asked: whether a restart and a further run
     /// change nothing more. That run's pass is kept.
     std::optional<Pass> furtherRun;
-    machine::State machine;  ///< as the last pass left it
-    machine::Trace trace;    ///< of all passes; of the clones nothing
+    machine::State machine;     ///< as the last pass left it
+    machine::Trace trace;       ///< of all passes; of the clones nothing
+    machine::FaultPlan faults;  ///< as the last pass left them
     std::vector<std::string> violations;
 
     const Pass& Last() const { return passes.back(); }

@@ -220,13 +220,30 @@ std::vector<Row> MakeRows(const std::vector<Setting>& settings, const Run& run, 
     return rows;
 }
 
+namespace {
+
+/// Whether the module has passed over a setting that differs from what the machine has.
+bool IsSkipped(const Row& row) {
+    return row.fate == Fate::kAlreadySet && row.current && row.reason != kAlreadySet &&
+           row.reason != kFoundThere;
+}
+
+}  // namespace
+
 Counts CountRows(const std::vector<Row>& rows) {
     const auto count = [&rows](Fate fate) {
         return static_cast<std::size_t>(std::count_if(
             rows.begin(), rows.end(), [fate](const Row& row) { return row.fate == fate; }));
     };
-    return {count(Fate::kChange), count(Fate::kAlreadySet),   count(Fate::kFailed),
-            count(Fate::kWaits),  count(Fate::kNotAttempted), count(Fate::kIgnored)};
+    const auto skipped =
+        static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), IsSkipped));
+    return {count(Fate::kChange),
+            count(Fate::kAlreadySet) - skipped,
+            skipped,
+            count(Fate::kFailed),
+            count(Fate::kWaits),
+            count(Fate::kNotAttempted),
+            count(Fate::kIgnored)};
 }
 
 }  // namespace host::configure

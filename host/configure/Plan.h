@@ -45,6 +45,7 @@ std::vector<Row> MakeRows(const std::vector<Setting>& settings, const Run& run, 
 struct Counts {
     std::size_t changes = 0;
     std::size_t alreadySet = 0;
+    std::size_t skipped = 0;  ///< by the module, although they differ
     std::size_t failed = 0;
     std::size_t waiting = 0;
     std::size_t notAttempted = 0;

@@ -62,8 +62,7 @@ std::string WhySkipped(const Row& row, const machine::State& before) {
         case Kind::kAddresses:
             return "skipped although it differs: the module compares the first address alone";
         case Kind::kUnit:
-            return before.membership.member ? "the module finds the computer there"
-                                            : "skipped: the machine is in no domain";
+            return before.membership.member ? kFoundThere : "skipped: the machine is in no domain";
         case Kind::kWorkgroup:
             return "skipped: the module finds nothing to do";
         case Kind::kRoutes:

@@ -9,6 +9,9 @@ namespace host::configure {
 /// The reason of a setting that is as the file wants it.
 constexpr const char* kAlreadySet = "already set";
 
+/// The reason of a unit that the file names otherwise than the directory does.
+constexpr const char* kFoundThere = "the module finds the computer there";
+
 /// Why the module executed the setting's command, where the values before the run do not say it.
 std::string WhyExecuted(const Row& row, const Step& step);
 

@@ -152,6 +152,7 @@ std::string CountsText(const Counts& counts) {
             text += util::Format(", %u %s", static_cast<unsigned>(count), what);
         }
     };
+    add(counts.skipped, "skipped");
     add(counts.failed, "failed");
     add(counts.waiting, "after the restart");
     add(counts.notAttempted, "not attempted");

@@ -19,7 +19,7 @@ std::string StepText(const Row& row);
 /// The calls with what they gave, where that is not 0.
 std::string CallsText(const Row& row);
 
-/// "1 change, 1 already right, 2 ignored"
+/// "1 change, 1 already right, 2 without effect"
 std::string CountsText(const Counts& counts);
 
 }  // namespace host::configure

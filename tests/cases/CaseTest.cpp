@@ -24,7 +24,7 @@ e2e::PresentedFile MakeFile(const Case& tested, const e2e::AgentFolder& agent) {
     using Stands = e2e::PresentedFile::Stands;
     const std::string place = tested.file.value("stands", "inbox");
     e2e::PresentedFile file(agent, tested.file.value("name", "configuration.ini"),
-                            e2e::ReadFile(tested.configuration),
+                            support::ReadFile(tested.configuration),
                             place == "inbox"  ? Stands::Inbox
                             : place == "home" ? Stands::Home
                                               : Stands::Nowhere);
@@ -33,7 +33,7 @@ e2e::PresentedFile MakeFile(const Case& tested, const e2e::AgentFolder& agent) {
         if (there.is_null()) {
             std::filesystem::create_directory(file.Home());
         } else {
-            e2e::WriteFile(file.Home(), there.get<std::string>());
+            support::WriteFile(file.Home(), there.get<std::string>());
         }
     }
     return file;
@@ -108,7 +108,7 @@ class CaseTest : public testing::TestWithParam<std::string> {};
 
 TEST_P(CaseTest, EndsAsExpected) {
     const Case tested = LoadCase(GetParam());
-    const e2e::AgentFolder agent("case-" + tested.name);
+    const e2e::AgentFolder agent;
     const e2e::PresentedFile file = MakeFile(tested, agent);
     machine::Simulation simulation(tested.machine);
     simulation.SetProgramFile(agent.Program());

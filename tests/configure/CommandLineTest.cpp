@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "machine/Cipher.h"
+#include <sstream>
+
+#include "machine/MachineFile.h"
 #include "tests/configure/Support.h"
 
 namespace {
@@ -11,13 +13,17 @@ using host_tests::Outcome;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
-constexpr const char* kNothing = "[Global]\nRebootAfterConfig=true\n";
+class CommandLine : public testing::Test {
+protected:
+    Files files_;
+    const std::string rename_ = files_.Write("rename.ini", "[Networking]\nComputerName=PC7\n");
+};
 
-TEST(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
-    Files files;
-    const std::string config = files.Write("refusals.ini", kNothing);
-    const std::string badMachine = files.Write("bad.json", "{\"computerName\": 1}");
+TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
+    const std::string before = ReadFile(rename_);
+    const std::string badMachine = files_.Write("bad.json", "{\"computerName\": 1}");
     struct Case {
         Arguments arguments;
         unsigned long exitCode;
@@ -25,16 +31,16 @@ TEST(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
     };
     const Case cases[] = {
         {{}, 64, "file is required"},
-        {{config, "--this-machine"}, 64, "--yes"},
-        {{config, "--this-machine", "--machine", "m.json"}, 64, "excludes"},
-        {{config, "--this-machine", "--yes", "--until-done"}, 64, "simulated machines"},
-        {{config, "--this-machine", "--yes", "--trace", "t"}, 64, "simulated machines"},
-        {{config, "--plan", "--save-machine", "m.json"}, 64, "--plan changes no machine"},
-        {{config, "--with-passwords"}, 64, "--save-machine"},
-        {{config, "--fail", "NoSuchCall=1"}, 64, "NoSuchCall"},
-        {{config, "--fail", "call:x"}, 64, "call:x"},
-        {{config, "--machine", "missing.json"}, 65, "missing.json"},
-        {{config, "--machine", badMachine}, 65, "/computerName"},
+        {{rename_, "--this-machine"}, 64, "--yes"},
+        {{rename_, "--this-machine", "--machine", "m.json"}, 64, "excludes"},
+        {{rename_, "--this-machine", "--yes", "--until-done"}, 64, "simulated machines"},
+        {{rename_, "--this-machine", "--yes", "--trace", "t"}, 64, "simulated machines"},
+        {{rename_, "--plan", "--save-machine", "m.json"}, 64, "--plan changes no machine"},
+        {{rename_, "--with-passwords"}, 64, "--save-machine"},
+        {{rename_, "--fail", "NoSuchCall=1"}, 64, "NoSuchCall"},
+        {{rename_, "--fail", "call:x"}, 64, "call:x"},
+        {{rename_, "--machine", "missing.json"}, 65, "missing.json"},
+        {{rename_, "--machine", badMachine}, 65, "/computerName"},
         {{"missing.ini"}, 65, "missing.ini"},
         {{"missing.ini", "--this-machine", "--yes"}, 65, "missing.ini"},
     };
@@ -44,45 +50,11 @@ TEST(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
         EXPECT_THAT(outcome.data, IsEmpty()) << tried.words;
         EXPECT_THAT(outcome.notes, HasSubstr(tried.words));
     }
-    EXPECT_EQ(ReadFile(config), kNothing);
+    EXPECT_EQ(ReadFile(rename_), before);
 }
 
-TEST(CommandLine, ExitCodesTellTheOutcomesApart) {
-    Files files;
-    const std::string nothing = files.Write("nothing.ini", kNothing);
-    const std::string rename = files.Write("rename.ini", "[Networking]\nComputerName=PC7\n");
-    const std::string quiet = files.Write(
-        "quiet.ini", "[Global]\nRebootAfterConfig=false\n[Networking]\nComputerName=PC7\n");
-    const std::string refused =
-        files.Write("refused.ini", "[NicEntry0]\nDHCP=true\n[NicEntry1]\nDHCP=true\n");
-    const std::string notAnAddress = files.Write(
-        "no-address.ini", "[TCP/IP]\nDescription=x\nDHCP=false\nAddress=nowhere\nNetmask=x\n");
-    const std::pair<Arguments, unsigned long> cases[] = {
-        {{nothing}, 0},
-        {{nothing, "--plan"}, 0},
-        {{rename}, 3},
-        {{rename, "--plan"}, 2},
-        {{rename, "--until-done"}, 0},
-        {{rename, "--until-done", "--plan"}, 2},
-        {{rename, "--fail", "Rename=5"}, 1},
-        {{rename, "--plan", "--fail", "Rename=5"}, 1},
-        {{quiet}, 1},
-        {{refused}, 65},
-        {{refused, "--plan"}, 65},
-        {{notAnAddress}, 65},
-        {{rename, "--fail", "ConnectServer"}, 1},
-    };
-    for (const auto& [arguments, exitCode] : cases) {
-        const Outcome outcome = Configure(arguments);
-        EXPECT_EQ(outcome.exitCode, exitCode)
-            << testing::PrintToString(arguments) << outcome.data << outcome.notes;
-    }
-}
-
-TEST(CommandLine, DataAndTheRestGoTheirOwnWays) {
-    Files files;
-    const std::string config = files.Write("ways.ini", "[Networking]\nComputerName=PC7\n");
-    const Outcome outcome = Configure({config, "--log"});
+TEST_F(CommandLine, DataAndTheRestGoTheirOwnWays) {
+    const Outcome outcome = Configure({rename_, "--log"});
     EXPECT_THAT(outcome.data, HasSubstr("Reply: Result=Reboot"));
     EXPECT_THAT(outcome.data, Not(HasSubstr("HandleMessage")));
     EXPECT_THAT(outcome.notes, HasSubstr("[1] Configure::HandleMessage\n"));
@@ -90,55 +62,51 @@ TEST(CommandLine, DataAndTheRestGoTheirOwnWays) {
     EXPECT_THAT(outcome.data + outcome.notes, AllOf(Not(HasSubstr("\x1b")), Not(HasSubstr("\r"))));
 }
 
-TEST(CommandLine, TheTraceComesInTwoFormats) {
-    Files files;
-    const std::string config = files.Write("traced.ini", "[Networking]\nComputerName=PC7\n");
-    const std::string lines = files.Name("traced.jsonl");
-    const std::string timeline = files.Name("traced.trace.json");
-    EXPECT_EQ(Configure({config, "--trace", lines}).exitCode, 3U);
-    EXPECT_EQ(Configure({config, "--trace", timeline, "--fail", "Rename"}).exitCode, 1U);
+TEST_F(CommandLine, FaultsThatNothingMetAreNamed) {
+    const Arguments arguments = {rename_, "--fail", "Rename=5,MoveHere", "--fail", "call:9999"};
+    EXPECT_EQ(Configure(arguments).notes,
+              "toolbox-host: --fail MoveHere made no call fail\n"
+              "toolbox-host: --fail call:9999 made no call fail\n");
+    EXPECT_EQ(ConfigureJson(arguments, 1)["unusedFaults"], Json({"MoveHere", "call:9999"}));
+}
 
+TEST_F(CommandLine, TheTraceComesInTwoFormats) {
+    EXPECT_EQ(Configure({rename_, "--trace", "t.jsonl"}).exitCode, 3U);
     std::size_t renames = 0;
-    std::istringstream stream(ReadFile(lines));
+    std::istringstream stream(ReadFile("t.jsonl"));
     for (std::string line; std::getline(stream, line);) {
         ASSERT_TRUE(Json::accept(line)) << line;
-        const Json call = Json::parse(line);
-        renames += call["arguments"].value("method", "") == "Rename" ? 1 : 0;
+        renames += Json::parse(line)["arguments"].value("method", "") == "Rename" ? 1 : 0;
     }
     EXPECT_EQ(renames, 1U);
-    const Json events = Json::parse(ReadFile(timeline)).at("traceEvents");
-    const auto isRename = [](const Json& event) {
-        return event["args"].value("ReturnValue (injected)", "") == "5";
-    };
-    EXPECT_TRUE(std::any_of(events.begin(), events.end(), isRename));
 
-    const Arguments unwritable[] = {{"configure", config, "--trace", "no/such/folder/t.json"},
-                                    {"snapshot", "--output", "no/such/folder/t.json"}};
-    for (const Arguments& arguments : unwritable) {
+    EXPECT_EQ(Configure({rename_, "--trace", "t.trace.json", "--fail", "Rename"}).exitCode, 1U);
+    const Json events = Json::parse(ReadFile("t.trace.json")).at("traceEvents");
+    EXPECT_TRUE(std::any_of(events.begin(), events.end(), [](const Json& event) {
+        return event["args"].value("ReturnValue (injected)", "") == "5";
+    }));
+
+    for (const Arguments& arguments : {Arguments{"configure", rename_, "--trace", "no/folder/t"},
+                                       Arguments{"snapshot", "--output", "no/folder/t"}}) {
         const Outcome outcome = host_tests::RunHost(arguments);
         EXPECT_EQ(outcome.exitCode, 1U);
-        EXPECT_THAT(outcome.notes, HasSubstr("no/such/folder/t.json"));
+        EXPECT_THAT(outcome.notes, HasSubstr("no/folder/t"));
     }
 }
 
-TEST(CommandLine, SavedMachinesCarryPasswordsOnlyWhereTheyWereOrAreAskedFor) {
-    Files files;
-    const std::string config = files.Write("saved.ini", "[Networking]\nComputerName=PC7\n");
-    const std::string machine = files.Write("saved-machine.json", machine::DefaultState());
-    const std::string other = files.Name("saved-other.json");
+TEST_F(CommandLine, SavedMachinesCarryPasswordsOnlyWhereTheyWereOrAreAskedFor) {
+    const std::string machine =
+        files_.Write("machine.json", machine::FormatState(machine::DefaultState()));
     const std::string password = machine::DefaultState().domains[0].accounts[0].password;
     ASSERT_FALSE(password.empty());
-
-    const Outcome without = Configure({config, "--machine", machine, "--save-machine", other});
-    EXPECT_THAT(ReadFile(other), AllOf(HasSubstr("PC7"), Not(HasSubstr(password))));
-    EXPECT_THAT(without.notes, HasSubstr("without the passwords"));
-
-    const Outcome with =
-        Configure({config, "--machine", machine, "--save-machine", other, "--with-passwords"});
-    EXPECT_THAT(ReadFile(other), AllOf(HasSubstr("PC7"), HasSubstr(password)));
-    EXPECT_THAT(with.notes, IsEmpty());
-
-    Configure({config, "--machine", machine, "--save-machine", "./" + machine});
+    const auto save = [&](const Arguments& more) {
+        return Configure(With({rename_, "--machine", machine, "--save-machine"}, more)).notes;
+    };
+    EXPECT_THAT(save({"other.json"}), HasSubstr("without the passwords"));
+    EXPECT_THAT(ReadFile("other.json"), AllOf(HasSubstr("PC7"), Not(HasSubstr(password))));
+    EXPECT_EQ(save({"other.json", "--with-passwords"}), "");
+    EXPECT_THAT(ReadFile("other.json"), AllOf(HasSubstr("PC7"), HasSubstr(password)));
+    save({"./" + machine});
     EXPECT_THAT(ReadFile(machine), AllOf(HasSubstr("PC7"), HasSubstr(password)));
 }
 

@@ -1,11 +1,13 @@
-// A run on a simulated machine leaves this machine's files alone.
+// What a run does to this machine: nothing when it is on a simulated one.
 #include <windows.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <set>
 
+#include "machine/MachineFile.h"
 #include "tests/configure/Support.h"
 
 namespace {
@@ -13,66 +15,81 @@ namespace {
 using namespace configure_tests;
 using host_tests::BesideProgram;
 
-constexpr const char* kConfig = "[Networking]\nComputerName=PC7\nWorkgroup=true\nDomain=LAB\n";
-
-std::set<std::string> ListFolder(const std::string& pattern) {
+/// Files and folders of that name, and of any ending, in the folder.
+std::set<std::string> List(const std::filesystem::path& folder, const std::string& start) {
     std::set<std::string> names;
-    WIN32_FIND_DATAA found{};
-    const HANDLE search = FindFirstFileA(pattern.c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) {
-        return names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with(start)) {
+            names.insert(name);
+        }
     }
-    do {
-        names.insert(found.cFileName);
-    } while (FindNextFileA(search, &found) != 0);
-    FindClose(search);
     return names;
 }
 
-std::set<std::string> PrivateFolders() {
-    char folder[MAX_PATH + 1] = "";
-    GetTempPathA(sizeof folder, folder);
-    return ListFolder(std::string(folder) + "toolbox-host-*");
+std::vector<std::set<std::string>> WhatIsThere() {
+    return {List(std::filesystem::temp_directory_path(), "toolbox-host-"),
+            List(std::filesystem::current_path().root_path(), ""), List(BesideProgram(""), "kept")};
 }
 
 TEST(Sandbox, TheFileStaysWhateverTheModuleDoesWithIt) {
-    Files files;
-    const std::string config = files.Write("kept.ini", kConfig);
+    constexpr const char* text = "[Networking]\nComputerName=PC7\nWorkgroup=true\nDomain=LAB\n";
+    const Files files;
+    const std::string config = files.Write("kept.ini", text);
     SetFileAttributesA(config.c_str(), FILE_ATTRIBUTE_READONLY);
     // A file of that name beside the program is what the module would replace.
-    const std::string beside = files.Write(BesideProgram("kept.ini"), "not to be touched");
-    const std::set<std::string> foldersBefore = PrivateFolders();
-    const std::set<std::string> rootBefore = ListFolder("\\*");
-    const std::set<std::string> folderBefore = ListFolder(BesideProgram("*.ini"));
-    for (const char* fault : {"", "MoveFileA", "DeleteFileA", "GetModuleFileNameA",
+    const std::string beside = BesideProgram("kept.ini");
+    support::WriteFile(beside, "not to be touched");
+    const auto before = WhatIsThere();
+    for (const char* fault : {"Rename", "MoveFileA", "DeleteFileA", "GetModuleFileNameA",
                               "GetFileAttributesA#2", "LsaOpenPolicy", "Decrypt"}) {
-        Arguments arguments = {config, "--until-done"};
-        if (*fault != '\0') {
-            arguments.insert(arguments.end(), {"--fail", fault});
-        }
-        Configure(arguments);
-        EXPECT_EQ(ReadFile(config), kConfig) << fault;
+        Configure({config, "--until-done", "--fail", fault});
+        EXPECT_EQ(ReadFile(config), text) << fault;
         EXPECT_EQ(ReadFile(beside), "not to be touched") << fault;
     }
+    Configure({config, "--until-done"});
     Configure({beside});
+    EXPECT_EQ(ReadFile(config), text);
     EXPECT_EQ(ReadFile(beside), "not to be touched");
-    EXPECT_EQ(PrivateFolders(), foldersBefore);
-    EXPECT_EQ(ListFolder("\\*"), rootBefore);
-    EXPECT_EQ(ListFolder(BesideProgram("*.ini")), folderBefore);
+    EXPECT_EQ(WhatIsThere(), before);
     SetFileAttributesA(config.c_str(), FILE_ATTRIBUTE_NORMAL);
+    std::filesystem::remove(beside);
 }
 
 TEST(Sandbox, ARunHereTakesTheFileAsTheAgentWould) {
     // Nothing in the file concerns the machine, so that this one can be used.
-    Files files;
-    const std::string config = files.Write("here.ini", "[Global]\nRebootAfterConfig=false\n");
-    const std::string away = files.Name(BesideProgram("here.ini"));
-    const Json result = ConfigureJson({config, "--this-machine", "--yes"}, 0);
+    const Files files;
+    files.Write("here.ini", "[Global]\nRebootAfterConfig=false\n");
+    const Json result = ConfigureJson({"here.ini", "--this-machine", "--yes"}, 0);
     EXPECT_EQ(result.at("machine"), "this machine");
     EXPECT_EQ(result.at("passes")[0].at("reply").at("Result"), "Success");
-    EXPECT_EQ(SettingOf(result.at("passes")[0], "restart-answer").at("fate"), "label");
-    EXPECT_FALSE(FileExists(config));
-    EXPECT_TRUE(FileExists(away));
+    EXPECT_FALSE(std::filesystem::exists("here.ini"));
+    EXPECT_TRUE(std::filesystem::remove(BesideProgram("here.ini")));
+}
+
+TEST(Snapshot, IsAMachineFileOfThisMachineAndCanBePlannedOn) {
+    char name[256] = "";
+    DWORD size = sizeof name;
+    ASSERT_NE(GetComputerNameA(name, &size), 0);
+    const Files files;
+    const auto written = host_tests::RunHost({"snapshot", "-o", "snapshot.json"});
+    EXPECT_EQ(written.exitCode, 0U) << written.notes;
+    EXPECT_EQ(written.data, "wrote snapshot.json\n");
+    const machine::State state = machine::ParseState(ReadFile("snapshot.json"));
+    EXPECT_EQ(state.computerName, name);
+    EXPECT_FALSE(state.membership.member && state.membership.dnsDomain.empty());
+    for (const std::string format : {"text", "json"}) {
+        const auto printed = host_tests::RunHost({"snapshot", "--format", format});
+        EXPECT_EQ(printed.exitCode, 0U);
+        EXPECT_EQ(machine::ParseState(printed.data), state) << format;
+        EXPECT_THAT(printed.notes, testing::HasSubstr(format == "text" ? "Not seen" : ""));
+    }
+    const std::string config = files.Write("planned.ini", "[Networking]\nComputerName=PC-NEW\n");
+    const Json onFile = ConfigureJson({config, "--machine", "snapshot.json", "--plan"}, 2);
+    const Json here = ConfigureJson({config, "--this-machine", "--plan"}, 2);
+    EXPECT_EQ(onFile.at("passes"), here.at("passes"));
+    EXPECT_EQ(SettingOf(here.at("passes")[0], "computer-name").at("fate"), "change");
+    EXPECT_TRUE(std::filesystem::exists(config));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <sstream>
 
 #include "tests/configure/Support.h"
@@ -16,28 +17,23 @@ using namespace configure_tests;
 struct Transcript {
     Arguments arguments;
     std::string printed;
-    bool inPart = false;  // ends with "...": the rest is left out
+    bool inPart;  // ends with "...": the rest is left out
 };
 
 std::vector<Transcript> TranscriptsOf(const std::string& document) {
     const std::string prompt = "$ ./run ";
     std::vector<Transcript> transcripts;
     std::istringstream lines(ReadFile(document));
-    bool fenced = false;
     bool shown = false;
     for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with("```")) {
-            fenced = !fenced;
-            shown = false;
-        } else if (fenced && line.starts_with(prompt)) {
+        if (line.starts_with(prompt)) {
             std::istringstream words(line.substr(prompt.size()));
-            Transcript& transcript = transcripts.emplace_back();
-            for (std::string word; words >> word;) {
-                transcript.arguments.push_back(word);
-            }
+            transcripts.push_back({{std::istream_iterator<std::string>(words), {}}, "", false});
             shown = true;
-        } else if (shown && line == "...") {
-            transcripts.back().inPart = true;
+        } else if (line.starts_with("```") || line == "...") {
+            if (shown) {
+                transcripts.back().inPart = line == "...";
+            }
             shown = false;
         } else if (shown) {
             transcripts.back().printed += line + "\n";

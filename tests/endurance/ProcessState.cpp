@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <tlhelp32.h>
+
 #include <algorithm>
 #include <stdexcept>
 #include <vector>
@@ -61,10 +63,22 @@ std::size_t CountModules() {
     return bytes / sizeof(HMODULE);
 }
 
+std::size_t CountThreads() {
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    std::size_t count = 0;
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
+        count += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
+    }
+    CloseHandle(snapshot);
+    return count;
+}
+
 }  // namespace
 
 ProcessState ReadProcessState() {
-    return {CountHandles(), CountModules()};
+    return {CountHandles(), CountModules(), CountThreads()};
 }
 
 }  // namespace endurance

@@ -8,6 +8,7 @@ namespace endurance {
 struct ProcessState {
     std::size_t handles;
     std::size_t modules;
+    std::size_t threads;
 };
 
 /// Counts for this process. The handles come from the system's handle table, for

@@ -2,13 +2,14 @@
 
 #include <windows.h>
 
-#include <fstream>
-#include <iterator>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "host/Module.h"
 #include "host/Text.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace host_tests {
 
@@ -19,36 +20,21 @@ struct HandleCloser {
 };
 using Handle = std::unique_ptr<void, HandleCloser>;
 
-/// Takes what a program prints. A file and no pipe: what the program starts of the system's
+/// A file that a program inherits to print to. No pipe: what the program starts of the system's
 /// services keeps what it inherits, and the end of a pipe would never come.
-class Capture {
-public:
-    Capture() {
-        char folder[MAX_PATH + 1] = "";
-        GetTempPathA(sizeof folder, folder);
-        GetTempFileNameA(folder, "out", 0, name_);
-        SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-        file_.reset(CreateFileA(name_, GENERIC_WRITE,
-                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inherited,
-                                CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    }
-    ~Capture() {
-        file_.reset();
-        DeleteFileA(name_);
-    }
-    Capture(const Capture&) = delete;
-    Capture& operator=(const Capture&) = delete;
+Handle OpenInherited(const std::filesystem::path& file) {
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    return Handle(CreateFileA(file.string().c_str(), GENERIC_WRITE,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inherited,
+                              CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
 
-    void* File() const { return file_.get(); }
-    std::string Text() const {
-        std::ifstream file(name_, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-private:
-    char name_[MAX_PATH + 1] = "";
-    Handle file_;
-};
+std::string Take(Handle opened, const std::filesystem::path& file) {
+    opened.reset();
+    const std::string text = support::ReadFile(file);
+    std::filesystem::remove(file);
+    return text;
+}
 
 /// As the C run-time library takes a command line apart.
 std::string Quoted(const std::string& argument) {
@@ -67,8 +53,7 @@ std::string Quoted(const std::string& argument) {
 }  // namespace
 
 std::string BesideProgram(const std::string& name) {
-    const std::string module = host::Module::DefaultPath();
-    return module.substr(0, module.find_last_of("\\/") + 1) + name;
+    return std::filesystem::path(host::Module::DefaultPath()).replace_filename(name).string();
 }
 
 Outcome RunHost(const std::vector<std::string>& arguments) {
@@ -76,13 +61,17 @@ Outcome RunHost(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         commandLine += " " + Quoted(argument);
     }
-    const Capture data;
-    const Capture notes;
+    const auto files = std::filesystem::temp_directory_path();
+    // The file of a run that left a service behind cannot be made again.
+    static int runs = 0;
+    const std::string own = std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++runs);
+    Handle data = OpenInherited(files / ("data-" + own));
+    Handle notes = OpenInherited(files / ("notes-" + own));
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = data.File();
-    startup.hStdError = notes.File();
+    startup.hStdOutput = data.get();
+    startup.hStdError = notes.get();
     PROCESS_INFORMATION started{};
     if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
                         &startup, &started)) {
@@ -92,9 +81,10 @@ Outcome RunHost(const std::vector<std::string>& arguments) {
     const Handle process(started.hProcess);
     const Handle thread(started.hThread);
     WaitForSingleObject(process.get(), INFINITE);
-    Outcome outcome{0, data.Text(), notes.Text()};
-    GetExitCodeProcess(process.get(), &outcome.exitCode);
-    return outcome;
+    unsigned long exitCode = 0;
+    GetExitCodeProcess(process.get(), &exitCode);
+    return {exitCode, Take(std::move(data), files / ("data-" + own)),
+            Take(std::move(notes), files / ("notes-" + own))};
 }
 
 }  // namespace host_tests

@@ -32,7 +32,7 @@ std::vector<Subject> ListMemorySubjects() {
     return chosen;
 }
 
-class MemorySweep : public testing::TestWithParam<std::tuple<Subject, bool>> {
+class MemorySweep : public testing::TestWithParam<Sweep> {
 protected:
     void Run() {
         Ending clean;
@@ -43,15 +43,15 @@ protected:
             requests = trial.MemoryRequests();
             ASSERT_EQ(trial.MemoryLeaks(), std::vector<std::string>());
         }
-        Summary& summary =
-            SummaryOf(stays_ ? "memory exhausted from one request on" : "memory refused once");
-        summary.possible += requests;
+        Figures& figures =
+            FiguresOf(stays_ ? "memory exhausted from one request on" : "memory refused once");
+        figures["points"] += requests;
         for (const std::uint64_t point :
              Sample(requests, stays_ ? mostRequestsStaying : mostRequestsOnce)) {
             const std::string name = "request for memory " + std::to_string(point);
             NotePoint(subject_.name + ", " + name);
-            ++summary.points;
-            Try(point, clean, name, summary);
+            ++figures["points tried"];
+            Try(point, clean, name, figures);
             if (HasFailure()) {
                 return;  // the first says enough
             }
@@ -59,14 +59,13 @@ protected:
     }
 
 private:
-    void Try(std::uint64_t point, const Ending& clean, const std::string& name, Summary& summary) {
+    void Try(std::uint64_t point, const Ending& clean, const std::string& name, Figures& figures) {
         Trial trial(subject_);
         e2e::RunResult next;
         Ending ending;
-        ending.run = trial.RunShortOfMemory(point, stays_, next);
+        ending.run = trial.Run(point, stays_, &next);
         ending.file = trial.FileBehindFirst();
-        const std::string answer = Examine(ending, clean, name);
-        ++summary.answers[answer];
+        ++figures["answered " + Examine(ending, clean, name)];
         // With memory the same module works as ever.
         const bool works = next.result == 1 && next.reply.contains("Result") &&
                            next.reply.at("Result") != "Failure";
@@ -78,7 +77,7 @@ private:
         for (std::string& leak : trial.TakeLeaks()) {
             leaks.push_back(std::move(leak));
         }
-        summary.leaks += leaks.size();
+        figures["leaks"] += leaks.size();
         EXPECT_EQ(leaks, std::vector<std::string>()) << name;
         EXPECT_EQ(e2e::FindSecret(ending.run, subject_.machine), "") << name;
     }
@@ -111,10 +110,7 @@ TEST_P(MemorySweep, EveryRequestForMemory) {
 
 INSTANTIATE_TEST_SUITE_P(Subjects, MemorySweep,
                          testing::Combine(testing::ValuesIn(ListMemorySubjects()), testing::Bool()),
-                         [](const auto& tested) {
-                             return TestName(std::get<Subject>(tested.param)) +
-                                    (std::get<bool>(tested.param) ? "_staying" : "_once");
-                         });
+                         &TestName);
 
 }  // namespace
 }  // namespace sweep

@@ -77,14 +77,14 @@ Outcome Try(const Subject& subject, machine::FaultPlan plan, bool recover) {
     return outcome;
 }
 
-class PlatformSweep : public testing::TestWithParam<std::tuple<Subject, bool>> {
+class PlatformSweep : public testing::TestWithParam<Sweep> {
 protected:
     void Run() {
         const Outcome clean = Try(subject_, {}, true);
         ASSERT_EQ(clean.leaks, std::vector<std::string>());
-        Summary& summary = SummaryOf(stays_ ? "platform calls failing from one on"
+        Figures& figures = FiguresOf(stays_ ? "platform calls failing from one on"
                                             : "platform calls failing, one at a time");
-        summary.possible += clean.calls;
+        figures["points"] += clean.calls;
         std::uint64_t tried = 0;
         for (const std::uint64_t point :
              Sample(clean.calls, stays_ ? mostPointsStaying : mostPointsOnce)) {
@@ -97,12 +97,12 @@ protected:
                 continue;  // how often a child is waited for is a matter of time
             }
             const Verdict verdict = Judge(outcome.ending, clean.ending);
-            ++summary.points;
-            ++summary.answers[verdict.answer];
-            summary.harmless += verdict.harmless ? 1 : 0;
-            summary.leaks += outcome.leaks.size();
+            ++figures["points tried"];
+            ++figures["answered " + verdict.answer];
+            figures["without harm"] += verdict.harmless ? 1 : 0;
+            figures["leaks"] += outcome.leaks.size();
             for (const auto& [kind, count] : outcome.kept) {
-                summary.kept[kind] += count;
+                figures["kept open on purpose: " + kind] += count;
             }
             Report(name, outcome, verdict);
             if (recover && !verdict.passedOver && outcome.afterRecovery != clean.afterRecovery) {
@@ -151,10 +151,7 @@ TEST_P(PlatformSweep, EveryFailingCall) {
 
 INSTANTIATE_TEST_SUITE_P(Subjects, PlatformSweep,
                          testing::Combine(testing::ValuesIn(ListSubjects()), testing::Bool()),
-                         [](const auto& tested) {
-                             return TestName(std::get<Subject>(tested.param)) +
-                                    (std::get<bool>(tested.param) ? "_staying" : "_once");
-                         });
+                         &TestName);
 
 }  // namespace
 }  // namespace sweep

@@ -27,13 +27,13 @@ constexpr const char* cases[] = {"leave-the-domain", "move-without-the-right",
 
 Subject LoadExample(const std::string& name) {
     const auto stem = std::filesystem::path(TOOLBOX_SOURCE_DIR) / "examples" / name;
-    return {name, e2e::ReadFile(stem.string() + ".ini"), std::nullopt,
+    return {name, support::ReadFile(stem.string() + ".ini"), std::nullopt,
             machine::LoadState(stem.string() + ".json")};
 }
 
 Subject LoadCase(const std::string& name) {
     const ::cases::Case loaded = ::cases::LoadCase(name);
-    Subject subject{name, e2e::ReadFile(loaded.configuration), std::nullopt, loaded.machine};
+    Subject subject{name, support::ReadFile(loaded.configuration), std::nullopt, loaded.machine};
     if (loaded.file.contains("atHome")) {
         subject.atHome = loaded.file["atHome"].get<std::string>();
     }
@@ -44,7 +44,7 @@ Subject LoadCase(const std::string& name) {
 /// is left behind a request that throws an error and touches nothing.
 const std::vector<std::string>& KeptByTheRuntime() {
     static const std::vector<std::string> kept = [] {
-        const e2e::AgentFolder agent("runtime-agent");
+        const e2e::AgentFolder agent;
         const e2e::PresentedFile file(agent, "two-ends.ini", "[TCP/IP]\n[NicEntry]\n");
         machine::Simulation simulation{machine::State()};
         simulation.SetProgramFile(agent.Program());
@@ -79,7 +79,7 @@ void AddPasses(const Subject& first, std::vector<Subject>& subjects) {
 e2e::PresentedFile MakeFile(const Subject& subject, const e2e::AgentFolder& agent) {
     e2e::PresentedFile file(agent, "swept-configuration.ini", subject.text);
     if (subject.atHome) {
-        e2e::WriteFile(file.Home(), *subject.atHome);
+        support::WriteFile(file.Home(), *subject.atHome);
     }
     return file;
 }
@@ -97,13 +97,12 @@ std::vector<Subject> ListSubjects() {
     return subjects;
 }
 
-std::string TestName(const Subject& subject) {
-    std::string name;
-    for (const char character : subject.name) {
-        if (character != ',') {
-            name += character == '-' || character == ' ' ? '_' : character;
-        }
-    }
+std::string TestName(const testing::TestParamInfo<Sweep>& sweep) {
+    const auto& [subject, stays] = sweep.param;
+    std::string name = subject.name + (stays ? "_staying" : "_once");
+    std::erase(name, ',');
+    std::ranges::replace_if(
+        name, [](char character) { return character == '-' || character == ' '; }, '_');
     return name;
 }
 
@@ -112,10 +111,7 @@ void PrintTo(const Subject& subject, std::ostream* out) {
 }
 
 Trial::Trial(const Subject& subject)
-    : runtime_(KeptByTheRuntime()),
-      agent_("sweep-agent"),
-      file_(MakeFile(subject, agent_)),
-      simulation_(subject.machine) {
+    : runtime_(KeptByTheRuntime()), file_(MakeFile(subject, agent_)), simulation_(subject.machine) {
     simulation_.SetProgramFile(agent_.Program());
 }
 
@@ -123,15 +119,7 @@ Trial::~Trial() {
     TakeLeaks();
 }
 
-e2e::RunResult Trial::Run() {
-    return RunIn(0, false, nullptr);
-}
-
-e2e::RunResult Trial::RunShortOfMemory(std::uint64_t nth, bool stays, e2e::RunResult& next) {
-    return RunIn(nth, stays, &next);
-}
-
-e2e::RunResult Trial::RunIn(std::uint64_t nth, bool stays, e2e::RunResult* next) {
+e2e::RunResult Trial::Run(std::uint64_t nth, bool stays, e2e::RunResult* next) {
     const std::string path = file_.Present();
     e2e::RunResult run;
     // Outlives the module, whose static objects give back what they hold when it goes.

@@ -2,10 +2,13 @@
 // nothing fails.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "machine/Simulation.h"
@@ -27,8 +30,11 @@ struct Subject {
 /// behind each request that changes something the machine restarts.
 std::vector<Subject> ListSubjects();
 
-/// The subject's name as GoogleTest takes names, and as it prints it.
-std::string TestName(const Subject& subject);
+/// A subject, and whether what fails goes on failing.
+using Sweep = std::tuple<Subject, bool>;
+
+/// A sweep's name as GoogleTest takes names, and a subject's as it prints it.
+std::string TestName(const testing::TestParamInfo<Sweep>& sweep);
 void PrintTo(const Subject& subject, std::ostream* out);
 
 /// A machine and a file, ready for one request to a freshly loaded module.
@@ -42,12 +48,11 @@ public:
     machine::Simulation& Machine() { return simulation_; }
     const e2e::PresentedFile& File() const { return file_; }
 
-    /// Presents the file to a freshly loaded module and unloads it.
-    e2e::RunResult Run();
-    /// The same while the nth request for memory fails, or the nth and all behind it. Then the
-    /// machine restarts and the same module gets the file once more, with memory enough: `next`.
-    /// FileBehindFirst says where the file was between the two.
-    e2e::RunResult RunShortOfMemory(std::uint64_t nth, bool stays, e2e::RunResult& next);
+    /// Presents the file to a freshly loaded module and unloads it. With `nth` its nth request for
+    /// memory fails, or the nth and all behind it. With `next` the machine restarts then and the
+    /// same module gets the file once more, with memory enough. FileBehindFirst says where the file
+    /// was between the two.
+    e2e::RunResult Run(std::uint64_t nth = 0, bool stays = false, e2e::RunResult* next = nullptr);
     const std::string& FileBehindFirst() const { return fileBehindFirst_; }
     /// How many requests for memory the last run's first message made.
     std::uint64_t MemoryRequests() const { return memoryRequests_; }
@@ -61,8 +66,6 @@ public:
     std::vector<std::string> TakeLeaks();
 
 private:
-    e2e::RunResult RunIn(std::uint64_t nth, bool stays, e2e::RunResult* next);
-
     const std::vector<std::string>& runtime_;  // found before the machine is: one at a time
     e2e::AgentFolder agent_;
     e2e::PresentedFile file_;

@@ -4,14 +4,13 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <deque>
 
 namespace sweep {
 
 namespace {
 
-std::deque<Summary>& All() {
-    static std::deque<Summary> all;
+std::map<std::string, Figures>& All() {
+    static std::map<std::string, Figures> all;
     return all;
 }
 
@@ -27,21 +26,12 @@ class Printer : public testing::Environment {
 public:
     void SetUp() override { SetUnhandledExceptionFilter(&LastWords); }
     void TearDown() override {
-        for (const Summary& summary : All()) {
-            std::printf("%s: %llu of %llu points tried;", summary.title.c_str(),
-                        static_cast<unsigned long long>(summary.points),
-                        static_cast<unsigned long long>(summary.possible));
-            for (const auto& [kind, count] : summary.answers) {
-                std::printf(" %s %llu,", kind.c_str(), static_cast<unsigned long long>(count));
+        for (const auto& [title, figures] : All()) {
+            std::printf("%s:", title.c_str());
+            for (const auto& [name, count] : figures) {
+                std::printf(" %s %llu;", name.c_str(), static_cast<unsigned long long>(count));
             }
-            std::printf(" of these without harm %llu; leaks %llu, crashes 0",
-                        static_cast<unsigned long long>(summary.harmless),
-                        static_cast<unsigned long long>(summary.leaks));
-            for (const auto& [name, count] : summary.kept) {
-                std::printf("; kept open on purpose: %llu %s",
-                            static_cast<unsigned long long>(count), name.c_str());
-            }
-            std::printf("\n");
+            std::printf(" crashes 0\n");
         }
         std::fflush(stdout);
     }
@@ -51,15 +41,8 @@ const testing::Environment* const printer = testing::AddGlobalTestEnvironment(ne
 
 }  // namespace
 
-Summary& SummaryOf(const std::string& title) {
-    for (Summary& summary : All()) {
-        if (summary.title == title) {
-            return summary;
-        }
-    }
-    All().push_back({});
-    All().back().title = title;
-    return All().back();
+Figures& FiguresOf(const std::string& title) {
+    return All()[title];
 }
 
 void NotePoint(const std::string& text) {

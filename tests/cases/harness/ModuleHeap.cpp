@@ -1,13 +1,12 @@
 #include "tests/cases/harness/ModuleHeap.h"
 
-#include <malloc.h>
 #ifdef _MSC_VER
 #include <intrin.h>
 #endif
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
+#include <map>
 #include <stdexcept>
 
 #include "common/util/Strings.h"
@@ -55,17 +54,8 @@ struct ModuleHeap::Hooks {
         Forget(block);
         return Note(std::realloc(block, size), size, Caller());
     }
-    static void* AlignedMalloc(std::size_t size, std::size_t alignment) {
-        return Note(_aligned_malloc(size, alignment), size, Caller());
-    }
-    static char* Strdup(const char* text) {
-        return static_cast<char*>(Note(_strdup(text), 0, Caller()));
-    }
     static void Free(void* block) {
         std::free(Forget(block));
-    }
-    static void AlignedFree(void* block) {
-        _aligned_free(Forget(block));
     }
 
     // The guard allocator takes every block from here.
@@ -77,28 +67,17 @@ struct ModuleHeap::Hooks {
     }
 
     static void* Find(const std::string& function) {
-        struct Row {
-            const char* name;
-            void* replacement;
-        };
-        static const Row rows[] = {
+        static const std::map<std::string, void*> rows = {
             {"malloc", reinterpret_cast<void*>(&Malloc)},
             {"calloc", reinterpret_cast<void*>(&Calloc)},
             {"realloc", reinterpret_cast<void*>(&Realloc)},
             {"free", reinterpret_cast<void*>(&Free)},
-            {"_aligned_malloc", reinterpret_cast<void*>(&AlignedMalloc)},
-            {"_aligned_free", reinterpret_cast<void*>(&AlignedFree)},
-            {"_strdup", reinterpret_cast<void*>(&Strdup)},
 #ifdef TOOLBOX_CHECKED
             {"VirtualAlloc", reinterpret_cast<void*>(&Reserve)},
 #endif
         };
-        for (const Row& row : rows) {
-            if (function == row.name) {
-                return row.replacement;
-            }
-        }
-        return nullptr;
+        const auto found = rows.find(function);
+        return found == rows.end() ? nullptr : found->second;
     }
 };
 
@@ -139,14 +118,11 @@ void ModuleHeap::FailAt(std::uint64_t nth, bool stays) noexcept {
     nth_ = nth;
     stays_ = stays;
     requests_ = 0;
-    failed_ = 0;
 }
 
 bool ModuleHeap::FailsNow() noexcept {
     ++requests_;
-    const bool fails = nth_ != 0 && (requests_ == nth_ || (stays_ && requests_ > nth_));
-    failed_ += fails ? 1 : 0;
-    return fails;
+    return nth_ != 0 && (requests_ == nth_ || (stays_ && requests_ > nth_));
 }
 
 }  // namespace e2e

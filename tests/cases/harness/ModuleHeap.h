@@ -30,7 +30,6 @@ public:
     /// at the nth, or from the nth on. 0: none.
     void FailAt(std::uint64_t nth, bool stays) noexcept;
     std::uint64_t Requests() const noexcept { return requests_; }
-    std::uint64_t Failed() const noexcept { return failed_; }
 
 private:
     struct Hooks;
@@ -46,7 +45,6 @@ private:
     std::uint64_t nth_ = 0;
     bool stays_ = false;
     std::uint64_t requests_ = 0;
-    std::uint64_t failed_ = 0;
 };
 
 }  // namespace e2e

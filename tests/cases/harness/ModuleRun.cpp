@@ -11,19 +11,9 @@
 
 namespace e2e {
 
-AgentFolder::AgentFolder(const std::string& name) : root_(std::filesystem::absolute(name)) {
-    std::filesystem::remove_all(root_);
-    std::filesystem::create_directories(Inbox());
-    std::filesystem::create_directories(Home());
-}
-
-AgentFolder::~AgentFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(root_, ignored);
-}
-
-std::string AgentFolder::Program() const {
-    return (Home() / "agent.exe").string();
+AgentFolder::AgentFolder() {
+    std::filesystem::create_directory(Inbox());
+    std::filesystem::create_directory(Home());
 }
 
 AttachedModule::AttachedModule(machine::Simulation& simulation)
@@ -75,41 +65,29 @@ RunResult RunConfigure(machine::Simulation& simulation, const std::string& file)
 }
 
 std::string FindSecret(const RunResult& run, const machine::State& state) {
-    std::vector<std::string> secrets;
-    for (const machine::Domain& domain : state.domains) {
-        for (const machine::Account& account : domain.accounts) {
-            secrets.push_back(account.password);
-            secrets.push_back(machine::Encipher(account.password));
-        }
-    }
-    const auto holdsOne = [&secrets](const std::string& text) {
-        for (const std::string& secret : secrets) {
-            if (!secret.empty() && text.find(secret) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    };
-    for (const std::vector<std::string>* const lines : {&run.log, &run.errors}) {
-        for (const std::string& line : *lines) {
-            if (holdsOne(line)) {
-                return line;
-            }
-        }
-    }
+    std::vector<std::string> texts = run.log;
+    texts.insert(texts.end(), run.errors.begin(), run.errors.end());
+    texts.push_back(run.escaped);
     for (const auto& [name, value] : run.reply) {
-        if (holdsOne(value)) {
-            return "reply field " + name;
-        }
+        texts.push_back(name + "=" + value);
     }
     for (const machine::TraceEntry& call : run.calls) {
         for (const auto& [name, value] : call.arguments) {
-            if (holdsOne(value)) {
-                return "recorded call " + std::to_string(call.number) + ", " + call.function;
+            texts.push_back(call.function + ", " + name + "=" + value);
+        }
+    }
+    for (const machine::Domain& domain : state.domains) {
+        for (const machine::Account& account : domain.accounts) {
+            const std::string enciphered = machine::Encipher(account.password);
+            for (const std::string& text : texts) {
+                if (!enciphered.empty() && (text.find(account.password) != std::string::npos ||
+                                            text.find(enciphered) != std::string::npos)) {
+                    return text;
+                }
             }
         }
     }
-    return holdsOne(run.escaped) ? run.escaped : std::string();
+    return {};
 }
 
 }  // namespace e2e

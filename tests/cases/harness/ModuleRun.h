@@ -14,25 +14,22 @@
 #include "host/Module.h"
 #include "machine/Simulation.h"
 #include "machine/Trace.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace e2e {
 
 /// The folders of an agent: its program's, where files are put away, and the one that it takes
-/// configuration files from. Empty at first and removed at the end.
+/// configuration files from. Empty at first.
 class AgentFolder {
 public:
-    /// Below the current folder.
-    explicit AgentFolder(const std::string& name);
-    ~AgentFolder();
-    AgentFolder(const AgentFolder&) = delete;
-    AgentFolder& operator=(const AgentFolder&) = delete;
+    AgentFolder();
 
-    std::string Program() const;
-    std::filesystem::path Inbox() const { return root_ / "inbox"; }
-    std::filesystem::path Home() const { return root_ / "agent"; }
+    std::string Program() const { return (Home() / "agent.exe").string(); }
+    std::filesystem::path Inbox() const { return root_.Path() / "inbox"; }
+    std::filesystem::path Home() const { return root_.Path() / "agent"; }
 
 private:
-    std::filesystem::path root_;
+    support::ScratchFolder root_;
 };
 
 struct RunResult {

@@ -1,19 +1,8 @@
 #include "tests/cases/harness/PresentedFile.h"
 
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 namespace e2e {
-
-std::string ReadFile(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-void WriteFile(const std::filesystem::path& file, const std::string& text) {
-    std::ofstream(file, std::ios::binary) << text;
-}
 
 PresentedFile::PresentedFile(const AgentFolder& agent, std::string name, std::string text,
                              Stands stands)
@@ -25,15 +14,16 @@ PresentedFile::PresentedFile(const AgentFolder& agent, std::string name, std::st
 std::string PresentedFile::Present() const {
     const std::filesystem::path& place = stands_ == Stands::Home ? home_ : inbox_;
     if (stands_ != Stands::Nowhere) {
-        WriteFile(place, text_);
+        support::WriteFile(place, text_);
     }
     return place.string();
 }
 
 std::string PresentedFile::WhereIsIt() const {
     const bool inInbox = std::filesystem::exists(inbox_);
-    const bool atHome = std::filesystem::is_regular_file(home_) && ReadFile(home_) == text_;
-    if (inInbox && ReadFile(inbox_) != text_) {
+    const bool atHome =
+        std::filesystem::is_regular_file(home_) && support::ReadFile(home_) == text_;
+    if (inInbox && support::ReadFile(inbox_) != text_) {
         return "changed";
     }
     if (inInbox) {

@@ -22,8 +22,7 @@ public:
     /// Where a file of that name lies when it is put away.
     const std::filesystem::path& Home() const { return home_; }
 
-    /// "kept" in the inbox, "put away", "in both
-    /// places", "changed" or "gone".
+    /// "kept" in the inbox, "put away", "in both places", "changed" or "gone".
     std::string WhereIsIt() const;
 
 private:
@@ -32,8 +31,5 @@ private:
     std::filesystem::path inbox_;
     std::filesystem::path home_;
 };
-
-std::string ReadFile(const std::filesystem::path& file);
-void WriteFile(const std::filesystem::path& file, const std::string& text);
 
 }  // namespace e2e

@@ -2,14 +2,18 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <cstdio>
-#include <fstream>
+#include <atomic>
+#include <filesystem>
 #include <string>
+#include <thread>
+#include <tuple>
 #include <vector>
 
 #include "common/util/Strings.h"
 #include "host/Module.h"
 #include "tests/e2e/foreign/ForeignHost.h"
+#include "tests/support/ScratchFolder.h"
+#include "toolbox/config/HostInterface.h"
 
 namespace {
 
@@ -34,7 +38,11 @@ void NoteLine(unsigned level, const char* format, __builtin_va_list arguments) {
 
 namespace {
 
+using testing::AnyOf;
+using testing::Contains;
+using testing::Each;
 using testing::ElementsAre;
+using testing::StartsWith;
 
 class ForeignHost : public testing::Test {
 protected:
@@ -58,6 +66,21 @@ TEST_F(ForeignHost, ReadsTheRecord) {
     EXPECT_THAT(version, ElementsAre(6U, 8U, 282U));
 }
 
+TEST_F(ForeignHost, KindsAndNamesThatAreNotForThisModule) {
+    const std::tuple<const char*, const char*, int> cases[] = {
+        {"Internal", "configure", 2}, {"Request", "Configure", 2}, {"Reply", "", 2},
+        {"internal", "Configure", 0}, {"%s%n", "100%", 0},         {"", "", 0},
+    };
+    for (const auto& [kind, name, result] : cases) {
+        calls.clear();
+        EXPECT_EQ(ForeignSend(api_, kind, name, "", ""), result);
+        EXPECT_THAT(calls, Contains(std::string("Log(1)Toolbox-Main:77 Toolbox::DoMagic - Finding "
+                                                "handler for ") +
+                                    kind + "=" + name));
+        EXPECT_THAT(calls, Each(AnyOf(StartsWith("Get"), StartsWith("Log(1)"))));
+    }
+}
+
 TEST_F(ForeignHost, EverySlotOfUpdateInfoIsTheOneThatIsMeant) {
     EXPECT_EQ(ForeignSend(api_, "Internal", "UpdateInfo", "Auto-Update-Count", "3"), 2);
     EXPECT_THAT(
@@ -72,8 +95,9 @@ TEST_F(ForeignHost, EverySlotOfUpdateInfoIsTheOneThatIsMeant) {
 }
 
 TEST_F(ForeignHost, EverySlotOfConfigureIsTheOneThatIsMeant) {
-    const std::string name = "foreign-100%n%s.ini";
-    std::ofstream(name) << "[Global]\nRebootAfterConfig=false\n";
+    const support::ScratchFolder scratch;
+    const std::string name =
+        scratch.Write("foreign-100%n%s.ini", "[Global]\nRebootAfterConfig=false\n");
     EXPECT_EQ(ForeignSend(api_, "Internal", "Configure", "Filename", name.c_str()), 1);
     EXPECT_THAT(
         calls,
@@ -86,8 +110,8 @@ TEST_F(ForeignHost, EverySlotOfConfigureIsTheOneThatIsMeant) {
                     "Log(1)Configure::HandleMessage(): about to call Analyze() and RunConfig()",
                     "SetField(Result)Success"));
     // The module has put the file away beside this program.
-    const std::string program = host::Module::DefaultPath();
-    EXPECT_EQ(std::remove((program.substr(0, program.rfind('\\') + 1) + name).c_str()), 0);
+    EXPECT_TRUE(std::filesystem::remove(
+        std::filesystem::path(host::Module::DefaultPath()).replace_filename(name)));
 }
 
 TEST_F(ForeignHost, GetsTheArgumentsOfTheLongestLine) {
@@ -96,6 +120,22 @@ TEST_F(ForeignHost, GetsTheArgumentsOfTheLongestLine) {
                 ElementsAre("Log(0)Toolbox-Main:103 Toolbox::DoMagic caught an unhandled exception",
                             "Log(0)Exception Details: Toolbox-Main:71 - DoMagic - Bad Parameter "
                             "(NULL) (error = 0)"));
+}
+
+TEST_F(ForeignHost, ErrorsOnManyThreadsAtOnceLeaveTheLastErrorOfEach) {
+    constexpr DWORD kThreads = 40;
+    std::atomic<DWORD> right = 0;
+    std::vector<std::thread> threads;
+    for (DWORD i = 1; i <= kThreads; ++i) {
+        threads.emplace_back([&right, i, api = static_cast<const ToolboxAPI*>(api_)] {
+            SetLastError(i);
+            right += api->DoMagic(nullptr, nullptr) == 0 && GetLastError() == i ? 1 : 0;
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(right, kThreads);
 }
 
 }  // namespace

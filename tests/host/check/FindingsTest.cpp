@@ -30,19 +30,42 @@ std::string Adapter(const std::string& addressing, const std::string& dns = "DNS
            "DNS-SuffixSearchOrder=corp.example\n" + routes;
 }
 
-const std::string kStatic =
-    "DHCP=false\nAddress=10.0.0.5\nNetmask=255.255.255.0\nGateway=10.0.0.1\n";
+std::string Static(const std::string& address, const std::string& mask,
+                   const std::string& gateway) {
+    return "DHCP=false\nAddress=" + address + "\nNetmask=" + mask + "\nGateway=" + gateway + "\n";
+}
+
+const std::string kStatic = Static("10.0.0.5", "255.255.255.0", "10.0.0.1");
+const std::string kDhcp = "DHCP=true\n";
+
+/// "Static-Route-Count=1\nRoute0=...\n"
+std::string Numbered(const char* count, const char* key, const std::vector<std::string>& values) {
+    std::string text = count + "="s + std::to_string(values.size()) + "\n";
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        text += key + std::to_string(i) + "=" + values[i] + "\n";
+    }
+    return text;
+}
+
+std::string Servers(const std::vector<std::string>& servers) {
+    return Adapter(kDhcp, Numbered("DNS-Server-Count", "DNS-Server", servers));
+}
+
+std::string Routes(const std::vector<std::string>& routes) {
+    return Adapter(kStatic, "DNS-Server-Count=0\n",
+                   Numbered("Static-Route-Count", "Route", routes));
+}
 
 TEST(CheckFindings, FilesWithoutFaults) {
     ExpectFindings({
         {"static", Adapter(kStatic), ""},
-        {"DHCP", Adapter("DHCP=true\n"), ""},
+        {"DHCP", Adapter(kDhcp), ""},
         {"two addresses, servers and routes",
-         Adapter("DHCP=FALSE\nAddress=10.0.0.5,10.1.0.5\nNetmask=255.255.255.0,255.255.0.0\n"
-                 "Gateway=10.1.9.1,10.0.0.1\n",
-                 "DNS-Server-Count=2\nDNS-Server0=10.0.0.2\nDNS-Server1=127.0.0.1\n",
-                 "Static-Route-Count=2\nRoute0=10.9.0.0,255.255.0.0,10.0.0.9,,1,\n"
-                 "Route1= 10.8.0.0 , 255.255.0.0 , 10.0.0.9 , x , 9999 ,\n"),
+         Adapter(Static("10.0.0.5,10.1.0.5", "255.255.255.0,255.255.0.0", "10.1.9.1,10.0.0.1"),
+                 Numbered("DNS-Server-Count", "DNS-Server", {"10.0.0.2", "127.0.0.1"}),
+                 Numbered("Static-Route-Count", "Route",
+                          {"10.9.0.0,255.255.0.0,10.0.0.9,,1,",
+                           " 10.8.0.0 , 255.255.0.0 , 10.0.0.9 , x , 9999 ,"})),
          ""},
         {"a workgroup", "[Networking]\nWorkgroup=True\nDomain=SALES\nComputerName=PC-1\n", ""},
         {"a domain",
@@ -170,62 +193,47 @@ TEST(CheckFindings, Addressing) {
         {"keys that DHCP makes useless",
          Adapter("DHCP=true\nAddress=10.0.0.5\nNetmask=x\nGateway=\n"),
          "W 4:1 unused-key, W 5:1 unused-key, W 6:1 unused-key"},
-        {"counts that differ",
-         Adapter("DHCP=false\nAddress=10.0.0.5,10.0.0.6\nNetmask=255.0.0.0\n"
-                 "Gateway=10.0.0.1\n"),
+        {"counts that differ", Adapter(Static("10.0.0.5,10.0.0.6", "255.0.0.0", "10.0.0.1")),
          "E 5:9 address-mask-count"},
         {"texts that are no addresses",
-         Adapter("DHCP=false\nAddress=10.0.0.256,host, 10.0.0.1,,\n"
-                 "Netmask=255.0.0.0,1,255.0.255.0,0.0.0.0,255.255.255.255\nGateway=\n"),
+         Adapter(Static("10.0.0.256,host, 10.0.0.1,,",
+                        "255.0.0.0,1,255.0.255.0,0.0.0.0,255.255.255.255", "")),
          "E 4:9 bad-address, E 4:20 bad-address, E 4:25 bad-address, E 4:35 bad-address, "
          "E 4:36 bad-address, E 5:19 bad-mask, E 5:21 bad-mask, E 5:33 bad-mask, E 6:9 "
          "bad-address"},
         {"addresses of no host",
-         Adapter("DHCP=false\nAddress=0.0.0.5,127.0.0.1,224.0.0.1\n"
-                 "Netmask=255.0.0.0,255.0.0.0,255.0.0.0\nGateway=10.0.0.1\n"),
+         Adapter(
+             Static("0.0.0.5,127.0.0.1,224.0.0.1", "255.0.0.0,255.0.0.0,255.0.0.0", "10.0.0.1")),
          "E 4:9 bad-address, E 4:17 bad-address, E 4:27 bad-address"},
         {"addresses in other notations",
-         Adapter("DHCP=false\nAddress=10.1,010.0.0.1,0xA000002\n"
-                 "Netmask=255.0.0.0,255.0.0.0,255.0.0.0\nGateway=10.0.0.1\n"),
+         Adapter(Static("10.1,010.0.0.1,0xA000002", "255.0.0.0,255.0.0.0,255.0.0.0", "10.0.0.1")),
          "W 4:9 odd-address, W 4:14 odd-address, W 4:24 odd-address"},
-        {"a gateway outside",
-         Adapter("DHCP=false\nAddress=10.0.0.5\nNetmask=255.255.255.0\n"
-                 "Gateway=10.0.0.1,10.0.1.1\n"),
+        {"a gateway outside", Adapter(Static("10.0.0.5", "255.255.255.0", "10.0.0.1,10.0.1.1")),
          "E 6:18 gateway-outside"},
         {"too many gateways",
-         Adapter("DHCP=false\nAddress=10.0.0.5\nNetmask=255.0.0.0\n"
-                 "Gateway=10.0.0.1,10.0.0.2,10.0.0.3,10.0.0.4,10.0.0.6,10.0.0.7\n"),
+         Adapter(Static("10.0.0.5", "255.0.0.0",
+                        "10.0.0.1,10.0.0.2,10.0.0.3,10.0.0.4,10.0.0.6,10.0.0.7")),
          "E 6:9 gateway-count"},
     });
 }
 
 TEST(CheckFindings, DnsServersAndSuffixes) {
-    const std::string dhcp = "DHCP=true\n";
     ExpectFindings({
-        {"server texts",
-         Adapter(dhcp,
-                 "DNS-Server-Count=3\nDNS-Server0=0.0.0.0\nDNS-Server1=ns1\n"
-                 "DNS-Server2=10.0.0.2,10.0.0.3\n"),
+        {"server texts", Servers({"0.0.0.0", "ns1", "10.0.0.2,10.0.0.3"}),
          "W 5:13 skipped-server, E 6:13 bad-address, E 7:13 bad-address"},
-        {"a count with a tail", Adapter(dhcp, "DNS-Server-Count=1x\nDNS-Server0=10.0.0.2\n"),
+        {"a count with a tail", Adapter(kDhcp, "DNS-Server-Count=1x\nDNS-Server0=10.0.0.2\n"),
          "W 4:18 odd-count"},
-        {"servers beyond the count",
-         Adapter(dhcp,
-                 "DNS-Server-Count=1\nDNS-Server0=10.0.0.2\n"
-                 "DNS-Server1=10.0.0.3\n"),
-         "W 6:1 unused-key"},
+        {"servers beyond the count", Adapter(kDhcp, "DNS-Server-Count=0\nDNS-Server0=10.0.0.3\n"),
+         "W 5:1 unused-key"},
         {"a server that is missing in between",
-         Adapter(dhcp,
-                 "DNS-Server-Count=3\n"
-                 "DNS-Server2=10.0.0.2\n"),
-         "W 4:18 missing-server"},
-        {"the last server missing", Adapter(dhcp, "DNS-Server-Count=2\nDNS-Server0=10.0.0.2\n"),
+         Adapter(kDhcp, "DNS-Server-Count=3\nDNS-Server2=10.0.0.2\n"), "W 4:18 missing-server"},
+        {"the last server missing", Adapter(kDhcp, "DNS-Server-Count=2\nDNS-Server0=10.0.0.2\n"),
          "W 4:18 missing-last-server"},
         {"a number with leading zeros",
-         Adapter(dhcp, "DNS-Server-Count=1\nDNS-Server00=10.0.0.2\n"),
+         Adapter(kDhcp, "DNS-Server-Count=1\nDNS-Server00=10.0.0.2\n"),
          "W 4:18 missing-last-server, E 5:1 unknown-key"},
         {"a count out of range does not hide what follows",
-         Adapter(dhcp, "DNS-Server-Count=100001\nDNS-Server0=x\n",
+         Adapter(kDhcp, "DNS-Server-Count=100001\nDNS-Server0=x\n",
                  "Static-Route-Count=1\nRoute0=1.0.0.0,2,\n") +
              "[NicEntry1]\nDescription=b\n"
              "DHCP=true\nDNS-SuffixSearchOrder=*\nStatic-Route-Count=-1\n",
@@ -236,59 +244,45 @@ TEST(CheckFindings, DnsServersAndSuffixes) {
          "Static-Route-Count=-1\n",
          "E 4:27 bad-suffix, E 4:28 bad-suffix"},
         {"suffixes of two adapters",
-         Adapter(dhcp) + "[NicEntry1]\nDescription=b\nDHCP=true\n"
-                         "DNS-SuffixSearchOrder=other.example\nStatic-Route-Count=-1\n",
+         Adapter(kDhcp) + "[NicEntry1]\nDescription=b\nDHCP=true\n"
+                          "DNS-SuffixSearchOrder=other.example\nStatic-Route-Count=-1\n",
          "W 10:23 suffix-conflict"},
     });
 }
 
 TEST(CheckFindings, Routes) {
-    const auto routes = [](const std::string& lines) {
-        return Adapter(kStatic, "DNS-Server-Count=0\n", lines);
+    const auto lines = [](const std::string& text) {
+        return Adapter(kStatic, "DNS-Server-Count=0\n", text);
     };
+    const std::string route = "10.9.0.0,255.255.0.0,10.0.0.9,x,5,";
     ExpectFindings({
-        {"no final comma",
-         routes("Static-Route-Count=1\nRoute0=10.9.0.0,255.255.0.0,10.0.0.9,x,5\n"),
+        {"no final comma", Routes({"10.9.0.0,255.255.0.0,10.0.0.9,x,5"}),
          "E 10:40 incomplete-route"},
-        {"no comma", routes("Static-Route-Count=1\nRoute0=10.9.0.0\n"), "W 10:8 no-route"},
-        {"a comma in front", routes("Static-Route-Count=1\nRoute0=,1,2,3,4,\n"), "W 10:8 no-route"},
-        {"fields behind the metric",
-         routes("Static-Route-Count=1\n"
-                "Route0=10.9.0.0,255.255.0.0,10.0.0.9,x,5,6,\n"),
-         "W 10:42 behind-metric"},
+        {"no comma", Routes({"10.9.0.0"}), "W 10:8 no-route"},
+        {"a comma in front", Routes({",1,2,3,4,"}), "W 10:8 no-route"},
+        {"fields behind the metric", Routes({route + "6,"}), "W 10:42 behind-metric"},
         {"metrics",
-         routes("Static-Route-Count=3\nRoute0=10.7.0.0,255.255.0.0,10.0.0.9,x,0,\n"
-                "Route1=10.8.0.0,255.255.0.0,10.0.0.9,x,5 hops,\n"
-                "Route2=10.9.0.0,255.255.0.0,10.0.0.9,x,,\n"),
+         Routes({"10.7.0.0,255.255.0.0,10.0.0.9,x,0,", "10.8.0.0,255.255.0.0,10.0.0.9,x,5 hops,",
+                 "10.9.0.0,255.255.0.0,10.0.0.9,x,,"}),
          "E 10:40 bad-metric, W 11:40 odd-metric, E 12:40 bad-metric"},
-        {"bits outside the mask",
-         routes("Static-Route-Count=1\n"
-                "Route0=10.9.0.1,255.255.0.0,10.0.0.9,x,5,\n"),
+        {"bits outside the mask", Routes({"10.9.0.1,255.255.0.0,10.0.0.9,x,5,"}),
          "E 10:8 route-bits"},
-        {"a default route", routes("Static-Route-Count=1\nRoute0=0.0.0.0,0.0.0.0,10.0.0.9,x,5,\n"),
-         "E 10:8 default-route"},
-        {"the same route twice",
-         routes("Static-Route-Count=2\n"
-                "Route0=10.9.0.0,255.255.0.0,10.0.0.9,x,5,\nRoute1=10.9.0.0,255.255.0.0,10.0.0.9,y,"
-                "6,\n"),
+        {"a default route", Routes({"0.0.0.0,0.0.0.0,10.0.0.9,x,5,"}), "E 10:8 default-route"},
+        {"the same route twice", Routes({route, "10.9.0.0,255.255.0.0,10.0.0.9,y,6,"}),
          "E 11:8 repeated-route"},
         {"a missing route is the one before it",
-         routes("Static-Route-Count=2\n"
-                "Route0=10.9.0.0,255.255.0.0,10.0.0.9,x,5,\n"),
+         lines("Static-Route-Count=2\nRoute0=" + route + "\n"),
          "E 1:2 repeated-route, W 1:2 missing-route"},
-        {"a first route that is missing", routes("Static-Route-Count=1\n"), "W 1:2 missing-route"},
-        {"routes beyond the count", routes("Static-Route-Count=-1\nRoute0=x\n"),
+        {"a first route that is missing", lines("Static-Route-Count=1\n"), "W 1:2 missing-route"},
+        {"routes beyond the count", lines("Static-Route-Count=-1\nRoute0=x\n"),
          "W 10:1 unused-key"},
-        {"a gateway in no network",
-         routes("Static-Route-Count=1\n"
-                "Route0=10.9.0.0,255.255.0.0,10.5.0.9,x,5,\n"),
+        {"a gateway in no network", Routes({"10.9.0.0,255.255.0.0,10.5.0.9,x,5,"}),
          "W 10:8 gateway-outside"},
         {"two sections",
-         routes("Static-Route-Count=0\n") +
-             "[NicEntry1]\nDescription=b\nDHCP=true\n"
-             "DNS-SuffixSearchOrder=corp.example\nStatic-Route-Count=0\n",
+         Routes({}) + "[NicEntry1]\nDescription=b\nDHCP=true\n"
+                      "DNS-SuffixSearchOrder=corp.example\nStatic-Route-Count=0\n",
          "E 14:20 several-route-sections"},
-        {"a count out of range", routes("Static-Route-Count=100001\nRoute0=,\n"),
+        {"a count out of range", lines("Static-Route-Count=100001\nRoute0=,\n"),
          "E 9:20 count-out-of-range, W 10:8 no-route"},
     });
 }

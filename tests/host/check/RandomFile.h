@@ -63,7 +63,8 @@ private:
             text +=
                 Pick({"ComputerName=PC-1\n", "Workgroup=True\n", "Domain=SALES\n",
                       "Workgroup=False\n", "DNSDomain=corp.example\n", "; comment\n",
-                      "DSOrganizationalUnit=East\n", "DomainUsername=u\n", "no equals\n",
+                      "DSOrganizationalUnit=East/Sales\n", "DomainUsername=u\n",
+                      "DomainUsername=eravbw\nDomainPassword=6-rZ-avbW\n", "no equals\n",
                       "RebootAfterConfig=false\n", "\t \n", "=\n", "Domain=\n", "DNSDomain=\n"});
         }
     }
