@@ -44,7 +44,7 @@ struct ProcessRequest {
                                      information);
     }
 
-    /// Wine fails to start a program now and then, on a busy computer; the next attempt succeeds.
+    /// Wine fails one of two starts at the same moment now and then; the next attempt succeeds.
     BOOL CreateInTheEnd() const {
         constexpr int kAttempts = 5;
         for (int attempt = 1; attempt < kAttempts; ++attempt) {

@@ -63,8 +63,8 @@ Outcome RunHost(const std::vector<std::string>& arguments) {
     }
     const auto files = std::filesystem::temp_directory_path();
     // The file of a run that left a service behind cannot be made again.
-    static int runs = 0;
-    const std::string own = std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++runs);
+    static int count = 0;
+    const std::string own = std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
     Handle data = OpenInherited(files / ("data-" + own));
     Handle notes = OpenInherited(files / ("notes-" + own));
     STARTUPINFOA startup{};
@@ -72,14 +72,22 @@ Outcome RunHost(const std::vector<std::string>& arguments) {
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = data.get();
     startup.hStdError = notes.get();
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                        &startup, &started)) {
+    PROCESS_INFORMATION program{};
+    // Two starts at once make Wine fail one of them now and then.
+    bool started = false;
+    for (int attempt = 0; !started && attempt < 5; ++attempt) {
+        started = CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                 nullptr, &startup, &program) != FALSE;
+        if (!started && GetLastError() != ERROR_INTERNAL_ERROR) {
+            break;
+        }
+    }
+    if (!started) {
         throw std::runtime_error("cannot start " + commandLine + ": " +
                                  host::DescribeSystemError(GetLastError()));
     }
-    const Handle process(started.hProcess);
-    const Handle thread(started.hThread);
+    const Handle process(program.hProcess);
+    const Handle thread(program.hThread);
     WaitForSingleObject(process.get(), INFINITE);
     unsigned long exitCode = 0;
     GetExitCodeProcess(process.get(), &exitCode);
