@@ -2,10 +2,9 @@
 #ifdef __GNUC__
 
 #include <cstdlib>
+#include <exception>
 
 namespace __gnu_cxx {
-
-void __verbose_terminate_handler();
 
 /// Replaces the library's handler, which names the error on a console that a service does not have
 /// and carries a demangler for it.
