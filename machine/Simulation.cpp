@@ -156,6 +156,11 @@ std::chrono::nanoseconds Simulation::TimeInCalls() const {
 
 void Simulation::Restart() {
     Call call(*core_, "", "restart of the machine", {}, Failing::Never);
+    // What the module did not wait for is done before the machine goes down.
+    for (const RouteChild& child : core_->routeChildren) {
+        child.WaitForEnd();
+    }
+    core_->CollectRouteChildren();
     core_->clock += restartTakes;
     ApplyRestart(core_->state);
     core_->comSecuritySet = core_->state.system.comSecuritySet;

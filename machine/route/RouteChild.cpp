@@ -115,6 +115,13 @@ bool RouteChild::Ended() const {
     return process_ == nullptr || Real().WaitForSingleObject(process_, 0) != WAIT_TIMEOUT;
 }
 
+void RouteChild::WaitForEnd() const {
+    constexpr DWORD longest = 10'000;  // milliseconds
+    if (process_ != nullptr) {
+        Real().WaitForSingleObject(process_, longest);
+    }
+}
+
 void RouteChild::Apply(State& state) const {
     auto* exchange = reinterpret_cast<RouteExchange*>(view_);
     if (exchange->answerSize <= exchange->answerCapacity) {

@@ -30,6 +30,8 @@ public:
 
     // Whether the process has ended.
     bool Ended() const;
+    // Waits for its end, for ten seconds at most.
+    void WaitForEnd() const;
     // What the ended process did to the routes.
     void Apply(State& state) const;
 
