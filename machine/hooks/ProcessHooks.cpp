@@ -38,24 +38,23 @@ struct ProcessRequest {
     LPSTARTUPINFOA startup;
     LPPROCESS_INFORMATION information;
 
-    BOOL Create() const {
+    BOOL CreateOnce() const {
         return Real().CreateProcessA(application, commandLine, processSecurity, threadSecurity,
                                      inheritHandles, flags, environment, directory, startup,
                                      information);
     }
 
     /// Wine fails one of two starts at the same moment now and then; the next attempt succeeds.
-    BOOL CreateInTheEnd() const {
+    BOOL Create() const {
         constexpr int kAttempts = 5;
-        for (int attempt = 1; attempt < kAttempts; ++attempt) {
-            if (Create() != FALSE) {
-                return TRUE;
-            }
+        BOOL result = CreateOnce();
+        for (int attempt = 1; result == FALSE && attempt < kAttempts; ++attempt) {
             if (GetLastError() != ERROR_INTERNAL_ERROR) {
-                return FALSE;
+                break;
             }
+            result = CreateOnce();
         }
-        return Create();
+        return result;
     }
 };
 
@@ -74,7 +73,7 @@ BOOL StartRoute(Call& call, ProcessRequest request) {
     std::string environment = child.Environment(static_cast<const char*>(request.environment));
     request.application = program.c_str();
     request.environment = environment.data();
-    const BOOL result = call.RealBoolean(request.CreateInTheEnd());
+    const BOOL result = call.RealBoolean(request.Create());
     if (result != FALSE) {
         child.Started(request.information->hProcess);
         call->routeChildren.push_back(std::move(child));
