@@ -57,6 +57,7 @@ private:
     std::deque<AdapterCheck> adapters_;
     std::deque<RouteCheck> routes_;
     bool mayRestart_ = false;
+    bool renamesAndJoins_ = false;
 };
 
 void SettingsCheck::CheckSection(const SectionReading& reading) {
@@ -65,6 +66,7 @@ void SettingsCheck::CheckSection(const SectionReading& reading) {
             NetworkingCheck networking(reading, source_, entries_, findings_);
             networking.Check();
             mayRestart_ = networking.MayRestart();
+            renamesAndJoins_ = networking.RenamesAndJoins();
             break;
         }
         case SectionRole::kAdapter:
@@ -92,8 +94,12 @@ void SettingsCheck::CheckRestart() {
     }
     if (suppressed && mayRestart_) {
         findings_.Warning("suppressed-restart", place,
-                          "where a new name or membership needs a restart, the module stops "
-                          "there, answers \"Failure\" (Tovrune, 3) and puts the file away");
+                          renamesAndJoins_
+                              ? "where both name and domain change, the module stops after the "
+                                "rename, answers \"Failure\" (Tovrune, 3) and puts the file away: "
+                                "the join and what the file asks for after it are never done"
+                              : "where a new name or membership needs a restart, the module does "
+                                "all that the file asks for, yet answers \"Failure\" (Tovrune, 3)");
     }
 }
 

@@ -28,6 +28,10 @@ bool NetworkingCheck::MayRestart() const {
     return Sends(Event::COMPUTER_NAME) || Sends(Event::DOMAIN) || Sends(Event::WORKGROUP);
 }
 
+bool NetworkingCheck::RenamesAndJoins() const {
+    return Sends(Event::COMPUTER_NAME) && Sends(Event::DOMAIN);
+}
+
 void NetworkingCheck::CheckMembership() {
     const LookUp* const choice = Reading().Find("Workgroup");
     if (choice == nullptr) {

@@ -12,6 +12,8 @@ public:
     void Check();
     /// Whether something that the section asks for may need a restart.
     bool MayRestart() const;
+    /// Whether it asks for a new name and a join: the run stops between the two.
+    bool RenamesAndJoins() const;
 
 private:
     void CheckMembership();

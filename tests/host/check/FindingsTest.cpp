@@ -169,14 +169,20 @@ TEST(CheckFindings, NamesAndRestart) {
         EXPECT_EQ(checked.Findings().Errors(), 1U) << name << ": " << checked.Summary();
     }
     ExpectFindings({
-        {"a suppressed restart",
-         "[Global]\nRebootAfterConfig=FALSE\n[Networking]\nComputerName=PC-1\n",
-         "W 2:19 suppressed-restart"},
         {"a suppressed restart that nothing needs",
          "[Global]\nRebootAfterConfig=false\n" + Adapter(kStatic), ""},
         {"neither true nor false",
          "[Global]\nRebootAfterConfig=no\n[Networking]\nComputerName=PC-1\n", "W 2:19 odd-switch"},
     });
+    const std::string rename =
+        "[Global]\nRebootAfterConfig=FALSE\n[Networking]\nComputerName=PC-1\n";
+    const Checked alone(rename);
+    EXPECT_EQ(alone.Summary(), "W 2:19 suppressed-restart");
+    EXPECT_NE(alone.Messages().find("does all that the file asks for"), std::string::npos);
+    const Checked both(rename +
+                       "DomainUsername=x\nDomainPassword=y\nWorkgroup=False\nDNSDomain=a.b\n");
+    EXPECT_NE(both.Messages().find("the join and what the file asks for after it are never done"),
+              std::string::npos);
 }
 
 TEST(CheckFindings, Addressing) {
