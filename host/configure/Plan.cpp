@@ -1,7 +1,9 @@
 #include "host/configure/Plan.h"
 
 #include <algorithm>
+#include <cstdlib>
 
+#include "common/util/Strings.h"
 #include "host/configure/Reasons.h"
 #include "host/configure/Values.h"
 
@@ -66,6 +68,15 @@ public:
         return nullptr;
     }
 
+    /// The pause behind an adapter's addresses; null for any other setting.
+    const Step* PauseOf(const Setting& setting) const {
+        const auto found =
+            std::find_if(story_.steps.begin(), story_.steps.end(), [&setting](const Step& step) {
+                return step.command == "Sleep" && step.nic == setting.adapter;
+            });
+        return setting.kind == Kind::kAddresses && found != story_.steps.end() ? &*found : nullptr;
+    }
+
     /// Whether the run came to the setting's place and went past it: what was not executed then
     /// needed nothing. Commands run in the order of the settings; only a join lets the rename that
     /// follows it go first.
@@ -113,6 +124,13 @@ private:
     const Story& story_;
     std::vector<const Setting*> settingOfStep_;
 };
+
+/// "Duration=8000 milliseconds"
+std::string PauseText(const Step& pause) {
+    const auto milliseconds =
+        std::strtoul(pause.description.c_str() + pause.description.find('=') + 1, nullptr, 10);
+    return util::Format("waits %lu s after static addressing", milliseconds / 1000);
+}
 
 bool AsksForSomething(const Setting& setting) {
     switch (setting.kind) {
@@ -183,6 +201,10 @@ Row MakeRow(const Setting& setting, const Run& run, const Story& story,
     } else {
         row.fate = Fate::kNotAttempted;
         row.reason = "the run ended before it";
+    }
+    // Also where the addresses are right already.
+    if (const Step* const pause = assignment.PauseOf(setting)) {
+        row.setting.notes.push_back(PauseText(*pause));
     }
     return row;
 }

@@ -66,6 +66,7 @@ site.ini:2  Adapter        PCI 3/0/0 "Ethernet 2" (index 7)
 site.ini:4  IP addresses   PCI 3/0/0 "Ethernet 2" (index 7)
   = 10.0.0.20/255.255.255.0 -> 10.0.0.20/255.255.0.0  )"
                          R"(skipped although it differs: the module compares the first address alone
+    waits 8 s after static addressing
 site.ini:6  Gateways       PCI 3/0/0 "Ethernet 2" (index 7)
   = 10.0.0.254                          already set
 site.ini:8  DNS servers    PCI 3/0/0 "Ethernet 2" (index 7)
