@@ -18,11 +18,7 @@ std::string Join(const std::vector<std::string>& parts, std::string_view separat
 // "0x80041002"
 std::string Hex(std::uint64_t number);
 
-// Between the ANSI code page and UTF-16.
-std::string Narrow(std::wstring_view text);
-std::wstring Widen(std::string_view text);
 // An empty text for null.
-std::string Narrow(const wchar_t* text);
 std::string OrEmpty(const char* text);
 
 }  // namespace machine

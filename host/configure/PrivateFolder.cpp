@@ -8,7 +8,7 @@
 #include "common/util/Strings.h"
 #include "host/HostError.h"
 #include "host/Text.h"
-#include "machine/Text.h"
+#include "machine/WideText.h"
 
 namespace host::configure {
 

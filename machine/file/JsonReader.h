@@ -125,8 +125,4 @@ void Read(const Node& node, std::vector<Value>& list) {
     }
 }
 
-// Between the UTF-8 of JSON and the ANSI code page; nothing when a character has no counterpart.
-std::optional<std::string> FromUtf8(std::string_view text);
-std::string ToUtf8(std::string_view text);
-
 }  // namespace machine::file

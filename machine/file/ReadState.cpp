@@ -1,6 +1,7 @@
 // From JSON to a machine's state.
 #include <algorithm>
 
+#include "machine/CodePage.h"
 #include "machine/MachineFile.h"
 #include "machine/Text.h"
 #include "machine/file/JsonReader.h"

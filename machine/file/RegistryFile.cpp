@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "machine/CodePage.h"
 #include "machine/Text.h"
 
 namespace machine::file {

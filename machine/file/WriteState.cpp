@@ -1,9 +1,8 @@
 // From a machine's state to JSON, and between JSON and files.
-#include <windows.h>
-
 #include <fstream>
 #include <iterator>
 
+#include "machine/CodePage.h"
 #include "machine/MachineFile.h"
 #include "machine/file/JsonReader.h"
 #include "machine/file/RegistryFile.h"

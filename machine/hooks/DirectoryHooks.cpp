@@ -7,6 +7,7 @@
 
 #include "machine/Call.h"
 #include "machine/Text.h"
+#include "machine/WideText.h"
 #include "machine/com/ComObject.h"
 #include "machine/hooks/Hooks.h"
 #include "machine/model/Directory.h"

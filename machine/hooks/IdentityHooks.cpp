@@ -17,6 +17,7 @@
 #include "machine/Call.h"
 #include "machine/RealCalls.h"
 #include "machine/Text.h"
+#include "machine/WideText.h"
 #include "machine/hooks/Hooks.h"
 #include "machine/model/Directory.h"
 

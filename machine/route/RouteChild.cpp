@@ -7,6 +7,7 @@
 
 #include "machine/RealCalls.h"
 #include "machine/Text.h"
+#include "machine/WideText.h"
 #include "machine/route/RouteCommand.h"
 #include "machine/route/RouteExchange.h"
 

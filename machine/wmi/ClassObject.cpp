@@ -1,8 +1,13 @@
 #include "machine/wmi/ClassObject.h"
 
 #include "machine/Text.h"
+#include "machine/WideText.h"
+#include "machine/wmi/Variants.h"
 
 namespace machine::wmi {
+
+using namespace cim;
+
 namespace {
 
 constexpr LONG localFlavor = 0;  // WBEM_FLAVOR_ORIGIN_LOCAL

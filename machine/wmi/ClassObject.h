@@ -7,8 +7,8 @@
 
 #include <string>
 
+#include "machine/cim/Schema.h"
 #include "machine/com/ComObject.h"
-#include "machine/wmi/Schema.h"
 
 namespace machine::wmi {
 
@@ -17,12 +17,12 @@ public:
     enum class Kind { Definition, Instance };
 
     // `definition` has the methods of a class definition; null for everything else.
-    ClassObject(Core& core, std::string className, Kind kind, Properties properties,
-                const Class* definition = nullptr);
+    ClassObject(Core& core, std::string className, Kind kind, cim::Properties properties,
+                const cim::Class* definition = nullptr);
 
     const std::string& ClassName() const { return className_; }
     bool IsInstance() const { return kind_ == Kind::Instance; }
-    const Properties& Values() const { return properties_; }
+    const cim::Properties& Values() const { return properties_; }
 
     HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type,
                                   LONG* flavor) override;
@@ -89,8 +89,8 @@ private:
 
     std::string className_;
     Kind kind_;
-    Properties properties_;
-    const Class* definition_;
+    cim::Properties properties_;
+    const cim::Class* definition_;
 };
 
 // Whether the trace must not show what a property of this name holds.
@@ -98,6 +98,6 @@ bool IsSecret(std::string_view propertyName);
 
 // The class of the objects that hold the in-parameters of a method, so that only those of the same
 // method are accepted for its call.
-std::string InParametersOf(const Class& definition, const Method& method);
+std::string InParametersOf(const cim::Class& definition, const cim::Method& method);
 
 }  // namespace machine::wmi

@@ -3,10 +3,15 @@
 #include <algorithm>
 
 #include "machine/Text.h"
+#include "machine/WideText.h"
+#include "machine/cim/ObjectPath.h"
+#include "machine/cim/Wql.h"
 #include "machine/wmi/ClassObject.h"
-#include "machine/wmi/Wql.h"
 
 namespace machine::wmi {
+
+using namespace cim;
+
 namespace {
 
 constexpr LONG queryFlags = WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY |
@@ -24,26 +29,6 @@ bool IsServedNamespace(std::string resource) {
     return EqualNoCase(resource, R"(root\cimv2)");
 }
 
-// The row of the class that the path names; null when the machine has none.
-const Properties* FindRow(const std::vector<Properties>& rows, const Class& definition,
-                          const ObjectPath& path) {
-    const std::string_view key = path.keyName.empty() ? definition.key : path.keyName;
-    for (const Properties& row : rows) {
-        const Property* property = FindProperty(row, key);
-        if (property == nullptr || !EqualNoCase(key, definition.key)) {
-            continue;
-        }
-        const auto* text = std::get_if<std::string>(&property->value);
-        const auto* wanted = std::get_if<std::string>(&path.key);
-        const bool same = text != nullptr && wanted != nullptr ? EqualNoCase(*text, *wanted)
-                                                               : property->value == path.key;
-        if (same) {
-            return &row;
-        }
-    }
-    return nullptr;
-}
-
 std::string DescribeParameters(const Properties& parameters) {
     std::string text;
     for (const Property& property : parameters) {
@@ -55,17 +40,6 @@ std::string DescribeParameters(const Properties& parameters) {
 
 constexpr HRESULT CodeOf(WBEMSTATUS status) {
     return static_cast<HRESULT>(status);
-}
-
-// What a method is called on. A code other than WBEM_S_NO_ERROR says that there is nothing to call.
-HRESULT ResolveTarget(const State& state, const Class& definition, const Method& method,
-                      const ObjectPath& path) {
-    if (path.isClass) {
-        return CodeOf(method.isStatic ? WBEM_S_NO_ERROR : WBEM_E_INVALID_METHOD);
-    }
-    const auto rows = definition.rows(state, IndexOf(definition.key, path.key));
-    const bool found = FindRow(rows, definition, path) != nullptr;
-    return CodeOf(found ? WBEM_S_NO_ERROR : WBEM_E_NOT_FOUND);
 }
 
 }  // namespace
@@ -136,13 +110,13 @@ HRESULT Services::GetObject(BSTR path, LONG flags, IWbemContext* context, IWbemC
                       .HandOut(call);
         return call.Hresult(WBEM_S_NO_ERROR);
     }
-    const auto rows = definition->rows(Machine().state, IndexOf(definition->key, parsed.key));
-    const Properties* row = FindRow(rows, *definition, parsed);
-    if (row == nullptr) {
+    auto row = FindObject(Machine().state, *definition, parsed);
+    if (!row) {
         return call.Hresult(WBEM_E_NOT_FOUND);
     }
-    *object = MakeComObject<ClassObject>(Machine(), name, ClassObject::Kind::Instance, *row)
-                  .HandOut(call);
+    *object =
+        MakeComObject<ClassObject>(Machine(), name, ClassObject::Kind::Instance, std::move(*row))
+            .HandOut(call);
     return call.Hresult(WBEM_S_NO_ERROR);
 }
 
@@ -229,9 +203,8 @@ HRESULT Services::ExecMethod(BSTR path, BSTR method, LONG flags, IWbemContext* c
         parameters = object->Values();
     }
     call.AddArgument("in", DescribeParameters(parameters));
-    const HRESULT resolved = ResolveTarget(Machine().state, *definition, *called, parsed);
-    if (FAILED(resolved)) {
-        return call.Hresult(resolved);
+    if (const auto code = CheckTarget(Machine().state, *definition, *called, parsed); code != 0) {
+        return call.Hresult(code);
     }
     const auto forced = Machine().faults.OnOutcome(called->name);
     const std::uint32_t returnValue =

@@ -8,15 +8,16 @@
 #include <string>
 #include <vector>
 
+#include "machine/cim/Schema.h"
 #include "machine/com/ComObject.h"
-#include "machine/wmi/Schema.h"
 
 namespace machine::wmi {
 
 class Enumerator : public ComObject<IEnumWbemClassObject, IID_IEnumWbemClassObject> {
 public:
     // `failure` is what a query that was wrong has to say for itself, at the first Next.
-    Enumerator(Core& core, std::string className, std::vector<Properties> rows, HRESULT failure);
+    Enumerator(Core& core, std::string className, std::vector<cim::Properties> rows,
+               HRESULT failure);
 
     HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
                                    ULONG* returned) override;
@@ -31,7 +32,7 @@ private:
     void Discard() override { rows_.clear(); }
 
     std::string className_;
-    std::vector<Properties> rows_;
+    std::vector<cim::Properties> rows_;
     std::size_t position_ = 0;
     HRESULT failure_;
 };

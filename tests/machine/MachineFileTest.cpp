@@ -18,7 +18,7 @@ State RichState() {
     state.adapters[2].ipEnabled = false;
     state.adapters[2].dhcpEnabled.reset();
     state.adapters[2].ipAddress = TextList();
-    state.adapters[2].caption = "[00000007] Adapt\xE9r";
+    state.adapters[2].caption = "[00000007] Adapt\xE9r \x80";
     state.registry = {
         {"SOFTWARE\\Example",
          {RegistryValue::Text("", "default"),

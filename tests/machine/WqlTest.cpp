@@ -1,8 +1,8 @@
-#include "machine/wmi/Wql.h"
+#include "machine/cim/Wql.h"
 
 #include <gtest/gtest.h>
 
-namespace machine::wmi {
+namespace machine::cim {
 namespace {
 
 // The captions' first property of each row as text, or the name of the failure.
@@ -72,4 +72,4 @@ TEST(Wql, DeepNestingIsRefusedInsteadOfExhaustingTheStack) {
 }
 
 }  // namespace
-}  // namespace machine::wmi
+}  // namespace machine::cim

@@ -1,11 +1,10 @@
-#include "machine/wmi/Schema.h"
+#include "machine/cim/Schema.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "machine/Text.h"
 
-namespace machine::wmi {
+namespace machine::cim {
 namespace {
 
 Value Text(const std::optional<std::string>& text) {
@@ -112,26 +111,6 @@ Properties Shape(std::vector<Properties> (*rows)(const State&, OptionalIndex)) {
     return shape;
 }
 
-bool IsName(std::string_view text) {
-    return !text.empty() && std::ranges::all_of(text, [](char c) {
-        return c == '_' || (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
-               (c >= 'A' && c <= 'Z');
-    });
-}
-
-bool ParseKeyValue(std::string_view text, Value& value) {
-    const bool quoted = text.size() >= 2 && text.front() == text.back() &&
-                        (text.front() == '"' || text.front() == '\'');
-    if (quoted) {
-        value = std::string(text.substr(1, text.size() - 2));
-        return true;
-    }
-    std::uint32_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    value = static_cast<std::int32_t>(number);
-    return error == std::errc() && end == text.data() + text.size();
-}
-
 }  // namespace
 
 OptionalIndex IndexOf(std::string_view property, const Value& value) {
@@ -161,31 +140,4 @@ const Method* FindMethod(const Class& definition, std::string_view name) {
     return found == definition.methods.end() ? nullptr : &*found;
 }
 
-bool ParseObjectPath(std::string_view text, ObjectPath& path) {
-    if (text.starts_with(R"(\\)")) {
-        const auto colon = text.find(':');
-        if (colon == std::string_view::npos) {
-            return false;
-        }
-        text = text.substr(colon + 1);
-    }
-    const auto end = std::min(text.find_first_of(".="), text.size());
-    path.className = text.substr(0, end);
-    path.isClass = end == text.size();
-    if (!IsName(path.className) || path.isClass) {
-        return path.isClass && IsName(path.className);
-    }
-    const auto equals = text.find('=', end);
-    if (equals == std::string_view::npos) {
-        return false;
-    }
-    if (text[end] == '.') {
-        path.keyName = text.substr(end + 1, equals - end - 1);
-        if (!IsName(path.keyName)) {
-            return false;
-        }
-    }
-    return ParseKeyValue(text.substr(equals + 1), path.key);
-}
-
-}  // namespace machine::wmi
+}  // namespace machine::cim

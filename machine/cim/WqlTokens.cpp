@@ -1,8 +1,8 @@
-#include "machine/wmi/WqlTokens.h"
+#include "machine/cim/WqlTokens.h"
 
 #include <algorithm>
 
-namespace machine::wmi {
+namespace machine::cim {
 namespace {
 
 bool IsDigit(char c) {
@@ -78,4 +78,4 @@ std::vector<Token> ReadTokens(std::string_view text) {
     }
 }
 
-}  // namespace machine::wmi
+}  // namespace machine::cim

@@ -1,4 +1,4 @@
-#include "machine/wmi/Wql.h"
+#include "machine/cim/Wql.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,9 +6,9 @@
 #include <limits>
 
 #include "machine/Text.h"
-#include "machine/wmi/WqlTokens.h"
+#include "machine/cim/WqlTokens.h"
 
-namespace machine::wmi {
+namespace machine::cim {
 namespace {
 
 class Parser {
@@ -270,4 +270,4 @@ QueryAnswer RunQuery(const State& state, const Query& query, std::vector<Propert
     return QueryAnswer::Rows;
 }
 
-}  // namespace machine::wmi
+}  // namespace machine::cim

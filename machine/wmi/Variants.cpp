@@ -1,18 +1,12 @@
-#include "machine/wmi/Value.h"
+#include "machine/wmi/Variants.h"
 
-#include <algorithm>
-
-#include "machine/Text.h"
+#include "machine/WideText.h"
 
 namespace machine::wmi {
-namespace {
 
-template <typename List>
-auto* Find(List& properties, std::string_view name) {
-    const auto found = std::ranges::find_if(
-        properties, [name](const Property& property) { return EqualNoCase(property.name, name); });
-    return found == properties.end() ? nullptr : &*found;
-}
+using namespace cim;
+
+namespace {
 
 HRESULT ToArray(const TextList& texts, VARIANT& variant) {
     SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(texts.size()));
@@ -57,14 +51,6 @@ std::optional<Value> FromTextArray(const VARIANT& variant) {
 }
 
 }  // namespace
-
-const Property* FindProperty(const Properties& properties, std::string_view name) {
-    return Find(properties, name);
-}
-
-Property* FindProperty(Properties& properties, std::string_view name) {
-    return Find(properties, name);
-}
 
 CIMTYPE CimTypeOf(Type type) {
     switch (type) {
@@ -137,22 +123,6 @@ std::optional<Value> FromVariant(const VARIANT& variant, Type type) {
             return variant.vt == (VT_ARRAY | VT_I4) ? std::optional<Value>(Value()) : std::nullopt;
     }
     return std::nullopt;
-}
-
-std::string Describe(const Value& value) {
-    if (const bool* flag = std::get_if<bool>(&value)) {
-        return *flag ? "true" : "false";
-    }
-    if (const std::int32_t* number = std::get_if<std::int32_t>(&value)) {
-        return std::to_string(*number);
-    }
-    if (const std::string* text = std::get_if<std::string>(&value)) {
-        return "\"" + *text + "\"";
-    }
-    if (const TextList* texts = std::get_if<TextList>(&value)) {
-        return "{" + Join(*texts, ", ") + "}";
-    }
-    return "null";
 }
 
 }  // namespace machine::wmi

@@ -1,10 +1,10 @@
 // The methods of the simulated WMI classes: parameters in, ReturnValue out; the work is the
 // model's.
+#include "machine/cim/Schema.h"
 #include "machine/model/Identity.h"
 #include "machine/model/Network.h"
-#include "machine/wmi/Schema.h"
 
-namespace machine::wmi {
+namespace machine::cim {
 namespace {
 
 // Adapter methods on a vanished instance never get here: the path was resolved before.
@@ -110,4 +110,4 @@ std::vector<Method> ComputerMethods() {
     };
 }
 
-}  // namespace machine::wmi
+}  // namespace machine::cim

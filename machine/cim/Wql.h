@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "machine/wmi/Schema.h"
+#include "machine/cim/Schema.h"
 
-namespace machine::wmi {
+namespace machine::cim {
 
 struct Condition {
     enum class Kind { Compare, IsNull, And, Or, Not };
@@ -36,4 +36,4 @@ enum class QueryAnswer { Rows, NoSuchClass, InvalidQuery };
 // The rows that the machine has, each with the properties asked for.
 QueryAnswer RunQuery(const State& state, const Query& query, std::vector<Properties>& rows);
 
-}  // namespace machine::wmi
+}  // namespace machine::cim

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace machine::wmi {
+namespace machine::cim {
 
 struct Token {
     enum class Kind { Word, Number, Text, Sign, End, Wrong };
@@ -16,4 +16,4 @@ struct Token {
 // Ends with a token of the kind End. What WQL does not know is Wrong.
 std::vector<Token> ReadTokens(std::string_view text);
 
-}  // namespace machine::wmi
+}  // namespace machine::cim

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "machine/State.h"
-#include "machine/wmi/Value.h"
+#include "machine/cim/Value.h"
 
-namespace machine::wmi {
+namespace machine::cim {
 
 // What a method works on: the machine and, for a method of an instance, the instance's key.
 struct Target {
@@ -50,15 +50,4 @@ const Method* FindMethod(const Class& definition, std::string_view name);
 std::vector<Method> AdapterMethods();
 std::vector<Method> ComputerMethods();
 
-// "Win32_ComputerSystem.Name=\"PC1\"" and its like; a class name alone names the class itself.
-struct ObjectPath {
-    std::string className;
-    bool isClass = true;
-    std::string keyName;  // may be empty: the class's only key
-    Value key;
-};
-
-// False when the text is no object path.
-bool ParseObjectPath(std::string_view text, ObjectPath& path);
-
-}  // namespace machine::wmi
+}  // namespace machine::cim

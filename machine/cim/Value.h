@@ -1,12 +1,7 @@
-// Property values of the simulated WMI and their VARIANT form.
+// Property values of the simulated WMI.
 #pragma once
 
-#include <windows.h>
-
-#include <wbemcli.h>
-
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -14,7 +9,7 @@
 
 #include "machine/State.h"
 
-namespace machine::wmi {
+namespace machine::cim {
 
 // Null, boolean, any whole number of up to 32 bits, text, list of texts.
 using Value = std::variant<std::monostate, bool, std::int32_t, std::string, TextList>;
@@ -33,16 +28,7 @@ using Properties = std::vector<Property>;
 const Property* FindProperty(const Properties& properties, std::string_view name);
 Property* FindProperty(Properties& properties, std::string_view name);
 
-CIMTYPE CimTypeOf(Type type);
-
-// The VARIANT that Windows delivers for the value: whole numbers as VT_I4 whatever their sign,
-// nulls as VT_NULL. The caller owns it. Gives E_OUTOFMEMORY when a text cannot be made.
-HRESULT ToVariant(const Value& value, VARIANT& variant);
-
-// The value of a VARIANT put into a property of the type; nothing when its type does not fit.
-std::optional<Value> FromVariant(const VARIANT& variant, Type type);
-
 // For the trace.
 std::string Describe(const Value& value);
 
-}  // namespace machine::wmi
+}  // namespace machine::cim
