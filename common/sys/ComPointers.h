@@ -78,7 +78,6 @@ public:
     VARIANT& Get() noexcept { return value_; }
     const VARIANT& Get() const noexcept { return value_; }
     VARTYPE Type() const noexcept { return value_.vt; }
-    bool IsEmptyOrNull() const noexcept { return Type() == VT_EMPTY || Type() == VT_NULL; }
 
     VARIANT* Receive() noexcept {
         VariantClear(&value_);

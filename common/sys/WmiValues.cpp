@@ -68,6 +68,10 @@ private:
     SAFEARRAY* array_;
 };
 
+bool IsEmptyOrNull(const VARIANT& value) noexcept {
+    return value.vt == VT_EMPTY || value.vt == VT_NULL;
+}
+
 /// The value as a text.
 Variant ChangeToText(const VARIANT& value) {
     Variant text;
@@ -143,6 +147,9 @@ void Variant::EraseText() noexcept {
 }
 
 std::string TextOf(const VARIANT& value) {
+    if (IsEmptyOrNull(value)) {
+        return {};
+    }
     const Variant text = ChangeToText(value);
     return util::Narrow({text.Get().bstrVal, SysStringLen(text.Get().bstrVal)});
 }
@@ -217,7 +224,7 @@ std::string SafeArrayView::Text(std::size_t position) const {
 
 std::vector<std::string> TextsOf(const VARIANT& value) {
     std::vector<std::string> texts;
-    if (value.vt != VT_EMPTY && value.vt != VT_NULL) {
+    if (!IsEmptyOrNull(value)) {
         const SafeArrayView array(value);
         for (std::size_t i = 0; i < array.Size(); ++i) {
             texts.push_back(array.Text(i));

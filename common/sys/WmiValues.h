@@ -15,8 +15,9 @@
 /// What WMI delivers, turned into the module's own types.
 namespace sys {
 
-/// The value as narrow text. Throws ComError when it cannot be changed to text; null is such a
-/// value.
+/// The value as narrow text. An empty or null one is an empty text: Windows gives null for a text
+/// that an adapter does not have. Throws ComError for a value that cannot be changed to text, such
+/// as an array or an object.
 std::string TextOf(const VARIANT& value);
 
 /// True for VARIANT_TRUE alone; false for anything else, null included.
@@ -30,8 +31,8 @@ std::uint32_t IntegerOf(const VARIANT& value) noexcept;
 class SafeArrayView {
 public:
     /// An empty variant is a list of no elements. Throws std::invalid_argument for a variant that
-    /// holds no array or one of other than one dimension, and ComError when an element cannot be
-    /// changed to text. `value` must outlive the view.
+    /// holds no array (a null one too) or one of other than one dimension, and ComError when an
+    /// element cannot be changed to text: null is such an element. `value` must outlive the view.
     explicit SafeArrayView(const VARIANT& value);
     ~SafeArrayView();
     SafeArrayView(const SafeArrayView&) = delete;

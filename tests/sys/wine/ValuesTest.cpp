@@ -134,6 +134,19 @@ TEST(SafeArrayView, WhatIsNoListIsRefused) {
               ComFailure(static_cast<std::uint32_t>(DISP_E_TYPEMISMATCH)));
 }
 
+TEST(WmiValues, ATextThatIsNullIsEmptyAndOneThatIsNoneIsRefused) {
+    sys::Variant null;
+    null.Get().vt = VT_NULL;
+    EXPECT_EQ(sys::TextOf(null.Get()), "");
+    EXPECT_EQ(sys::TextOf(sys::Variant().Get()), "");
+    // An address that is null: not 0.0.0.0, which is a route's destination.
+    EXPECT_EQ(ipc::IPv4Address(sys::TextOf(null.Get())).ToString(), "255.255.255.255");
+    for (const Texts& list : {Texts{}, Texts{"text"}}) {
+        EXPECT_EQ(OutcomeOf([&] { sys::TextOf(TextArray(0, list).Get()); }),
+                  ComFailure(static_cast<std::uint32_t>(DISP_E_TYPEMISMATCH)));
+    }
+}
+
 TEST(WmiValues, BooleansAndIntegers) {
     struct Case {
         VARTYPE type;
