@@ -88,10 +88,14 @@ Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
     for (HRESULT last = S_OK;;) {
         ComPointer<IWbemClassObject> object;
         ULONG returned = 0;
+        // The query returns before it is looked at: most of what is wrong with it shows here.
         const HRESULT next =
             enumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, object.Receive(), &returned);
+        if (FAILED(next)) {
+            throw MakeWmiError(query.failure, next);
+        }
         if (returned == 0 || !object) {
-            return FAILED(next) ? next : last;
+            return last;
         }
         WmiRow row(*object.Get());
         visit(row);

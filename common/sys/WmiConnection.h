@@ -79,8 +79,9 @@ private:
 
 enum class WmiRows { kFirst, kAll };
 
-/// Runs a query and calls `visit` for its rows. Returns the HRESULT of the last read, that of a
-/// failing step to a next row, or 0 when no row came. Throws CWmiError when the query fails.
+/// Runs a query and calls `visit` for its rows. Returns the HRESULT of the last read, or 0 when no
+/// row came. Throws CWmiError when the query fails or a row cannot be fetched; the rows before it
+/// have been visited then.
 Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
                   const std::string& text, WmiRows rows, const std::function<void(WmiRow&)>& visit);
 

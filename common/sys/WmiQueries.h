@@ -9,12 +9,14 @@
 /// What this module reads through Windows Management Instrumentation ("root\cimv2"). Every function
 /// opens its own connection and closes it before it returns.
 ///
-/// Result: the last HRESULT: that of the last read, or of a step to the next row that failed; 0
-/// when no row came back. Outputs keep their values where no row came back or the property could
-/// not be read; lists are appended to. A failed query throws CWmiError. Text that cannot be made
-/// from a property (null is such a value) throws ComError; a list that is no one-dimensional array
-/// throws std::invalid_argument; a host name in an address list that does not resolve throws
-/// ipc::CIPAddressError.
+/// Result: the HRESULT of the last read, 0 when no row came back. Outputs keep their values where
+/// no row came back or the property could not be read; lists are appended to. A null text is an
+/// empty text, a null list an empty list.
+///
+/// A query that fails, or a row that cannot be fetched, throws CWmiError; a list then holds the
+/// rows before it. A property that is there and cannot be changed to text throws ComError; a list
+/// that is no one-dimensional array throws std::invalid_argument; a host name in an address list
+/// that does not resolve throws ipc::CIPAddressError.
 ///
 /// `index` is the adapter's Index in Win32_NetworkAdapterConfiguration and Win32_NetworkAdapter.
 namespace sys {
@@ -32,7 +34,7 @@ using Result = std::int32_t;  // an HRESULT
 Result getComputerName(std::string& name);
 Result getIpEnabledAdapters(std::vector<std::uint32_t>& indexes);
 Result getDhcpEnabled(std::uint32_t index, bool& enabled);
-/// The first element of each list. Unlike the other lists these two must be arrays.
+/// The first element of each list. Unlike the other lists these two must be arrays: null throws.
 Result getIpAddressAndMask(std::uint32_t index, ipc::IPv4Address& address, ipc::IPv4Address& mask);
 Result getDnsServersAndSuffixes(std::uint32_t index, std::vector<ipc::IPv4Address>& servers,
                                 std::vector<std::string>& suffixes);

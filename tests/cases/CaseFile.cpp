@@ -110,8 +110,9 @@ Case LoadCase(const std::string& name) {
     loaded.file = expected.value("file", Json::object());
     CheckMembers(loaded.file, {"name", "stands", "atHome"});
     for (const Json& pass : expected.at("passes")) {
-        CheckMembers(pass, {"about", "faults", "result", "escaped", "reply", "errors", "actions",
-                            "log", "wholeLog", "changes", "file", "kept", "afterRestart"});
+        CheckMembers(pass,
+                     {"about", "faults", "result", "escaped", "reply", "errors", "actions", "log",
+                      "wholeLog", "changes", "file", "kept", "afterRestart", "sameProcess"});
         loaded.passes.push_back(pass);
     }
     if (loaded.passes.empty()) {

@@ -14,8 +14,8 @@
 // and the line that names the file, or "wholeLog", "changes" of the machine by JSON pointer ({}),
 // "file" ("put away"), "kept" resources that stay open on purpose ({}). With "afterRestart" the
 // machine restarts behind the pass, and that changes it as the member says. Before each pass the
-// file stands where it stood at first. "{any}" in an expected text stands for what Windows leaves
-// open.
+// file stands where it stood at first, and the module is loaded anew, unless the pass says
+// "sameProcess": true. "{any}" in an expected text stands for what Windows leaves open.
 #pragma once
 
 #include <filesystem>

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -113,6 +114,7 @@ TEST_P(CaseTest, EndsAsExpected) {
     machine::Simulation simulation(tested.machine);
     simulation.SetProgramFile(agent.Program());
 
+    std::optional<e2e::AttachedModule> module;
     std::map<std::string, std::size_t> keptBefore;
     std::size_t leaksBefore = 0;
     for (std::size_t i = 0; i < tested.passes.size(); ++i) {
@@ -121,7 +123,13 @@ TEST_P(CaseTest, EndsAsExpected) {
             machine::FaultPlan::Parse(tested.passes[i].value("faults", std::string())));
         const std::string path = file.Present();
         const machine::State before = simulation.GetState();
-        const e2e::RunResult run = e2e::RunConfigure(simulation, path);
+        if (!module) {
+            module.emplace(simulation);
+        }
+        const e2e::RunResult run = module->Configure(path);
+        if (i + 1 == tested.passes.size() || !tested.passes[i + 1].value("sameProcess", false)) {
+            module.reset();
+        }
         const machine::State after = simulation.GetState();
         const e2e::Balance balance =
             e2e::Weigh(simulation.GetLedger(), simulation.GetTrace().Entries());

@@ -17,7 +17,6 @@ using Reply = std::map<std::string, std::string>;
 /// may end well and yet otherwise than without the failure.
 constexpr std::string_view silent[] = {
     "Get",                        // a property that cannot be read keeps its value
-    "Next",                       // so do all of a row
     "LsaQueryInformationPolicy",  // a policy that tells nothing belongs to no member
     "NetWkstaGetInfo",            // the workgroup stays unknown
     "GetComputerObjectNameA",     // the unit stays unknown

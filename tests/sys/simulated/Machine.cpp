@@ -107,10 +107,11 @@ std::size_t CountAnswered(const Entries& entries, std::string_view function) {
 }
 
 bool EndsWmi(const machine::TraceEntry& entry, bool isMethod) {
-    constexpr std::string_view kInAny[] = {"CoInitializeEx", "CoInitializeSecurity",
-                                           "CoCreateInstance", "ConnectServer", "ExecQuery"};
-    constexpr std::string_view kInMethods[] = {"Next",          "Get", "GetObject", "GetMethod",
-                                               "SpawnInstance", "Put", "ExecMethod"};
+    constexpr std::string_view kInAny[] = {"CoInitializeEx",   "CoInitializeSecurity",
+                                           "CoCreateInstance", "ConnectServer",
+                                           "ExecQuery",        "Next"};
+    constexpr std::string_view kInMethods[] = {"Get",           "GetObject", "GetMethod",
+                                               "SpawnInstance", "Put",       "ExecMethod"};
     return CodeOf(entry) != static_cast<std::uint32_t>(RPC_E_TOO_LATE) &&
            (std::ranges::find(kInAny, entry.function) != std::end(kInAny) ||
             (isMethod && std::ranges::find(kInMethods, entry.function) != std::end(kInMethods)));
