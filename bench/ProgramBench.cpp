@@ -64,7 +64,7 @@ void Describe(int adapters) {
                "settingId": "{6C7F1A52-90B4-4C1E-9D57-0A1B2C3D%04d}", "dhcpEnabled": true,
                "pnpDeviceId": "PCI\\VEN_8086&DEV_100E\\%d", "manufacturer": "Example",
                "pciLocation": "PCI bus %d, device 0, function 0", "adapterType": "Ethernet 802.3",
-               "macAddress": "02:00:00:00:00:%02d", "dnsDomain": "", "dnsHostName": "BENCH",
+               "macAddress": "02:00:00:00:00:%02d", "dnsHostName": "BENCH",
                "ipAddress": ["10.0.%d.99"], "ipSubnet": ["255.255.255.0"], "dhcpLease":
                {"ipAddress": ["10.0.%d.99"], "ipSubnet": ["255.255.255.0"]}})",
             i > 1 ? "," : "", i, i, i, i, i, i, i, i, i);

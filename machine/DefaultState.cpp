@@ -48,7 +48,6 @@ Adapter StaticAdapter() {
     adapter.gateways = TextList{"198.51.100.1"};
     adapter.staticDns = {"198.51.100.10"};
     adapter.dnsServers = adapter.staticDns;
-    adapter.dnsDomain = "";
     adapter.dnsHostName = "WORKSTATION1";
     adapter.dhcpLease = DhcpLease{
         {"198.51.100.77"}, {"255.255.255.0"}, {"198.51.100.1"}, {"198.51.100.10"}, std::nullopt};

@@ -41,7 +41,7 @@ struct Adapter {
     std::optional<TextList> ipSubnet;
     std::optional<TextList> gateways;
     std::optional<TextList> dnsServers;    // the servers in use, static or leased
-    std::optional<std::string> dnsDomain;  // an IP-enabled adapter outside any domain has ""
+    std::optional<std::string> dnsDomain;  // the connection's suffix; most adapters have none
     std::optional<std::string> dnsHostName;
     TextList staticDns;  // servers set by hand: registry text "NameServer"
     std::optional<DhcpLease> dhcpLease;

@@ -55,7 +55,7 @@ void TakeLease(Adapter& adapter) {
     adapter.ipAddress = NullWhenEmpty(lease.ipAddress);
     adapter.ipSubnet = NullWhenEmpty(lease.ipSubnet);
     adapter.gateways = NullWhenEmpty(lease.gateways);
-    adapter.dnsDomain = lease.dnsDomain.value_or("");
+    adapter.dnsDomain = lease.dnsDomain;
     // Servers set by hand outlive the change to DHCP, as on Windows.
     adapter.dnsServers =
         NullWhenEmpty(adapter.staticDns.empty() ? lease.dnsServers : adapter.staticDns);
@@ -92,7 +92,7 @@ std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const Te
     if (adapter.dhcpEnabled.value_or(false)) {
         // What the lease brought goes with it.
         adapter.gateways.reset();
-        adapter.dnsDomain = "";
+        adapter.dnsDomain.reset();
         adapter.dnsServers = NullWhenEmpty(adapter.staticDns);
     }
     adapter.dhcpEnabled = false;

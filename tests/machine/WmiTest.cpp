@@ -24,6 +24,8 @@ TEST_F(WmiTest, DeliversTheVariantTypesOfWindowsAndOnlyWhatWasSelected) {
          L"DefaultIPGateway", VT_NULL},
         {L"select DNSDomainSuffixSearchOrder from Win32_NetworkAdapterConfiguration where Index=1",
          L"DNSDomainSuffixSearchOrder", VT_NULL},
+        {L"select DNSDomain from Win32_NetworkAdapterConfiguration where Index=2", L"DNSDomain",
+         VT_NULL},
         {L"select Workgroup from Win32_ComputerSystem", L"Workgroup", VT_BSTR},
         {L"select Destination, Metric1 from Win32_IP4PersistedRouteTable", L"Metric1", VT_I4},
     };
