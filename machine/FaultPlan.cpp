@@ -38,6 +38,10 @@ std::optional<Number> ReadNumber(std::string_view text) {
 
 FaultRule ParseRule(std::string_view text) {
     FaultRule rule;
+    rule.text = text;
+    if (text.empty()) {
+        Refuse(text, "a rule must not be empty");
+    }
     std::string_view rest = text;
     if (const auto equals = rest.find('='); equals != std::string_view::npos) {
         rule.code = ReadNumber<std::uint32_t>(Trim(rest.substr(equals + 1)));
@@ -112,7 +116,7 @@ FaultPlan FaultPlan::Parse(std::string_view text) {
 }
 
 FaultPlan FaultPlan::FailCall(std::uint64_t nth, bool stays) {
-    return FaultPlan({FaultRule{"", nth, stays, std::nullopt}});
+    return FaultPlan({FaultRule{"", nth, stays, std::nullopt, ""}});
 }
 
 std::uint64_t FaultPlan::CountOf(std::string_view function) {

@@ -33,6 +33,7 @@ struct FaultRule {
     std::uint64_t nth = 0;  // 0: every call
     bool stays = false;     // from the nth on, instead of the nth alone
     std::optional<std::uint32_t> code;
+    std::string text;  // as it was written; empty for a rule that never was
 
     bool operator==(const FaultRule&) const = default;
 };

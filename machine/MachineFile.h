@@ -25,9 +25,8 @@ State ParseState(std::string_view json);
 // The machine as JSON text that ParseState turns into an equal state.
 std::string FormatState(const State& state);
 
-// The same with files. A file that cannot be read or written throws MachineFileError naming it; a
-// wrong member is reported behind the file's name.
+// The same with a file. One that cannot be read throws MachineFileError naming it; a wrong member
+// is reported behind the file's name.
 State LoadState(const std::filesystem::path& file);
-void SaveState(const State& state, const std::filesystem::path& file);
 
 }  // namespace machine

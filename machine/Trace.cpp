@@ -1,10 +1,8 @@
 #include "machine/Trace.h"
 
 #include <algorithm>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <ostream>
-#include <stdexcept>
 
 namespace machine {
 namespace {
@@ -83,15 +81,11 @@ void Trace::WriteChromeTrace(std::ostream& out) const {
     out << "\n]}\n";
 }
 
-void Trace::WriteFile(const std::string& file) const {
-    std::ofstream out(file, std::ios::binary);
+void Trace::WriteFor(const std::string& file, std::ostream& out) const {
     if (file.ends_with(".trace.json")) {
         WriteChromeTrace(out);
     } else {
         WriteJsonLines(out);
-    }
-    if (!out.flush()) {
-        throw std::runtime_error("cannot write the trace to " + file);
     }
 }
 

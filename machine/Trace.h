@@ -42,9 +42,9 @@ public:
     void WriteJsonLines(std::ostream& out) const;
     // The format that chrome://tracing and Perfetto open.
     void WriteChromeTrace(std::ostream& out) const;
-    // Chooses by the name: ".trace.json" gives the Chrome format, anything else JSON lines. Throws
-    // std::runtime_error when the file cannot be written.
-    void WriteFile(const std::string& file) const;
+    // For a file of that name: ".trace.json" asks for the Chrome format, anything else for JSON
+    // lines.
+    void WriteFor(const std::string& file, std::ostream& out) const;
 
 private:
     std::vector<TraceEntry> entries_;

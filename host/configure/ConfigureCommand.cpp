@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "common/util/FileUtils.h"
 #include "host/ExitCode.h"
+#include "host/Files.h"
 #include "host/HostError.h"
 #include "host/Text.h"
 #include "host/configure/Json.h"
@@ -54,6 +56,18 @@ void CheckCombination(const ConfigureOptions& options) {
     }
 }
 
+/// A report must not end where the next run would read.
+void CheckFiles(const CommonOptions& common, const ConfigureOptions& options) {
+    const NamedFile configuration{"the configuration file", options.file};
+    const NamedFile machine{"the machine file", options.machineFile};
+    const NamedFile module{"the module", common.module};
+    RefuseToOverwrite(
+        {"--trace", options.traceFile},
+        {configuration, machine, module, {"what --save-machine writes", options.saveFile}});
+    // A machine file may become what its run makes of it.
+    RefuseToOverwrite({"--save-machine", options.saveFile}, {configuration, module});
+}
+
 machine::FaultPlan ReadFaults(const std::vector<std::string>& rules) {
     std::string joined;
     for (const std::string& rule : rules) {
@@ -67,12 +81,12 @@ machine::FaultPlan ReadFaults(const std::vector<std::string>& rules) {
 }
 
 /// Rules under which no call failed: misspelt counts, or calls that the run does not make.
-void NoteUnusedFaults(const Outcome& outcome, const std::vector<std::string>& rules,
-                      Output& output) {
-    for (std::size_t i = 0; i < rules.size(); ++i) {
-        if (!outcome.faults.HasFired(i)) {
-            output.Note("toolbox-host: --fail " + rules[i] + " made no call fail");
-            output.Document()["unusedFaults"].push_back(ToUtf8(rules[i]));
+void NoteUnusedFaults(const machine::FaultPlan& faults, Output& output) {
+    for (std::size_t i = 0; i < faults.Rules().size(); ++i) {
+        if (!faults.HasFired(i)) {
+            const std::string& rule = faults.Rules()[i].text;
+            output.Note("toolbox-host: --fail " + rule + " made no call fail");
+            output.Document()["unusedFaults"].push_back(ToUtf8(rule));
         }
     }
 }
@@ -127,6 +141,7 @@ int ExitCodeOf(const Outcome& outcome, const ConfigureOptions& options) {
 
 int Configure(const CommonOptions& common, const ConfigureOptions& options, Output& output) {
     CheckCombination(options);
+    CheckFiles(common, options);
     const Request request{common.module, options.file, options.untilDone,
                           ReadFaults(options.faults),
                           [&output](const std::string& text) { output.Progress(text); }};
@@ -144,7 +159,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     if (!options.saveFile.empty()) {
         const bool keep =
             options.withPasswords || (!options.machineFile.empty() &&
-                                      IsSameMachineFile(options.machineFile, options.saveFile));
+                                      util::IsSameFile(options.machineFile, options.saveFile));
         SaveMachine(outcome.machine, options.saveFile, keep);
         if (!keep && HasAccounts(outcome.machine)) {
             output.Note(options.saveFile +
@@ -162,7 +177,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
             }
         }
     }
-    NoteUnusedFaults(outcome, options.faults, output);
+    NoteUnusedFaults(outcome.faults, output);
     for (const std::string& violation : outcome.violations) {
         output.Error("the module broke a rule of the simulated machine: " + violation);
     }
@@ -175,12 +190,16 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
     CLI::App* const command = app.add_subcommand(
         "configure", "Run a configuration file against a machine, a simulated one unless told");
     const auto options = std::make_shared<ConfigureOptions>();
-    command->add_option("file", options->file, "The configuration file")->required();
+    command->add_option("file", options->file, "The configuration file")
+        ->required()
+        ->type_name("FILE")
+        ->check(NotEmpty());
     CLI::Option* const machine =
         command
             ->add_option("--machine", options->machineFile,
                          "A machine file to run against, else an embedded machine")
-            ->type_name("FILE");
+            ->type_name("FILE")
+            ->check(NotEmpty());
     command->add_flag("--this-machine", options->thisMachine, "Run against the real machine")
         ->excludes(machine);
     command->add_flag("--yes", options->yes, "Yes, change the real machine");
@@ -192,16 +211,18 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
         ->add_option("--fail", options->faults,
                      "Make calls fail: EnableStatic=84, RegOpenKeyExA#2=5, call:17 (repeatable)")
         ->type_name("SPEC")
-        ->delimiter(',')
+        ->check(NotEmpty())
         ->allow_extra_args(false);
     command
         ->add_option("--trace", options->traceFile,
                      "Write every platform call as JSON lines; as a timeline to *.trace.json")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(NotEmpty());
     CLI::Option* const save = command
                                   ->add_option("--save-machine", options->saveFile,
                                                "Write the machine as it is afterwards")
-                                  ->type_name("FILE");
+                                  ->type_name("FILE")
+                                  ->check(NotEmpty());
     command
         ->add_flag("--with-passwords", options->withPasswords,
                    "Save the passwords of the directory's accounts too")

@@ -1,11 +1,11 @@
 #include "host/configure/MachineFiles.h"
 
 #include <algorithm>
-#include <system_error>
+#include <sstream>
 #include <utility>
 
+#include "host/Files.h"
 #include "host/HostError.h"
-#include "host/configure/PrivateFolder.h"
 #include "machine/MachineFile.h"
 
 namespace host::configure {
@@ -44,10 +44,11 @@ void MaskAccount(machine::TraceEntry& entry) {
 }  // namespace
 
 machine::State LoadMachine(const std::string& file) {
+    const std::string text = ReadWholeFile(file);
     try {
-        return machine::LoadState(ToPath(file));
+        return machine::ParseState(text);
     } catch (const machine::MachineFileError& error) {
-        throw HostError(error.what(), kBadInput);
+        throw HostError(file + ": " + error.what(), kBadInput);
     }
 }
 
@@ -60,23 +61,16 @@ void SaveMachine(machine::State machine, const std::string& file, bool withPassw
             }
         }
     }
-    try {
-        machine::SaveState(machine, ToPath(file));
-    } catch (const machine::MachineFileError& error) {
-        throw HostError(error.what());
-    }
-}
-
-bool IsSameMachineFile(const std::string& left, const std::string& right) {
-    std::error_code noSuchFile;
-    return std::filesystem::equivalent(ToPath(left), ToPath(right), noSuchFile);
+    WriteWholeFile(file, machine::FormatState(machine));
 }
 
 void WriteTrace(machine::Trace trace, const std::string& file) {
     for (std::size_t i = 0; i < trace.Size(); ++i) {
         MaskAccount(trace.At(i));
     }
-    trace.WriteFile(file);
+    std::ostringstream text;
+    trace.WriteFor(file, text);
+    WriteWholeFile(file, text.str());
 }
 
 }  // namespace host::configure

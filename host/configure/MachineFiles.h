@@ -15,10 +15,6 @@ machine::State LoadMachine(const std::string& file);
 /// account then refuses every log-on.
 void SaveMachine(machine::State machine, const std::string& file, bool withPasswords);
 
-/// Whether both names mean one file: saving over the machine file that was loaded puts its
-/// passwords nowhere new.
-bool IsSameMachineFile(const std::string& left, const std::string& right);
-
 /// Writes the trace in the format that the name asks for. Account names stand enciphered in the
 /// configuration file, so they are masked like the passwords.
 void WriteTrace(machine::Trace trace, const std::string& file);

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <system_error>
+#include <vector>
 
 #include "common/util/FileUtils.h"
 #include "common/util/Strings.h"
@@ -12,16 +13,70 @@
 
 namespace host::configure {
 
-PrivateFolder::PrivateFolder() {
+namespace {
+
+constexpr const char* kStart = "toolbox-host-";
+
+/// With its separator at the end.
+std::string TemporaryFolder() {
     char folder[MAX_PATH + 1] = "";
     const DWORD length = GetTempPathA(sizeof folder, folder);
     if (length == 0 || length > MAX_PATH) {
         throw HostError("there is no temporary folder: " + DescribeSystemError(GetLastError()));
     }
+    return folder;
+}
+
+/// The folders of this program, this process's and others'.
+std::vector<std::string> FoldersIn(const std::string& parent, const std::string& start) {
+    std::vector<std::string> names;
+    WIN32_FIND_DATAA found{};
+    const HANDLE search = FindFirstFileA((parent + start + "*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        return names;
+    }
+    do {
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+            names.emplace_back(found.cFileName);
+        }
+    } while (FindNextFileA(search, &found) != 0);
+    FindClose(search);
+    return names;
+}
+
+void Remove(const std::string& folder) noexcept {
+    std::error_code ignored;
+    std::filesystem::remove_all(ToPath(folder), ignored);
+}
+
+/// The name of an object of the system that exists as long as the folder's process.
+std::string OwnerOf(const std::string& name) {
+    return "Global\\" + name;
+}
+
+bool HasOwner(const std::string& name) {
+    const lang::KernelHandle owner(OpenMutexA(SYNCHRONIZE, FALSE, OwnerOf(name).c_str()));
+    // Another user's process has one that cannot be opened.
+    return owner || GetLastError() != ERROR_FILE_NOT_FOUND;
+}
+
+}  // namespace
+
+PrivateFolder::PrivateFolder() {
+    const std::string parent = TemporaryFolder();
+    for (const std::string& name : FoldersIn(parent, kStart)) {
+        if (!HasOwner(name)) {
+            Remove(parent + name);
+        }
+    }
     // The process and a moving number: programs that run side by side get folders of their own.
     for (unsigned attempt = 0; attempt < 1000; ++attempt) {
-        path_ = util::Format("%stoolbox-host-%lu-%lx-%u", folder, GetCurrentProcessId(),
-                             static_cast<unsigned long>(GetTickCount64()), attempt);
+        const std::string name =
+            util::Format("%s%lu-%lx-%u", kStart, GetCurrentProcessId(),
+                         static_cast<unsigned long>(GetTickCount64()), attempt);
+        path_ = parent + name;
+        // Before the folder: a folder without an owner is anybody's to remove.
+        owner_.Reset(CreateMutexA(nullptr, FALSE, OwnerOf(name).c_str()));
         if (CreateDirectoryA(path_.c_str(), nullptr) != 0) {
             return;
         }
@@ -33,8 +88,20 @@ PrivateFolder::PrivateFolder() {
 }
 
 PrivateFolder::~PrivateFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(ToPath(path_), ignored);
+    Remove(path_);
+}
+
+void PrivateFolder::RemoveAll() noexcept {
+    try {
+        const std::string parent = TemporaryFolder();
+        for (const std::string& name :
+             FoldersIn(parent, util::Format("%s%lu-", kStart, GetCurrentProcessId()))) {
+            Remove(parent + name);
+        }
+    } catch (const std::exception&) {
+        // They stay: a later run removes them.
+        return;
+    }
 }
 
 std::string PrivateFolder::CopyOf(const std::string& file) const {
@@ -42,9 +109,7 @@ std::string PrivateFolder::CopyOf(const std::string& file) const {
     std::string copy = path_ + "\\" + name;
     if (CopyFileA(file.c_str(), copy.c_str(), TRUE) == 0) {
         const DWORD error = GetLastError();
-        throw HostError(
-            "cannot read the configuration file " + file + ": " + DescribeSystemError(error),
-            kBadInput);
+        throw HostError("cannot read " + file + ": " + DescribeSystemError(error), kBadInput);
     }
     // A read-only original must not make a copy that cannot be put away.
     SetFileAttributesA(copy.c_str(), FILE_ATTRIBUTE_NORMAL);

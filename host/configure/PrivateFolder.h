@@ -3,9 +3,12 @@
 #include <filesystem>
 #include <string>
 
+#include "common/lang/Handle.h"
+
 namespace host::configure {
 
-/// A new folder under the user's temporary folder, removed with all that is in it.
+/// A new folder under the user's temporary folder, removed with all that is in it. What a program
+/// that was ended from outside has left there is removed first.
 class PrivateFolder {
 public:
     /// Throws HostError when it cannot be made.
@@ -21,8 +24,13 @@ public:
     /// has, wherever it may be moved to. Throws HostError (bad input) when that fails.
     std::string CopyOf(const std::string& file) const;
 
+    /// Removes the folders that this process has now, as far as their files are not in use: for a
+    /// process that ends at once. May be called by any thread.
+    static void RemoveAll() noexcept;
+
 private:
     std::string path_;
+    lang::KernelHandle owner_;  // exists as long as the process does
 };
 
 /// The path of a text in the system code page: the library would take it for UTF-8.

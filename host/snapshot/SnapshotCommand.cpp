@@ -4,8 +4,8 @@
 #include <string>
 
 #include "host/ExitCode.h"
-#include "host/HostError.h"
-#include "host/configure/PrivateFolder.h"
+#include "host/Files.h"
+#include "host/Text.h"
 #include "host/snapshot/Snapshot.h"
 #include "machine/MachineFile.h"
 
@@ -25,13 +25,9 @@ int Take(const std::string& file, Output& output) {
         output.Raw(machine::FormatState(snapshot.state));
         return kDone;
     }
-    try {
-        machine::SaveState(snapshot.state, configure::ToPath(file));
-    } catch (const machine::MachineFileError& error) {
-        throw HostError(error.what());
-    }
+    WriteWholeFile(file, machine::FormatState(snapshot.state));
     output.Line("wrote " + file);
-    output.Document()["file"] = file;
+    output.Document()["file"] = ToUtf8(file);
     return kDone;
 }
 
@@ -42,7 +38,8 @@ void AddSnapshotCommand(CLI::App& app, Action& action) {
         "snapshot", "Write the machine that this program runs on as a machine file");
     const auto file = std::make_shared<std::string>();
     command->add_option("--output,-o", *file, "Where to write it, else standard output")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(NotEmpty());
     command->callback(
         [&action, file] { action = [file](Output& output) { return Take(*file, output); }; });
 }

@@ -166,12 +166,4 @@ State LoadState(const std::filesystem::path& file) {
     }
 }
 
-void SaveState(const State& state, const std::filesystem::path& file) {
-    std::ofstream out(file, std::ios::binary);
-    out << FormatState(state);
-    if (!out.flush()) {
-        throw MachineFileError(file.string() + ": cannot be written");
-    }
-}
-
 }  // namespace machine

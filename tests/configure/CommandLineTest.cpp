@@ -19,6 +19,7 @@ class CommandLine : public testing::Test {
 protected:
     Files files_;
     const std::string rename_ = files_.Write("rename.ini", "[Networking]\nComputerName=PC7\n");
+    const std::string full_ = (files_.Path() / rename_).string();
 };
 
 TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
@@ -39,10 +40,19 @@ TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
         {{rename_, "--with-passwords"}, 64, "--save-machine"},
         {{rename_, "--fail", "NoSuchCall=1"}, 64, "NoSuchCall"},
         {{rename_, "--fail", "call:x"}, 64, "call:x"},
-        {{rename_, "--machine", "missing.json"}, 65, "missing.json"},
+        {{rename_, "--fail", "Rename,,Get"}, 64, "must not be empty"},
+        {{rename_, "--fail", ""}, 64, "--fail: it is empty"},
+        {{rename_, "--machine", ""}, 64, "--machine: it is empty"},
+        {{rename_, "--trace", ""}, 64, "--trace: it is empty"},
+        {{rename_, "--save-machine", ""}, 64, "--save-machine: it is empty"},
+        {{rename_, "--plan", "--trace", "./RENAME.INI"}, 64, "overwrite the configuration file"},
+        {{rename_, "--save-machine", full_}, 64, "overwrite the configuration file"},
+        {{rename_, "--machine", badMachine, "--trace", badMachine}, 64, "overwrite the machine"},
+        {{rename_, "--save-machine", "x", "--trace", "./x"}, 64, "what --save-machine writes"},
+        {{rename_, "--machine", "missing.json"}, 65, "cannot read missing.json: "},
         {{rename_, "--machine", badMachine}, 65, "/computerName"},
-        {{"missing.ini"}, 65, "missing.ini"},
-        {{"missing.ini", "--this-machine", "--yes"}, 65, "missing.ini"},
+        {{"missing.ini"}, 65, "cannot read missing.ini: "},
+        {{"missing.ini", "--this-machine", "--yes"}, 65, "cannot read missing.ini: "},
     };
     for (const Case& tried : cases) {
         const Outcome outcome = Configure(tried.arguments);

@@ -56,6 +56,20 @@ TEST(Sandbox, TheFileStaysWhateverTheModuleDoesWithIt) {
     std::filesystem::remove(beside);
 }
 
+TEST(Sandbox, WhatAnEndedRunLeftGoesAndWhatAnotherUsesStays) {
+    const Files files;
+    const auto left = std::filesystem::temp_directory_path() / "toolbox-host-4-left";
+    const auto used = std::filesystem::temp_directory_path() / "toolbox-host-4-used";
+    std::filesystem::create_directories(left / "agent");
+    support::WriteFile(left / "copy.ini", "");
+    std::filesystem::create_directory(used);
+    const HANDLE owner = CreateMutexA(nullptr, FALSE, "Global\\toolbox-host-4-used");
+    Configure({files.Write("rename.ini", "[Networking]\nComputerName=PC7\n")});
+    EXPECT_FALSE(std::filesystem::exists(left));
+    EXPECT_TRUE(std::filesystem::remove(used));
+    CloseHandle(owner);
+}
+
 TEST(Sandbox, ARunHereTakesTheFileAsTheAgentWould) {
     // Nothing in the file concerns the machine, so that this one can be used.
     const Files files;

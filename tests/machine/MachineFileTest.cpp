@@ -52,15 +52,6 @@ TEST(MachineFile, WhatIsSavedLoadsUnchanged) {
     }
 }
 
-TEST(MachineFile, FilesCarryTheTextAndErrorsNameTheFile) {
-    const char* file = "saved-machine.json";
-    SaveState(RichState(), file);
-    EXPECT_EQ(LoadState(file), RichState());
-    EXPECT_EQ(std::remove(file), 0);
-    EXPECT_EQ(ErrorOf([&] { LoadState(file); }), "saved-machine.json: cannot be read");
-    EXPECT_THROW(SaveState(RichState(), "no-such-folder/saved-machine.json"), MachineFileError);
-}
-
 TEST(MachineFile, MissingMembersTakeSensibleValues) {
     const State state = ParseState(R"({"computerName": "PC1", "adapters": [
         {"index": 3, "dhcpEnabled": false, "dnsServers": ["192.0.2.1"]},
