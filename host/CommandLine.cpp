@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "host/ExitCode.h"
+#include "host/Files.h"
 #include "host/HostError.h"
 #include "host/MessageCommands.h"
 #include "host/Module.h"
 #include "host/Options.h"
 #include "host/Text.h"
 #include "host/check/CheckCommand.h"
+#include "host/check/KnownNames.h"
 #include "host/configure/ConfigureCommand.h"
 #include "host/snapshot/SnapshotCommand.h"
 
@@ -19,11 +21,63 @@ namespace host {
 
 namespace {
 
+std::string WithSuggestion(const std::string& text, const std::string& typed,
+                           const std::vector<std::string>& known) {
+    const std::string nearest = check::Nearest(typed, known);
+    return nearest.empty() ? text : text + "; did you mean \"" + nearest + "\"?";
+}
+
+std::vector<std::string> SubcommandsOf(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* const subcommand : app.get_subcommands({})) {
+        names.push_back(subcommand->get_name());
+    }
+    return names;
+}
+
+/// The long options that could have stood where one did: the program's and the chosen subcommand's.
+std::vector<std::string> OptionsOf(const CLI::App& app) {
+    std::vector<const CLI::App*> levels = {&app};
+    for (const CLI::App* const chosen : app.get_subcommands()) {
+        levels.push_back(chosen);
+    }
+    std::vector<std::string> names;
+    for (const CLI::App* const level : levels) {
+        for (const CLI::Option* const option : level->get_options()) {
+            for (const std::string& name : option->get_lnames()) {
+                names.push_back("--" + name);
+            }
+        }
+    }
+    return names;
+}
+
+/// A misspelt word comes before what else is wrong: it is often the reason.
 std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error) {
-    const std::vector<std::string> rest = app.remaining();
-    const bool unknownSubcommand =
-        app.get_subcommands().empty() && !rest.empty() && !rest.front().starts_with('-');
-    return unknownSubcommand ? "there is no subcommand \"" + rest.front() + "\"" : error.what();
+    const std::vector<std::string> rest = app.remaining(true);
+    for (const std::string& word : rest) {
+        if (word.starts_with("-") && word != "-") {
+            const std::string option = word.substr(0, word.find('='));
+            return WithSuggestion("there is no option \"" + option + "\"", option, OptionsOf(app));
+        }
+    }
+    return app.get_subcommands().empty() && !rest.empty()
+               ? WithSuggestion("there is no subcommand \"" + rest.front() + "\"", rest.front(),
+                                SubcommandsOf(app))
+               : error.what();
+}
+
+/// Whether JSON was asked for, whatever else is wrong with the arguments.
+bool AsksForJson(int argc, const char* const* argv) {
+    const std::vector<std::string> arguments(argv, argv + argc);
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--format=json" ||
+            (arguments[i] == "--format" && i + 1 < arguments.size() &&
+             arguments[i + 1] == "json")) {
+            return true;
+        }
+    }
+    return false;
 }
 
 int Perform(const Action& action, Output& output) {
@@ -55,7 +109,8 @@ int Run(int argc, const char* const* argv, std::ostream& data, std::ostream& not
     app.fallthrough();
     app.add_option("--module", options.module,
                    "The module's file, else config.dll beside this program")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(NotEmpty());
     app.add_option_function<std::string>(
            "--format",
            [&](const std::string& name) {
@@ -75,8 +130,10 @@ int Run(int argc, const char* const* argv, std::ostream& data, std::ostream& not
         data << ToUtf8(app.help());
         return kDone;
     } catch (const CLI::ParseError& error) {
-        notes << "toolbox-host: " << ToLine(WhatIsWrong(app, error)) << '\n'
-              << "Run \"toolbox-host --help\" for more.\n";
+        Output output(AsksForJson(argc, argv) ? Format::kJson : Format::kText, data, notes);
+        output.Error(WhatIsWrong(app, error));
+        output.Note("Run \"toolbox-host --help\" for more.");
+        output.Finish();
         return kWrongUsage;
     }
     Output output(options.format, data, notes);

@@ -7,6 +7,7 @@
 
 #include "common/util/Strings.h"
 #include "host/ExitCode.h"
+#include "host/HostError.h"
 #include "host/Message.h"
 #include "host/Module.h"
 #include "host/Text.h"
@@ -84,9 +85,16 @@ struct SendArguments {
     std::string kind;
     std::string name;
     std::vector<std::string> fields;
+    bool yes = false;
 };
 
 int Send(const CommonOptions& options, const SendArguments& arguments, Output& output) {
+    if (arguments.kind == kInternal && arguments.name == "Configure" && !arguments.yes) {
+        throw HostError(
+            "\"Internal Configure\" changes this machine and takes the file away: add --yes to do "
+            "that, or see \"configure FILE --this-machine --plan\" for what would change",
+            kWrongUsage);
+    }
     const Module module(options.module);
     Message message(arguments.kind, arguments.name);
     for (const std::string& field : arguments.fields) {
@@ -114,7 +122,7 @@ void AddMessageCommands(CLI::App& app, const CommonOptions& options, Action& act
         "update-info", "Ask the module which file it is and under which pattern it is updated");
     const auto count = std::make_shared<std::int32_t>(0);
     updateInfo->add_option("--count", *count, "Pairs that other modules have added before")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0, 2147483646, "0 to 2147483646"));
     updateInfo->callback([&options, &action, count] {
         action = [&options, count](Output& output) {
             return ReportUpdateInfo(options, *count, output);
@@ -129,6 +137,7 @@ void AddMessageCommands(CLI::App& app, const CommonOptions& options, Action& act
         ->required();
     send->add_option("fields", arguments->fields, "Fields of the message, each field=value")
         ->check(CheckField);
+    send->add_flag("--yes", arguments->yes, "Yes, let \"Internal Configure\" change this machine");
     send->callback([&options, &action, arguments] {
         action = [&options, arguments](Output& output) {
             return Send(options, *arguments, output);

@@ -101,7 +101,7 @@ TEST_F(Canary, OnThisMachine) {
     Run({"configure", "here.ini", "--this-machine", "--plan", "--log"});
     Run({"configure", "here.ini", "--this-machine", "--yes", "--log"});
     EXPECT_TRUE(std::filesystem::remove(host_tests::BesideProgram("here.ini")));
-    Run({"send", "Internal", "Configure", "Filename=here.ini"});
+    Run({"send", "Internal", "Configure", "--yes", "Filename=here.ini"});
     std::filesystem::remove(host_tests::BesideProgram("here.ini"));
     // A module that does decipher names the account in its log.
     Run({"--module", host_tests::BesideProgram("odd_module.dll"), "send",

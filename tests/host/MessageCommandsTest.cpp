@@ -34,14 +34,18 @@ Outcome SendOdd(const std::vector<std::string>& words) {
 TEST(MessageCommands, WrongUsageSaysWhatIsWrong) {
     const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{}, "subcommand is required"},
-        {{"sned"}, "no subcommand \"sned\""},
+        {{"sned"}, "no subcommand \"sned\"; did you mean \"send\"?"},
+        {{"configure", "--bogus"}, "there is no option \"--bogus\"\n"},
+        {{"configure", "x.ini", "--trase=t"}, "no option \"--trase\"; did you mean \"--trace\"?"},
         {{"version", "extra"}, "extra"},
         {{"--format", "xml", "version"}, "xml"},
         {{"version", "--module"}, "--module"},
-        {{"update-info", "--count", "2147483648"}, "--count"},
+        {{"version", "--module", ""}, "--module: it is empty"},
+        {{"update-info", "--count", "2147483648"}, "not in range 0 to 2147483646"},
         {{"send"}, "kind is required"},
         {{"send", "Internal"}, "name is required"},
         {{"send", "Internal", "Configure", "Filename"}, "\"Filename\" is not field=value"},
+        {{"send", "Internal", "Configure", "Filename=x.ini"}, "changes this machine"},
     };
     for (const auto& [arguments, words] : cases) {
         const Outcome outcome = RunHost(arguments);
@@ -49,6 +53,9 @@ TEST(MessageCommands, WrongUsageSaysWhatIsWrong) {
         EXPECT_THAT(outcome.data, IsEmpty());
         EXPECT_THAT(outcome.notes, AllOf(StartsWith("toolbox-host: "), HasSubstr(words)));
     }
+    const Outcome json = RunHost({"configure", "--format", "json", "--bogus"});
+    EXPECT_EQ(json.exitCode, 64U);
+    EXPECT_EQ(Parsed(json), Json::parse(R"({"error": "there is no option \"--bogus\""})"));
 }
 
 TEST(MessageCommands, VersionAndUpdateInfo) {
@@ -80,7 +87,8 @@ TEST(MessageCommands, TheExitCodeSaysHowTheMessageEnded) {
     for (const auto& [answer, exitCode] : answers) {
         EXPECT_EQ(SendOdd({"k", answer}).exitCode, exitCode) << answer;
     }
-    const Outcome missing = RunHost({"send", "Internal", "Configure", "Filename=100%n%s.ini"});
+    const Outcome missing =
+        RunHost({"send", "Internal", "Configure", "--yes", "Filename=100%n%s.ini"});
     EXPECT_EQ(missing.exitCode, 1U);
     EXPECT_THAT(missing.notes, HasSubstr("File 100%n%s.ini does not exist\n"));
     EXPECT_EQ(missing.data, "handler result: 0\n");
