@@ -43,7 +43,7 @@ Call::Call(Core& core, std::string_view object, std::string_view function, Argum
     entry.function = function;
     entry.arguments = std::move(arguments);
     if (failing == Failing::Possible) {
-        fault_ = core_.faults.OnCall(function);
+        fault_ = core_.faults.OnCall(function, entry.arguments);
         entry.faultPoint = core_.faults.CallsSeen();
         entry.injected = fault_.has_value();
     }

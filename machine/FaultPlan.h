@@ -1,24 +1,14 @@
-// Which platform calls of a simulated machine fail, and how.
-//
-// Text form: rules separated by commas.
-//   call:17             the 17th platform call that can fail, with that function's own failing code
-//   call:17=0x80070005  the same with a given code
-//   RegOpenKeyExA       every call of the function
-//   RegOpenKeyExA#2=5   its second call, with code 5
-//   Next#3+             the third and every later call; "call:17+" does the same for all functions
-//   EnableStatic=84     a WMI method: it is reached, changes nothing and gives this ReturnValue
-//   route=2             the route program exits with this code and changes nothing
-// A code is decimal or 0x hexadecimal. For functions that give an HRESULT, a code from 1 to 65535
-// stands for the HRESULT of that Windows error.
+// Which platform calls of a simulated machine fail, and how. docs/machine-files.md describes the
+// text form.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace machine {
@@ -28,55 +18,70 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// The arguments of a platform call by name, as the trace has them.
+using CallArguments = std::vector<std::pair<std::string, std::string>>;
+
+/// What one argument of a call must hold or be; letter case does not count.
+struct ArgumentCondition {
+    std::string argument;
+    std::string text;
+    bool isWhole = false;  // the argument is the text, instead of holding it
+
+    bool Holds(const CallArguments& arguments) const;
+};
+
 struct FaultRule {
-    std::string function;   // empty: any platform call
-    std::uint64_t nth = 0;  // 0: every call
+    std::string text;      // as it was written
+    std::string function;  // empty: any platform call
+    std::optional<ArgumentCondition> condition;
+    std::uint64_t nth = 0;  // among the calls that the rule is about; 0: every one
     bool stays = false;     // from the nth on, instead of the nth alone
     std::optional<std::uint32_t> code;
-    std::string text;  // as it was written; empty for a rule that never was
-
-    bool operator==(const FaultRule&) const = default;
 };
+
+/// The rules of a text, separated by commas outside brackets; none for blanks. Throws
+/// FaultPlanError saying which rule is wrong and why.
+std::vector<FaultRule> ParseFaultRules(std::string_view text);
 
 class FaultPlan {
 public:
     FaultPlan() = default;
-    explicit FaultPlan(std::vector<FaultRule> rules);
+    explicit FaultPlan(const std::vector<FaultRule>& rules);
 
-    // Throws FaultPlanError saying which rule is wrong and why.
-    static FaultPlan Parse(std::string_view text);
-    // The nth platform call that can fail fails with its function's own code: what a sweep asks
-    // for.
+    static FaultPlan Parse(std::string_view text) { return FaultPlan(ParseFaultRules(text)); }
+    /// The nth platform call that can fail fails with its function's own code: what a sweep asks
+    /// for.
     static FaultPlan FailCall(std::uint64_t nth, bool stays = false);
 
-    const std::vector<FaultRule>& Rules() const { return rules_; }
-    // How many calls were made to fail.
-    std::uint64_t Fired() const { return fired_; }
-    // Whether a call was made to fail by the rule at this place in Rules().
-    bool HasFired(std::size_t rule) const { return firings_[rule] != 0; }
-    // How many calls that can fail were made.
+    /// A rule and what it has met so far.
+    struct Entry {
+        FaultRule rule;
+        std::uint64_t calls = 0;  // that the rule is about
+        /// Those that it made fail, by their place among the calls that can fail
+        /// (TraceEntry::faultPoint).
+        std::vector<std::uint64_t> failed = {};
+    };
+    const std::vector<Entry>& Entries() const { return entries_; }
+    /// How many calls were made to fail.
+    std::uint64_t Fired() const;
+    /// How many calls that can fail were made.
     std::uint64_t CallsSeen() const { return callsSeen_; }
 
-    // Counts one platform call of the function and says whether it fails, and with which code.
-    std::optional<std::uint32_t> OnCall(std::string_view function);
-    // The same for what is not a platform call of its own: WMI methods and the route program.
-    std::optional<std::uint32_t> OnOutcome(std::string_view name);
+    /// Counts one platform call of the function and says whether it fails, and with which code.
+    std::optional<std::uint32_t> OnCall(std::string_view function, const CallArguments& arguments);
+    /// The same for what is not a platform call of its own: WMI methods and the route program. The
+    /// arguments are those of the platform call that it belongs to.
+    std::optional<std::uint32_t> OnOutcome(std::string_view name, const CallArguments& arguments);
 
 private:
-    std::uint64_t CountOf(std::string_view function);
+    std::optional<std::uint32_t> Meet(std::string_view name, const CallArguments& arguments,
+                                      bool isCall);
 
-    // The code with which the first rule that matches makes the call fail.
-    template <class Matching>
-    std::optional<std::uint32_t> Fire(std::string_view function, Matching matches);
-
-    std::vector<FaultRule> rules_;
-    std::vector<std::uint64_t> firings_;  // by rule
-    std::map<std::string, std::uint64_t, std::less<>> counts_;
+    std::vector<Entry> entries_;
     std::uint64_t callsSeen_ = 0;
-    std::uint64_t fired_ = 0;
 };
 
-// A name that a plan may use.
+/// A name that a rule may use.
 struct FaultPoint {
     enum class Kind { Result, Outcome };
     std::string_view name;
@@ -85,7 +90,9 @@ struct FaultPoint {
     bool hresult;  // the code is an HRESULT
 };
 
-// Every name, in alphabetical order.
+/// Every name, in alphabetical order.
 const std::vector<FaultPoint>& FaultPoints();
+/// Null when there is none; letter case does not count.
+const FaultPoint* FindFaultPoint(std::string_view name);
 
 }  // namespace machine

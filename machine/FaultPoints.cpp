@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "machine/FaultPlan.h"
+#include "machine/Text.h"
 
 namespace machine {
 namespace {
@@ -90,6 +91,13 @@ const std::vector<FaultPoint>& FaultPoints() {
         OutcomeOf("route", 1),
     });
     return points;
+}
+
+const FaultPoint* FindFaultPoint(std::string_view name) {
+    const auto& points = FaultPoints();
+    const auto found = std::ranges::find_if(
+        points, [name](const FaultPoint& point) { return EqualNoCase(point.name, name); });
+    return found == points.end() ? nullptr : &*found;
 }
 
 }  // namespace machine

@@ -22,6 +22,10 @@ std::string LowerCase(std::string_view text) {
     return lower;
 }
 
+bool ContainsNoCase(std::string_view text, std::string_view part) {
+    return LowerCase(text).find(LowerCase(part)) != std::string::npos;
+}
+
 std::string_view Trim(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
     if (first == std::string_view::npos) {

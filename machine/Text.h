@@ -10,6 +10,7 @@ namespace machine {
 
 // ASCII letters compare without regard to case, as Windows compares names.
 bool EqualNoCase(std::string_view left, std::string_view right);
+bool ContainsNoCase(std::string_view text, std::string_view part);
 std::string LowerCase(std::string_view text);
 // Without blanks and tabs at both ends.
 std::string_view Trim(std::string_view text);

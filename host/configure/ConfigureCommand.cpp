@@ -10,6 +10,7 @@
 #include "host/Files.h"
 #include "host/HostError.h"
 #include "host/Text.h"
+#include "host/configure/Faults.h"
 #include "host/configure/Json.h"
 #include "host/configure/MachineFiles.h"
 #include "host/configure/Passes.h"
@@ -68,29 +69,6 @@ void CheckFiles(const CommonOptions& common, const ConfigureOptions& options) {
     RefuseToOverwrite({"--save-machine", options.saveFile}, {configuration, module});
 }
 
-machine::FaultPlan ReadFaults(const std::vector<std::string>& rules) {
-    std::string joined;
-    for (const std::string& rule : rules) {
-        joined += (joined.empty() ? "" : ",") + rule;
-    }
-    try {
-        return machine::FaultPlan::Parse(joined);
-    } catch (const machine::FaultPlanError& error) {
-        throw HostError(std::string("--fail: ") + error.what(), kWrongUsage);
-    }
-}
-
-/// Rules under which no call failed: misspelt counts, or calls that the run does not make.
-void NoteUnusedFaults(const machine::FaultPlan& faults, Output& output) {
-    for (std::size_t i = 0; i < faults.Rules().size(); ++i) {
-        if (!faults.HasFired(i)) {
-            const std::string& rule = faults.Rules()[i].text;
-            output.Note("toolbox-host: --fail " + rule + " made no call fail");
-            output.Document()["unusedFaults"].push_back(ToUtf8(rule));
-        }
-    }
-}
-
 std::string MachineName(const ConfigureOptions& options) {
     return options.thisMachine           ? "this machine"
            : options.machineFile.empty() ? "the embedded machine"
@@ -143,7 +121,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     CheckCombination(options);
     CheckFiles(common, options);
     const Request request{common.module, options.file, options.untilDone,
-                          ReadFaults(options.faults),
+                          ParseFaults(options.faults),
                           [&output](const std::string& text) { output.Progress(text); }};
     Outcome outcome;
     if (options.thisMachine && !options.plan) {
@@ -177,7 +155,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
             }
         }
     }
-    NoteUnusedFaults(outcome.faults, output);
+    NoteIdleFaults(outcome, output);
     for (const std::string& violation : outcome.violations) {
         output.Error("the module broke a rule of the simulated machine: " + violation);
     }
@@ -209,7 +187,8 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
                       "Restart the simulated machine and go on as long as the module asks for it");
     command
         ->add_option("--fail", options->faults,
-                     "Make calls fail: EnableStatic=84, RegOpenKeyExA#2=5, call:17 (repeatable)")
+                     "Make calls fail: EnableStatic=84, RegOpenKeyExA#2=5, call:17, "
+                     "Next[query~Caption] (repeatable)")
         ->type_name("SPEC")
         ->check(NotEmpty())
         ->allow_extra_args(false);

@@ -69,7 +69,8 @@ BOOL StartRoute(Call& call, ProcessRequest request) {
         call.Unexpected("a UTF-16 environment for route");
         return call.Boolean(false, ERROR_INVALID_PARAMETER);
     }
-    RouteChild child(call->state, call->faults.OnOutcome("route"));
+    RouteChild child(call->state, call->faults.OnOutcome(
+                                      "route", {{"command line", OrEmpty(request.commandLine)}}));
     std::string environment = child.Environment(static_cast<const char*>(request.environment));
     request.application = program.c_str();
     request.environment = environment.data();

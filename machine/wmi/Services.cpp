@@ -44,16 +44,19 @@ constexpr HRESULT CodeOf(WBEMSTATUS status) {
 
 }  // namespace
 
-Enumerator::Enumerator(Core& core, std::string className, std::vector<Properties> rows,
-                       HRESULT failure)
+Enumerator::Enumerator(Core& core, std::string query, std::string className,
+                       std::vector<Properties> rows, HRESULT failure)
     : ComObject(core, "IEnumWbemClassObject"),
+      query_(std::move(query)),
       className_(std::move(className)),
       rows_(std::move(rows)),
       failure_(failure) {}
 
 HRESULT Enumerator::Next(LONG timeout, ULONG count, IWbemClassObject** objects, ULONG* returned) {
     Call call(Machine(), InterfaceName(), "Next",
-              {{"timeout", std::to_string(timeout)}, {"count", std::to_string(count)}});
+              {{"timeout", std::to_string(timeout)},
+               {"count", std::to_string(count)},
+               {"query", query_}});
     CheckUsable(call);
     if (objects == nullptr || returned == nullptr || count == 0) {
         call.Unexpected("Next needs room for at least one object");
@@ -156,7 +159,7 @@ HRESULT Services::ExecQuery(BSTR language, BSTR query, LONG flags, IWbemContext*
     call.AddArgument("rows", std::to_string(rows.size()));
     const Class* definition = FindClass(parsed.className);
     *enumerator = MakeComObject<Enumerator>(
-                      Machine(), definition == nullptr ? "" : std::string(definition->name),
+                      Machine(), text, definition == nullptr ? "" : std::string(definition->name),
                       std::move(rows), failure)
                       .HandOut(call);
     return call.Hresult(WBEM_S_NO_ERROR);
@@ -202,11 +205,13 @@ HRESULT Services::ExecMethod(BSTR path, BSTR method, LONG flags, IWbemContext* c
         }
         parameters = object->Values();
     }
-    call.AddArgument("in", DescribeParameters(parameters));
+    const std::string described = DescribeParameters(parameters);
+    call.AddArgument("in", described);
     if (const auto code = CheckTarget(Machine().state, *definition, *called, parsed); code != 0) {
         return call.Hresult(code);
     }
-    const auto forced = Machine().faults.OnOutcome(called->name);
+    const auto forced =
+        Machine().faults.OnOutcome(called->name, {{"path", pathText}, {"in", described}});
     const std::uint32_t returnValue =
         forced ? *forced : called->run({Machine().state, parsed.key}, parameters);
     call.AddArgument(forced ? "ReturnValue (injected)" : "ReturnValue",

@@ -16,8 +16,8 @@ namespace machine::wmi {
 class Enumerator : public ComObject<IEnumWbemClassObject, IID_IEnumWbemClassObject> {
 public:
     // `failure` is what a query that was wrong has to say for itself, at the first Next.
-    Enumerator(Core& core, std::string className, std::vector<cim::Properties> rows,
-               HRESULT failure);
+    Enumerator(Core& core, std::string query, std::string className,
+               std::vector<cim::Properties> rows, HRESULT failure);
 
     HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject** objects,
                                    ULONG* returned) override;
@@ -31,6 +31,7 @@ public:
 private:
     void Discard() override { rows_.clear(); }
 
+    std::string query_;
     std::string className_;
     std::vector<cim::Properties> rows_;
     std::size_t position_ = 0;

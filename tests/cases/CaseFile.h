@@ -9,7 +9,7 @@
 // agent's program, or "nowhere"), "atHome" (the text of a file of that name beside the program, or
 // null for a folder).
 //
-// Members of a pass, with what they default to: "faults" (none), "result" (1), "escaped" (""),
+// Members of a pass, with what they default to: "faults" (none; the rules of --fail), "result" (1), "escaped" (""),
 // "reply" ({}), "errors" thrown inside ([]), "actions" ([]), "log" (not looked at) without level 1
 // and the line that names the file, or "wholeLog", "changes" of the machine by JSON pointer ({}),
 // "file" ("put away"), "kept" resources that stay open on purpose ({}). With "afterRestart" the

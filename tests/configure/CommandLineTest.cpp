@@ -72,12 +72,23 @@ TEST_F(CommandLine, DataAndTheRestGoTheirOwnWays) {
     EXPECT_THAT(outcome.data + outcome.notes, AllOf(Not(HasSubstr("\x1b")), Not(HasSubstr("\r"))));
 }
 
-TEST_F(CommandLine, FaultsThatNothingMetAreNamed) {
-    const Arguments arguments = {rename_, "--fail", "Rename=5,MoveHere", "--fail", "call:9999"};
+TEST_F(CommandLine, FaultsWithoutEffectAreNamed) {
+    const Arguments arguments = {rename_,
+                                 "--fail",
+                                 "Rename[path~WORKSTATION1]=5,MoveHere",
+                                 "--fail",
+                                 "call:9999,CoSetProxyBlanket#1",
+                                 "--fail",
+                                 "Rename[in~Name=\"PC8\", UserName]=5"};
     EXPECT_EQ(Configure(arguments).notes,
               "toolbox-host: --fail MoveHere made no call fail\n"
-              "toolbox-host: --fail call:9999 made no call fail\n");
-    EXPECT_EQ(ConfigureJson(arguments, 1)["unusedFaults"], Json({"MoveHere", "call:9999"}));
+              "toolbox-host: --fail call:9999 made no call fail\n"
+              "toolbox-host: --fail CoSetProxyBlanket#1 made a call fail that the module passed "
+              "over\n"
+              "toolbox-host: --fail Rename[in~Name=\"PC8\", UserName]=5 made no call fail\n");
+    const Json document = ConfigureJson(arguments, 1);
+    EXPECT_EQ(document["unusedFaults"].size(), 3U);
+    EXPECT_EQ(document["passedOverFaults"], Json({"CoSetProxyBlanket#1"}));
 }
 
 TEST_F(CommandLine, TheTraceComesInTwoFormats) {

@@ -11,8 +11,12 @@ TEST(FaultPlan, SaysWhatIsWrongWithItsText) {
     constexpr const char* unknown = "no platform call, WMI method or program of this name can fail";
     constexpr const char* form = "write call:N for any call and FUNCTION#N for one function";
     constexpr const char* count =
-        "the count must be a whole number from 1, with an optional + behind it";
-    constexpr const char* code = "the code behind \"=\" must be a decimal or 0x number of 32 bits";
+        "the count must be a whole number from 1, with an optional + after it";
+    constexpr const char* code = "the code after \"=\" must be a decimal or 0x number of 32 bits";
+    constexpr const char* condition =
+        "write [ARGUMENT~TEXT] for an argument that holds the text, [ARGUMENT=TEXT] for one that "
+        "is "
+        "it";
     const std::pair<std::string, const char*> cases[] = {
         {"RegOpenKey", unknown},
         {"CoUninitialize", unknown},
@@ -22,6 +26,11 @@ TEST(FaultPlan, SaysWhatIsWrongWithItsText) {
         {"Next#-1", count},
         {"Next=0x123456789", code},
         {"call:1=0", "0 is no failing code"},
+        {"Next[query]", condition},
+        {"Next[~Caption]", condition},
+        {"Next[query~Caption", condition},
+        {"", "a rule must not be empty"},
+        {"Next[query~Caption]2", "only #N and =CODE may follow the brackets"},
     };
     for (const auto& [text, message] : cases) {
         SCOPED_TRACE(text);
@@ -37,7 +46,7 @@ TEST(FaultPlan, SaysWhatIsWrongWithItsText) {
 TEST(FaultPlan, HitsTheCallsThatItsRulesCount) {
     struct Case {
         const char* plan;
-        std::vector<std::uint32_t> codes;  // of Next, Get, Next, Get, Next; 0: no fault
+        std::vector<std::uint32_t> codes;  // of Next a, Get a, Next b, Get b, Next ab; 0: no fault
     };
     const Case cases[] = {
         {"  ", {0, 0, 0, 0, 0}},
@@ -45,23 +54,29 @@ TEST(FaultPlan, HitsTheCallsThatItsRulesCount) {
         {" next#2+ = 5 ,route=2", {0, 0, 0x80070005, 0, 0x80070005}},
         {"Get=0x80041002", {0, 0x80041002, 0, 0x80041002, 0}},
         {"call:1=1,Next=2", {0x80070001, 0, 0x80070002, 0, 0x80070002}},
+        {"Next[of~A]#2=7", {0, 0, 0, 0, 0x80070007}},
+        {"Next[OF=a]=7,Get[of=ab]", {0x80070007, 0, 0, 0, 0}},
+        {"call[of~b]:2+=7", {0, 0, 0, 0x80070007, 0x80070007}},
+        {"Next[of~a,b],Next[to~a],Get[of=]=7", {0, 0, 0, 0, 0}},
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(one.plan);
         FaultPlan plan = FaultPlan::Parse(one.plan);
         std::vector<std::uint32_t> codes;
-        for (const char* function : {"Next", "Get", "Next", "Get", "Next"}) {
-            codes.push_back(plan.OnCall(function).value_or(0));
-            EXPECT_EQ(plan.OnOutcome("EnableStatic"), std::nullopt);  // counts as no call
+        for (const auto& [function, argument] :
+             {std::pair("Next", "a"), std::pair("Get", "a"), std::pair("Next", "b"),
+              std::pair("Get", "b"), std::pair("Next", "ab")}) {
+            codes.push_back(plan.OnCall(function, {{"of", argument}}).value_or(0));
+            EXPECT_EQ(plan.OnOutcome("EnableStatic", {}), std::nullopt);  // counts as no call
         }
         EXPECT_EQ(codes, one.codes);
         EXPECT_EQ(plan.CallsSeen(), 5U);
         EXPECT_EQ(plan.Fired(), 5 - static_cast<std::uint64_t>(std::ranges::count(codes, 0U)));
     }
     FaultPlan plan = FaultPlan::Parse("EnableStatic#2=84,SetGateways=0");
-    EXPECT_EQ(plan.OnOutcome("SetGateways"), 0U);
-    EXPECT_EQ(plan.OnOutcome("EnableStatic"), std::nullopt);
-    EXPECT_EQ(plan.OnOutcome("EnableStatic"), 84U);
+    EXPECT_EQ(plan.OnOutcome("SetGateways", {}), 0U);
+    EXPECT_EQ(plan.OnOutcome("EnableStatic", {}), std::nullopt);
+    EXPECT_EQ(plan.OnOutcome("EnableStatic", {}), 84U);
 }
 
 }  // namespace

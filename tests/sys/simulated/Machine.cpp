@@ -22,6 +22,7 @@ bool IsTheMachines(std::string_view function, std::string_view argument) {
         {"GetComputerObjectNameA", "name"},
         {"GetExitCodeProcess", "code"},
         {"GetMethod", "class"},
+        {"Next", "query"},  // asked with it
         {"PeekNamedPipe", "available"},
         {"SpawnInstance", "class"},
     };
