@@ -17,7 +17,7 @@ using Value = std::variant<std::monostate, bool, std::int32_t, std::string, Text
 enum class Type { Boolean, UInt16, UInt32, SInt32, Text, Texts, UInt16s };
 
 struct Property {
-    std::string name;
+    std::string_view name;  // of a table that lives on
     Type type;
     Value value = {};
 };

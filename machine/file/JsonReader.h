@@ -84,7 +84,7 @@ public:
 
     // Reads the member when it is there; otherwise the target keeps what it holds.
     template <typename Target>
-    bool Take(const std::string& name, Target& target) {
+    bool Optional(const std::string& name, Target& target) {
         known_.insert(name);
         if (!Has(name)) {
             return false;
@@ -94,8 +94,8 @@ public:
     }
 
     template <typename Target>
-    void Require(const std::string& name, Target& target) {
-        if (!Take(name, target)) {
+    void Required(const std::string& name, Target& target) {
+        if (!Optional(name, target)) {
             node_.Reject("the member \"" + name + "\" is missing");
         }
     }

@@ -3,104 +3,65 @@
 
 #include "machine/CodePage.h"
 #include "machine/MachineFile.h"
-#include "machine/Text.h"
 #include "machine/file/JsonReader.h"
+#include "machine/file/Layout.h"
 #include "machine/file/RegistryFile.h"
 #include "machine/model/Address.h"
 
 namespace machine::file {
-namespace {
 
-void ReadAddress(Members& members, const Node& node, const std::string& name,
-                 std::string& address) {
-    members.Require(name, address);
+template <typename Object>
+void Read(const Node& node, Object& object) {
+    Members members(node);
+    ListMembers(members, object);
+    members.Finish();
+    Check(node, object);
+}
+
+/// What the members of an object must agree on, or default to.
+template <typename Object>
+void Check(const Node& /*node*/, Object& /*object*/) {}
+
+void ExpectAddress(const Node& node, const std::string& address) {
     if (!model::ParseAddress(address)) {
-        node.Member(name).Refuse("an IPv4 address");
+        node.Refuse("an IPv4 address");
     }
 }
 
-}  // namespace
-
-void Read(const Node& node, DhcpLease& lease) {
-    Members members(node);
-    members.Take("ipAddress", lease.ipAddress);
-    members.Take("ipSubnet", lease.ipSubnet);
-    members.Take("gateways", lease.gateways);
-    members.Take("dnsServers", lease.dnsServers);
-    members.Take("dnsDomain", lease.dnsDomain);
-    members.Finish();
-}
-
-void Read(const Node& node, Adapter& adapter) {
-    Members members(node);
-    members.Require("index", adapter.index);
-    members.Take("connectionName", adapter.connectionName);
-    members.Take("settingId", adapter.settingId);
-    members.Take("pnpDeviceId", adapter.pnpDeviceId);
-    members.Take("pciLocation", adapter.pciLocation);
-    members.Take("caption", adapter.caption);
-    members.Take("manufacturer", adapter.manufacturer);
-    members.Take("adapterType", adapter.adapterType);
-    members.Take("macAddress", adapter.macAddress);
-    members.Take("ipEnabled", adapter.ipEnabled);
-    members.Take("dhcpEnabled", adapter.dhcpEnabled);
-    members.Take("ipAddress", adapter.ipAddress);
-    members.Take("ipSubnet", adapter.ipSubnet);
-    members.Take("gateways", adapter.gateways);
-    members.Take("dnsServers", adapter.dnsServers);
-    members.Take("dnsDomain", adapter.dnsDomain);
-    members.Take("dnsHostName", adapter.dnsHostName);
-    members.Take("dhcpLease", adapter.dhcpLease);
+void Check(const Node& node, Adapter& adapter) {
     // Servers of an adapter without DHCP were set by hand.
-    if (!members.Take("staticDns", adapter.staticDns) && adapter.dhcpEnabled == false) {
+    if (!node.Value().contains("staticDns") && adapter.dhcpEnabled == false) {
         adapter.staticDns = adapter.dnsServers.value_or(TextList());
     }
-    members.Finish();
 }
 
-void Read(const Node& node, PersistedRoute& route) {
-    Members members(node);
-    ReadAddress(members, node, "destination", route.destination);
-    ReadAddress(members, node, "mask", route.mask);
-    ReadAddress(members, node, "nextHop", route.nextHop);
-    members.Take("metric", route.metric);
-    members.Finish();
+void Check(const Node& node, PersistedRoute& route) {
+    ExpectAddress(node.Member("destination"), route.destination);
+    ExpectAddress(node.Member("mask"), route.mask);
+    ExpectAddress(node.Member("nextHop"), route.nextHop);
 }
 
-void Read(const Node& node, Account& account) {
-    Members members(node);
-    members.Require("name", account.name);
-    members.Require("password", account.password);
-    members.Take("mayJoin", account.mayJoin);
-    members.Take("mayMove", account.mayMove);
-    members.Finish();
-}
-
-void Read(const Node& node, OrganizationalUnit& unit) {
-    Members members(node);
-    members.Require("name", unit.name);
-    members.Take("computers", unit.computers);
-    members.Take("units", unit.units);
-    members.Finish();
-}
-
-void Read(const Node& node, Domain& domain) {
-    Members members(node);
-    members.Require("dnsName", domain.dnsName);
-    members.Require("flatName", domain.flatName);
-    members.Take("reachable", domain.reachable);
-    members.Take("accounts", domain.accounts);
-    members.Take("computers", domain.computers);
-    members.Take("units", domain.units);
-    members.Finish();
+void Check(const Node& node, State& state) {
+    if (!node.Value().contains("hostName")) {
+        state.hostName = state.computerName;
+    }
+    for (std::size_t i = 0; i < state.adapters.size(); ++i) {
+        const std::uint32_t index = state.adapters[i].index;
+        if (FindAdapter(state, index) != &state.adapters[i]) {
+            node.Member("adapters")
+                .Element(i)
+                .Member("index")
+                .Reject("another adapter has the index " + std::to_string(index));
+        }
+    }
 }
 
 void Read(const Node& node, Membership& membership) {
     Members members(node);
     membership = {};
-    const bool hasWorkgroup = members.Take("workgroup", membership.workgroup);
-    const bool hasDomain = members.Take("domain", membership.domain);
-    const bool hasDnsDomain = members.Take("dnsDomain", membership.dnsDomain);
+    const bool hasWorkgroup = members.Optional("workgroup", membership.workgroup);
+    const bool hasDomain = members.Optional("domain", membership.domain);
+    const bool hasDnsDomain = members.Optional("dnsDomain", membership.dnsDomain);
     members.Finish();
     if (hasDomain != hasDnsDomain || hasDomain == hasWorkgroup) {
         node.Reject(
@@ -120,9 +81,7 @@ void Read(const Node& node, std::vector<HostName>& hosts) {
         const Node list = node.Member(name);
         Read(list, host.addresses);
         for (std::size_t i = 0; i < host.addresses.size(); ++i) {
-            if (!model::ParseAddress(host.addresses[i])) {
-                list.Element(i).Refuse("an IPv4 address");
-            }
+            ExpectAddress(list.Element(i), host.addresses[i]);
         }
         hosts.push_back(std::move(host));
     }
@@ -141,43 +100,6 @@ void Read(const Node& node, CryptoLibrary& library) {
     }
 }
 
-void Read(const Node& node, OperatingSystem& system) {
-    Members members(node);
-    members.Take("libCrypto", system.libCrypto);
-    members.Take("comSecuritySet", system.comSecuritySet);
-    members.Take("adapterChangesNeedRestart", system.adapterChangesNeedRestart);
-    members.Finish();
-}
-
-void Read(const Node& node, State& state) {
-    Members members(node);
-    members.Require("computerName", state.computerName);
-    members.Take("pendingComputerName", state.pendingComputerName);
-    if (!members.Take("hostName", state.hostName)) {
-        state.hostName = state.computerName;
-    }
-    members.Take("membership", state.membership);
-    members.Take("pendingMembership", state.pendingMembership);
-    members.Take("dnsSuffixes", state.dnsSuffixes);
-    members.Take("adapters", state.adapters);
-    members.Take("routes", state.routes);
-    members.Take("registry", state.registry);
-    members.Take("domains", state.domains);
-    members.Take("hosts", state.hosts);
-    members.Take("system", state.system);
-    members.Finish();
-    for (std::size_t i = 0; i < state.adapters.size(); ++i) {
-        const std::uint32_t index = state.adapters[i].index;
-        if (std::ranges::count(state.adapters, index, &Adapter::index) != 1 &&
-            FindAdapter(state, index) != &state.adapters[i]) {
-            node.Member("adapters")
-                .Element(i)
-                .Member("index")
-                .Reject("another adapter has the index " + std::to_string(index));
-        }
-    }
-}
-
 }  // namespace machine::file
 
 namespace machine {
@@ -185,7 +107,7 @@ namespace machine {
 State ParseState(std::string_view json) {
     const file::Json parsed = file::ParseJson(json);
     State state;
-    file::Read(file::Node(parsed, ""), state);
+    Read(file::Node(parsed, ""), state);
     return state;
 }
 

@@ -33,7 +33,8 @@ std::string DescribeParameters(const Properties& parameters) {
     std::string text;
     for (const Property& property : parameters) {
         text += text.empty() ? "" : ", ";
-        text += property.name + "=" + (IsSecret(property.name) ? "***" : Describe(property.value));
+        text += std::string(property.name) + "=" +
+                (IsSecret(property.name) ? "***" : Describe(property.value));
     }
     return text;
 }
