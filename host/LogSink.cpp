@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "common/logging/Phrases.h"
 #include "common/util/Strings.h"
 
 namespace host {
@@ -19,7 +20,7 @@ void LogSink::Log(std::uint32_t level, const char* format, ...) {
 }
 
 void HideAccount(std::string& text) {
-    constexpr std::string_view opening = "{User=";
+    constexpr std::string_view opening = logging::kAccount;
     const std::size_t start = text.find(opening);
     const std::size_t end = text.rfind('}');
     if (start != std::string::npos && end != std::string::npos && end > start + opening.size()) {

@@ -26,8 +26,8 @@ namespace {
 
 using command::ExactCast;
 
-ConfigError RuleError(const char* message, std::int32_t line, std::int32_t code) {
-    return {"common\\config\\BuilderRule", message, line, code};
+ConfigError RuleError(const char* message, std::int32_t line, ErrorKind kind) {
+    return {"common\\config\\BuilderRule", message, line, kind};
 }
 
 std::uint32_t ParseNumber(const std::string& value) {
@@ -88,14 +88,15 @@ void DefaultRule::HandleEvent(std::uint32_t kind, const std::string& value) {
         case Event::IGNORED:
             break;
         default:
-            throw RuleError("Invalid config event being handled by Default scope", 203, 1);
+            throw RuleError("Invalid config event being handled by Default scope", 203,
+                            ErrorKind::kUnexpectedEvent);
     }
 }
 
 NicRule::NicRule(ConfigBuilder& builder)
     : BuilderRule(builder), target_(dynamic_cast<command::ConfigureNic*>(builder.LastCommand())) {
     if (target_ == nullptr) {
-        throw RuleError("Configure commands are corrupted", 216, 0);
+        throw RuleError("Configure commands are corrupted", 216, ErrorKind::kUnspecified);
     }
 }
 
@@ -121,7 +122,7 @@ void NicRule::HandleEvent(std::uint32_t kind, const std::string& value) {
         case Event::GATEWAY:
             if (mode_ != Mode::kStatic) {
                 throw RuleError("Attempting to configure a DHCP nic with static information", 222,
-                                1);
+                                ErrorKind::kUnexpectedEvent);
             }
             AddToLast<command::SetGateway>(*target_, value);
             break;
@@ -134,7 +135,8 @@ void NicRule::HandleEvent(std::uint32_t kind, const std::string& value) {
             }
             break;
         default:
-            throw RuleError("Invalid config event being handled by NIC scope", 312, 1);
+            throw RuleError("Invalid config event being handled by NIC scope", 312,
+                            ErrorKind::kUnexpectedEvent);
     }
 }
 
@@ -147,7 +149,8 @@ IpInterfaceRule::IpInterfaceRule(ConfigBuilder& builder) : BuilderRule(builder) 
 void IpInterfaceRule::HandleEvent(std::uint32_t kind, const std::string& value) {
     if (target_ == nullptr) {
         throw RuleError(
-            "IpInterface being called without a previous event to set the NIC as static", 347, 0);
+            "IpInterface being called without a previous event to set the NIC as static", 347,
+            ErrorKind::kUnspecified);
     }
     switch (kind) {
         case Event::IP_ADDRESS:
@@ -157,7 +160,8 @@ void IpInterfaceRule::HandleEvent(std::uint32_t kind, const std::string& value) 
             target_->AddMask(value);
             break;
         default:
-            throw RuleError("Invalid config event being handled by IpInterface scope", 361, 1);
+            throw RuleError("Invalid config event being handled by IpInterface scope", 361,
+                            ErrorKind::kUnexpectedEvent);
     }
 }
 
@@ -173,7 +177,8 @@ StaticRouteRule::StaticRouteRule(ConfigBuilder& builder)
 void StaticRouteRule::HandleEvent(std::uint32_t kind, const std::string& value) {
     if (target_ == nullptr) {
         throw RuleError(
-            "StaticRoute event being called without a static route command in the queue", 413, 0);
+            "StaticRoute event being called without a static route command in the queue", 413,
+            ErrorKind::kUnspecified);
     }
     hasValues_ = true;
     switch (kind) {
@@ -195,7 +200,8 @@ void StaticRouteRule::HandleEvent(std::uint32_t kind, const std::string& value) 
             break;
         default:
             // Borrowed from the IP interface scope: operators know this line for both.
-            throw RuleError("Invalid config event being handled by IpInterface scope", 444, 1);
+            throw RuleError("Invalid config event being handled by IpInterface scope", 444,
+                            ErrorKind::kUnexpectedEvent);
     }
 }
 

@@ -7,6 +7,7 @@
 #include "common/config/command/ConfigureNic.h"
 #include "common/config/command/Reboot.h"
 #include "common/err/GeneralError.h"
+#include "common/logging/Phrases.h"
 #include "common/util/Strings.h"
 
 namespace config {
@@ -45,7 +46,8 @@ void ConfigBuilder::ConfigEvent(std::uint32_t kind, std::uint32_t type, std::str
     } else if (type == Event::END) {
         CloseScope();
     } else if (rules_.empty()) {
-        throw ConfigError(kSource, "Event::VALUE called with no matching Event::BEGIN", 97, 1);
+        throw ConfigError(kSource, "Event::VALUE called with no matching Event::BEGIN", 97,
+                          ErrorKind::kUnexpectedEvent);
     } else {
         rules_.back()->HandleEvent(kind, value);
     }
@@ -58,7 +60,8 @@ void ConfigBuilder::OpenScope() {
 
 void ConfigBuilder::CloseScope() {
     if (rules_.empty()) {
-        throw ConfigError(kSource, "Event::END scope called with no matching Event::BEGIN", 86, 1);
+        throw ConfigError(kSource, "Event::END scope called with no matching Event::BEGIN", 86,
+                          ErrorKind::kUnexpectedEvent);
     }
     // The END's kind is not looked at: it closes what is on top, the DefaultRule included.
     const std::unique_ptr<BuilderRule> rule = std::move(rules_.back());
@@ -80,7 +83,7 @@ bool ConfigBuilder::RunConfig(bool& reboot) {
             reboot = true;
             return false;
         }
-        command::LogExecution(log_, "ConfigBuilder::RunConfig()", *command);
+        command::LogExecution(log_, logging::kRunsCommand, *command);
         command->Execute();
     }
     reboot = false;

@@ -51,15 +51,27 @@ public:
 
 namespace config {
 
-/// A failure while reading the configuration or building and running its commands. `Code()` is the
-/// kind of failure; `Value()` carries what a called method or program returned, 0 where nothing was
-/// called.
+/// What went wrong with a configuration. Agents see the number as "Status-Code".
+enum class ErrorKind : std::int32_t {
+    kUnspecified = 0,      ///< the message alone tells: a section is left without adapter, for one
+    kUnexpectedEvent = 1,  ///< a setting that makes no sense where it stands
+    kEmptyList = 2,        ///< no addresses, or no masks, to set
+    kMethodFailed = 4,
+    kProgramFailed = 5,
+    kCountOutOfRange = 87,
+};
+
+/// A failure while reading the configuration or building and running its commands. `Code()` is its
+/// kind as a number; `Value()` carries what a called method or program returned, 0 where nothing
+/// was called.
 class ConfigError : public err::CGeneralError {
 public:
     constexpr ConfigError(const char* sourceFile, const char* message, std::int32_t line,
-                          std::int32_t code, std::int32_t value = 0) noexcept
-        : CGeneralError(sourceFile, message, line, code), value_(value) {}
+                          ErrorKind kind, std::int32_t value = 0) noexcept
+        : CGeneralError(sourceFile, message, line, static_cast<std::int32_t>(kind)),
+          value_(value) {}
 
+    constexpr ErrorKind Kind() const noexcept { return static_cast<ErrorKind>(Code()); }
     constexpr std::int32_t Value() const noexcept { return value_; }
 
 private:

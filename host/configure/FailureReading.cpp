@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/err/GeneralError.h"
+#include "common/logging/Phrases.h"
 #include "common/util/Strings.h"
 #include "host/configure/Codes.h"
 
@@ -12,11 +14,7 @@ namespace host::configure {
 
 namespace {
 
-// Codes of config::ConfigError.
-constexpr std::int32_t kEmptyList = 2;
-constexpr std::int32_t kMethodFailed = 4;
-constexpr std::int32_t kProgramFailed = 5;
-constexpr std::int32_t kOutOfRange = 87;
+using config::ErrorKind;
 
 // Winsock's codes for a name that does not resolve.
 constexpr std::int32_t kHostNotFound = 11001;
@@ -45,7 +43,8 @@ bool Mentions(const std::string& result, std::uint32_t code) {
 
 /// The platform calls until the module caught an error.
 std::span<const machine::TraceEntry> CallsUntilCaught(const Run& run) {
-    const std::size_t caught = FindLine(run, "Configure::HandleMessage(): caught ");
+    const std::size_t caught = std::min(FindLine(run, logging::kCaughtConfigError),
+                                        FindLine(run, logging::kCaughtOtherError));
     const std::size_t end = caught < run.log.size() ? run.log[caught].calls : run.calls.size();
     return std::span(run.calls).first(std::min(end, run.calls.size()));
 }
@@ -87,10 +86,11 @@ std::string DescribeStatus(std::int32_t status) {
                        : DescribeCode(static_cast<std::uint32_t>(status));
 }
 
-std::string DescribeRefusal(std::int32_t code) {
-    return code == kOutOfRange ? "a count in the file is out of range"
-                               : "settings of the file do not fit together, or a section is not "
-                                 "complete; \"check\" says which";
+std::string DescribeRefusal(ErrorKind kind) {
+    return kind == ErrorKind::kCountOutOfRange
+               ? "a count in the file is out of range"
+               : "settings of the file do not fit together, or a section is not "
+                 "complete; \"check\" says which";
 }
 
 /// The outcome of the step's last call, told by its code.
@@ -108,19 +108,19 @@ void DescribeCall(const ChangingCall& call, Failure& failure) {
     }
 }
 
-void ReadConfigError(std::vector<Step>& steps, std::int32_t status, Failure& failure) {
+void ReadConfigError(std::vector<Step>& steps, ErrorKind kind, Failure& failure) {
     Step& step = steps.back();
     step.failed = true;
     failure.step = steps.size() - 1;
-    const bool called = status == kMethodFailed || status == kProgramFailed;
+    const bool called = kind == ErrorKind::kMethodFailed || kind == ErrorKind::kProgramFailed;
     if (called && !step.calls.empty()) {
         DescribeCall(step.calls.back(), failure);
     } else if (called) {
-        failure.text = status == kMethodFailed ? "the method did not succeed"
-                                               : "the route program did not succeed";
+        failure.text = kind == ErrorKind::kMethodFailed ? "the method did not succeed"
+                                                        : "the route program did not succeed";
     } else if (step.command == "ConfigureNic") {
         failure.text = "the machine has no PCI adapter left for this section";
-    } else if (status == kEmptyList) {
+    } else if (kind == ErrorKind::kEmptyList) {
         failure.text = "the list of addresses or masks is empty";
     } else {
         failure.text = "the module gives no reason";
@@ -145,7 +145,7 @@ void ReadSystemError(const Run& run, std::vector<Step>& steps, Failure& failure)
 
 /// DoMagic's words for an error that left the handler.
 std::string UnhandledError(const Run& run) {
-    const std::size_t line = FindLine(run, "Exception Details: ");
+    const std::size_t line = FindLine(run, logging::kUnhandledError);
     if (line == run.log.size()) {
         return {};
     }
@@ -158,9 +158,9 @@ std::string UnhandledError(const Run& run) {
 
 Failure ReadFailure(const Run& run, std::vector<Step>& steps) {
     Failure failure;
-    failure.stage = !steps.empty()                               ? Stage::kRunning
-                    : Logged(run, "about to call Analyze() and") ? Stage::kAnalysing
-                                                                 : Stage::kReading;
+    failure.stage = !steps.empty()                          ? Stage::kRunning
+                    : Logged(run, logging::kAboutToAnalyze) ? Stage::kAnalysing
+                                                            : Stage::kReading;
     if (run.Reply("Result") != "Failure") {
         const std::string unhandled = UnhandledError(run);
         failure.stage = run.Reply("Result").empty() ? failure.stage : Stage::kPuttingAway;
@@ -170,9 +170,10 @@ Failure ReadFailure(const Run& run, std::vector<Step>& steps) {
         return failure;
     }
     const std::int32_t status = util::StringToInt(run.Reply("Status-Code"));
+    const auto kind = static_cast<ErrorKind>(status);  // where it is a configuration error
     failure.status = status;
     failure.code = status;
-    const bool ofConfiguration = Logged(run, "caught win32 error");
+    const bool ofConfiguration = Logged(run, logging::kCaughtConfigError);
     if (!ofConfiguration && WasPuttingAway(run)) {
         failure.stage = Stage::kPuttingAway;
         failure.text = DescribeStatus(status);
@@ -181,13 +182,13 @@ Failure ReadFailure(const Run& run, std::vector<Step>& steps) {
     }
     if (failure.stage == Stage::kRunning) {
         if (ofConfiguration) {
-            ReadConfigError(steps, status, failure);
+            ReadConfigError(steps, kind, failure);
         } else {
             ReadSystemError(run, steps, failure);
         }
         return failure;
     }
-    failure.text = ofConfiguration ? DescribeRefusal(status) : DescribeStatus(status);
+    failure.text = ofConfiguration ? DescribeRefusal(kind) : DescribeStatus(status);
     failure.call = ofConfiguration ? "" : FindCause(run, static_cast<std::uint32_t>(status));
     failure.configurationRefused =
         failure.stage == Stage::kReading &&

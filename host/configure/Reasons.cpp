@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/logging/Phrases.h"
 #include "common/util/Strings.h"
 #include "host/configure/Values.h"
 
@@ -88,7 +89,7 @@ std::string WhyNoWish(const Row& row, const Run& run, const Story& story, const 
             if (!util::NoCaseEqual(ListText(row.setting.wanted), "false")) {
                 return "a needed restart is reported";
             }
-            return run.Reply("Status-Module") == "Tovrune"
+            return run.Reply("Status-Module") == logging::kMarkerModule
                        ? "a needed restart is not reported: the run stopped for one, and the "
                          "module "
                          "calls that a failure"

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "common/logging/Phrases.h"
 #include "common/util/Strings.h"
 #include "host/configure/FailureReading.h"
 
@@ -11,11 +12,7 @@ namespace host::configure {
 
 namespace {
 
-constexpr std::string_view kCommand = "ConfigBuilder::RunConfig(): about to execute ";
-constexpr std::string_view kNicCommand = "ConfigureNic::Execute(): about to execute ";
-constexpr std::string_view kNicIndex =
-    "ConfigureNic::Execute(): NIC index (Win32_NetworkAdapterConfiguration.Index)=";
-constexpr std::string_view kClass = "class config::command::";
+constexpr std::string_view kNicIndex = logging::kAdapterIndex;
 
 std::uint32_t Number(std::string_view text) {
     std::uint32_t number = 0;
@@ -23,16 +20,23 @@ std::uint32_t Number(std::string_view text) {
     return number;
 }
 
+/// What follows in a line with which `place` announces a command; nothing in another line.
+std::optional<std::string_view> Announced(std::string_view line, std::string_view place) {
+    constexpr std::string_view kAnnounces = logging::kAboutToExecute;
+    if (!line.starts_with(place) || !line.substr(place.size()).starts_with(kAnnounces)) {
+        return std::nullopt;
+    }
+    return line.substr(place.size() + kAnnounces.size());
+}
+
 /// "class config::command::SetDns (DNS Servers=...)"
 Step ReadCommand(std::string_view text) {
-    if (text.starts_with(kClass)) {
-        text.remove_prefix(kClass.size());
-    }
     Step step;
-    const std::size_t blank = text.find(' ');
-    step.command = text.substr(0, blank);
-    if (blank != std::string_view::npos && text.size() > blank + 2) {
-        step.description = text.substr(blank + 2, text.size() - blank - 3);
+    const std::size_t description = std::min(text.find(" ("), text.size());
+    const std::string_view name = text.substr(0, description);
+    step.command = name.substr(name.rfind(':') + 1);
+    if (text.size() > description + 2) {
+        step.description = text.substr(description + 2, text.size() - description - 3);
     }
     return step;
 }
@@ -125,11 +129,12 @@ std::vector<Step> ReadSteps(const Run& run) {
             steps.back().index = index;
             continue;
         }
-        const bool ofNic = text.starts_with(kNicCommand);
-        if (!ofNic && !text.starts_with(kCommand)) {
+        const auto ofNic = Announced(text, logging::kRunsAdapterCommand);
+        const auto announced = ofNic ? ofNic : Announced(text, logging::kRunsCommand);
+        if (!announced) {
             continue;
         }
-        Step step = ReadCommand(text.substr(ofNic ? kNicCommand.size() : kCommand.size()));
+        Step step = ReadCommand(*announced);
         step.before = mark.state;
         if (step.command == "ConfigureNic") {
             nic = nic ? *nic + 1 : 0;
@@ -154,7 +159,8 @@ Story ReadStory(const Run& run) {
     Story story;
     story.steps = ReadSteps(run);
     const std::string outcome = run.Reply("Result");
-    const bool markerReported = outcome == "Failure" && run.Reply("Status-Module") == kMarkerModule;
+    const bool markerReported =
+        outcome == "Failure" && run.Reply("Status-Module") == logging::kMarkerModule;
     story.stoppedForRestart = outcome == "Reboot" || markerReported;
     story.completed = outcome == "Success";
     story.fileKept = outcome == "Reboot";

@@ -20,7 +20,7 @@ TEST_F(ConfigureRequest, AConfigErrorIsAnsweredBeforeItIsLoggedAndAnotherAfter) 
     for (const bool isConfigError : {true, false}) {
         machine.onCall["getComputerName"] = [isConfigError] {
             if (isConfigError) {
-                throw config::ConfigError("x", "y", 1, 5);
+                throw config::ConfigError("x", "y", 1, config::ErrorKind::kProgramFailed);
             }
             throw sys::CWmiError("y", 1, 5, 0);
         };

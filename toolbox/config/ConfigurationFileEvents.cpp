@@ -77,7 +77,8 @@ void ConfigurationFileEvents::SendList(Kind kind) {
 std::int32_t ConfigurationFileEvents::Count() const {
     const std::int32_t count = util::StringToInt(text_);
     if (count > kMaximumCount) {
-        throw config::ConfigError("toolbox\\config\\Configure", "Count out of range", 88, 87);
+        throw config::ConfigError("toolbox\\config\\Configure", "Count out of range", 88,
+                                  config::ErrorKind::kCountOutOfRange);
     }
     return count;
 }

@@ -6,6 +6,7 @@
 #include "common/config/Analyzer.h"
 #include "common/config/ConfigBuilder.h"
 #include "common/err/GeneralError.h"
+#include "common/logging/Phrases.h"
 #include "common/sys/CryptoDll.h"
 #include "common/sys/Domain.h"
 #include "common/util/FileUtils.h"
@@ -72,11 +73,10 @@ std::int32_t Configure::HandleMessage(IHostMessage& message, IHostLogSink& /*log
         return Run(message, builder, file, path);
     } catch (const config::ConfigError& error) {
         message.SetField("Result", "Failure");
-        Log(kMain, "Configure::HandleMessage(): caught win32 error, err=%x", error.Code());
+        Log(kMain, "%s%x", logging::kCaughtConfigError, error.Code());
         ReportFailure(message, error);
     } catch (const err::CGeneralError& error) {
-        Log(kMain, "Configure::HandleMessage(): caught general (win32) error, err=%x",
-            error.Code());
+        Log(kMain, "%s%x", logging::kCaughtOtherError, error.Code());
         message.SetField("Result", "Failure");
         ReportFailure(message, error);
     }
@@ -97,7 +97,7 @@ std::int32_t Configure::Run(IHostMessage& message, config::ConfigBuilder& builde
     Log(kTrace, "Configure::HandleMessage(): about to call ConfigEvent()");
     events.SendSections();
 
-    Log(kTrace, "Configure::HandleMessage(): about to call Analyze() and RunConfig()");
+    Log(kTrace, "%s", logging::kAboutToAnalyze);
     config::Analyze(builder);
     bool reboot = false;
     const bool succeeded = builder.RunConfig(reboot);
@@ -110,7 +110,7 @@ std::int32_t Configure::Run(IHostMessage& message, config::ConfigBuilder& builde
         message.SetField("Result", "Success");
     } else {
         message.SetField("Result", "Failure");
-        message.SetField("Status-Module", "Tovrune");
+        message.SetField("Status-Module", logging::kMarkerModule);
         message.SetField("Status-Code", "3");
     }
     PutAway(path);

@@ -4,6 +4,7 @@
 
 #include "common/err/GeneralError.h"
 #include "common/logging/LogSink.h"
+#include "common/logging/Phrases.h"
 #include "toolbox/config/HandlerTable.h"
 #include "toolbox/config/HostInterface.h"
 #include "toolbox/config/ModuleVersion.h"
@@ -45,7 +46,7 @@ std::int32_t DoMagic(IHostMessage* message, IHostLogSink* log) {
         if (log != nullptr) {
             log->Log(logging::kMain, "%s:%d Toolbox::DoMagic caught an unhandled exception",
                      kSource, 103);
-            log->Log(logging::kMain, "Exception Details: %s:%d - %s (error = %d)",
+            log->Log(logging::kMain, "%s%s:%d - %s (error = %d)", logging::kUnhandledError,
                      error.SourceFile(), error.Line(), error.Message(), error.Code());
         }
         return 0;

@@ -19,7 +19,7 @@ void ChangeCompName::Execute() {
 }
 
 std::string ChangeCompName::GetDescription() {
-    return "Name=" + name_ + " {User=" + UserName() + "}";
+    return "Name=" + name_ + " " + AccountText();
 }
 
 }  // namespace config::command

@@ -2,17 +2,17 @@
 
 #include "common/config/command/CommandLog.h"
 #include "common/err/GeneralError.h"
+#include "common/logging/Phrases.h"
 
 namespace config::command {
 
 void ConfigureNic::Execute() {
     if (nicIndex_ == kNotSet) {
         throw ConfigError("common\\config\\command\\ConfigureNic",
-                          "ConfigureNic has not been been associated with a nic index", 68, 0);
+                          "ConfigureNic has not been been associated with a nic index", 68,
+                          ErrorKind::kUnspecified);
     }
-    log_.Log(logging::kProgress,
-             "ConfigureNic::Execute(): NIC index (Win32_NetworkAdapterConfiguration.Index)=%d",
-             static_cast<int>(nicIndex_));
+    log_.Log(logging::kProgress, "%s%d", logging::kAdapterIndex, static_cast<int>(nicIndex_));
     for (const std::unique_ptr<IConfigureCommand>& command : commands_) {
         if (auto* const nicCommand = dynamic_cast<NicCommand*>(command.get())) {
             nicCommand->SetNicIndex(nicIndex_);
@@ -20,7 +20,7 @@ void ConfigureNic::Execute() {
         if (!command->IsNeeded()) {
             continue;
         }
-        LogExecution(log_, "ConfigureNic::Execute()", *command);
+        LogExecution(log_, logging::kRunsAdapterCommand, *command);
         command->Execute();
     }
 }

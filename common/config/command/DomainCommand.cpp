@@ -1,5 +1,6 @@
 #include "common/config/command/DomainCommand.h"
 
+#include "common/logging/Phrases.h"
 #include "common/sys/Domain.h"
 #include "common/util/Strings.h"
 
@@ -12,6 +13,10 @@ DomainCommand::~DomainCommand() {
 void DomainCommand::SetPassword(const std::string& password) {
     util::SecureErase(password_);
     password_ = password;
+}
+
+std::string DomainCommand::AccountText() const {
+    return logging::kAccount + userName_ + "}";
 }
 
 void DomainCommand::UseAccount() const {

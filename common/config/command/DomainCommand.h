@@ -20,6 +20,9 @@ protected:
     const std::string& UserName() const noexcept { return userName_; }
     const std::string& Password() const noexcept { return password_; }
 
+    /// The account as a description shows it: its name, never its password.
+    std::string AccountText() const;
+
     /// Hands the account to the process's sys::Domain.
     void UseAccount() const;
 

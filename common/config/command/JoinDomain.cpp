@@ -26,8 +26,7 @@ void JoinDomain::Execute() {
 }
 
 std::string JoinDomain::GetDescription() {
-    return "DNS Domain=" + dnsDomain_ + ", Windows Domain=" + windowsDomain_ +
-           " {User=" + UserName() + "}";
+    return "DNS Domain=" + dnsDomain_ + ", Windows Domain=" + windowsDomain_ + " " + AccountText();
 }
 
 }  // namespace config::command

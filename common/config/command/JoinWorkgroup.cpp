@@ -20,7 +20,7 @@ void JoinWorkgroup::Execute() {
 }
 
 std::string JoinWorkgroup::GetDescription() {
-    return "Workgroup=" + name_ + " {User=" + UserName() + "}";
+    return "Workgroup=" + name_ + " " + AccountText();
 }
 
 }  // namespace config::command

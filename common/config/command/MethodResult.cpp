@@ -7,7 +7,8 @@ namespace config::command {
 void CheckMethodResult(std::uint32_t returnValue, const char* source, const char* message,
                        std::int32_t line) {
     if (returnValue != 0 && returnValue != 1) {
-        throw ConfigError(source, message, line, 4, static_cast<std::int32_t>(returnValue));
+        throw ConfigError(source, message, line, ErrorKind::kMethodFailed,
+                          static_cast<std::int32_t>(returnValue));
     }
 }
 

@@ -22,7 +22,8 @@ bool SetStatic::IsNeeded() {
 
 void SetStatic::Execute() {
     if (addresses_.empty() || masks_.empty()) {
-        throw ConfigError("SetStatic", "Static IP addresses/masks list empty", 62, 2, 0);
+        throw ConfigError("SetStatic", "Static IP addresses/masks list empty", 62,
+                          ErrorKind::kEmptyList);
     }
     CheckMethodResult(sys::enableStatic(NicIndex(), addresses_, masks_), "SetStatic",
                       "Configuring static IP addresses failed", 68);

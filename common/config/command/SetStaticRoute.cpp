@@ -29,7 +29,7 @@ std::vector<ipc::RouteKey> MachineRoutes() {
 void RunChange(const std::string& commandLine, const char* message, std::int32_t line) {
     const std::int32_t exitCode = proc::RunCommand(commandLine);
     if (exitCode != 0) {
-        throw ConfigError(kSource, message, line, 5, exitCode);
+        throw ConfigError(kSource, message, line, ErrorKind::kProgramFailed, exitCode);
     }
 }
 

@@ -14,8 +14,8 @@ class SetStaticRoute : public IConfigureCommand {
 public:
     void AddRoute(const ipc::RouteKey& route);
 
-    /// Deletes, then adds. Throws ConfigError (code 5, carrying the exit code) at the first change
-    /// that the route program refuses; the changes after it are not attempted.
+    /// Deletes, then adds. Throws ConfigError (kProgramFailed, carrying the exit code) at the first
+    /// change that the route program refuses; the changes after it are not attempted.
     void Execute() override;
     void Reserved() override {}
     bool IsNeeded() override;
