@@ -144,8 +144,8 @@ std::string ListOf(IniFile& file) {
     config::ConfigBuilder builder(log);
     ConfigurationFileEvents events(
         file,
-        [&builder](std::uint32_t kind, std::uint32_t type, const std::string& value) {
-            builder.ConfigEvent(kind, type, value);
+        [&builder](std::uint32_t kind, std::uint32_t type, std::string_view value) {
+            builder.ConfigEvent(kind, type, std::string(value));
         },
         [] {
             return [crypto = std::make_shared<sys::CryptoDll>()](const std::string& enciphered,

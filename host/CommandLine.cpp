@@ -11,9 +11,9 @@
 #include "host/MessageCommands.h"
 #include "host/Module.h"
 #include "host/Options.h"
+#include "host/Spelling.h"
 #include "host/Text.h"
 #include "host/check/CheckCommand.h"
-#include "host/check/KnownNames.h"
 #include "host/configure/ConfigureCommand.h"
 #include "host/snapshot/SnapshotCommand.h"
 
@@ -23,7 +23,7 @@ namespace {
 
 std::string WithSuggestion(const std::string& text, const std::string& typed,
                            const std::vector<std::string>& known) {
-    const std::string nearest = check::Nearest(typed, known);
+    const std::string nearest = Nearest(typed, known);
     return nearest.empty() ? text : text + "; did you mean \"" + nearest + "\"?";
 }
 

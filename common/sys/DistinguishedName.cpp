@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "common/sys/Domain.h"
+#include "common/util/Strings.h"
 
 namespace sys {
 
@@ -14,20 +15,6 @@ constexpr std::string_view kComponent = "DC=";
 
 bool Contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
-}
-
-/// Calls `part` with every piece of `text` between the separators, empty ones included.
-template <class Part>
-void ForEachPart(std::string_view text, char separator, Part part) {
-    std::size_t start = 0;
-    for (;;) {
-        const std::size_t end = text.find(separator, start);
-        part(text.substr(start, end - start));
-        if (end == std::string_view::npos) {
-            return;
-        }
-        start = end + 1;
-    }
 }
 
 /// Puts the parts together with the last one in front.
@@ -45,9 +32,7 @@ std::string JoinReversed(const std::vector<std::string_view>& parts, std::string
 }
 
 std::string UnitsFromPath(std::string_view path) {
-    std::vector<std::string_view> components;
-    ForEachPart(path, '/', [&](std::string_view part) { components.push_back(part); });
-    return JoinReversed(components, kUnit, ',');
+    return JoinReversed(util::SplitAt(path, '/'), kUnit, ',');
 }
 
 }  // namespace
@@ -69,15 +54,11 @@ void Domain::BuildDn(const std::string& domain, const std::string& ou, std::stri
     if (Contains(domain, kComponent)) {
         name += domain;
     } else if (!domain.empty()) {
-        bool first = true;
-        ForEachPart(domain, '.', [&](std::string_view part) {
-            if (!first) {
-                name += ',';
-            }
-            first = false;
-            name += kComponent;
-            name += part;
-        });
+        const char* separator = "";
+        for (const std::string_view part : util::SplitAt(domain, '.')) {
+            name.append(separator).append(kComponent).append(part);
+            separator = ",";
+        }
     }
     out = name;
 }

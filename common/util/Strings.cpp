@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <vector>
 
 namespace util {
 
@@ -78,11 +77,12 @@ std::int32_t ParseDecimal(std::string_view text) noexcept {
 
 }  // namespace
 
-std::int32_t StringToInt(const std::string& text, std::uint32_t base) {
+std::int32_t StringToInt(std::string_view text, std::uint32_t base) {
     if (base == 10) {
         return ParseDecimal(text);
     }
-    const long long value = std::strtoll(text.c_str(), nullptr, static_cast<int>(base));
+    const long long value =
+        std::strtoll(std::string(text).c_str(), nullptr, static_cast<int>(base));
     return static_cast<std::int32_t>(std::clamp<long long>(
         value, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
 }
@@ -99,6 +99,18 @@ bool NoCaseEqual(std::string_view left, std::string_view right) noexcept {
     return left.size() == right.size() &&
            (left == right || std::equal(left.begin(), left.end(), right.begin(),
                                         [](char a, char b) { return ToUpper(a) == ToUpper(b); }));
+}
+
+std::vector<std::string_view> SplitAt(std::string_view text, char separator) {
+    std::vector<std::string_view> pieces;
+    for (;;) {
+        const std::size_t end = text.find(separator);
+        pieces.push_back(text.substr(0, end));
+        if (end == std::string_view::npos) {
+            return pieces;
+        }
+        text.remove_prefix(end + 1);
+    }
 }
 
 std::string DoublePercents(std::string_view text) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Small functions on narrow text. None throws an error of the module's family; letter case follows
 /// the classic "C" locale, whatever locale the process has set.
@@ -26,7 +27,7 @@ std::string IntToString(std::int32_t value);
 /// Base 10 reads like atoi, any other base like strtol: leading white space is skipped, reading
 /// stops at the first character that is no digit, 0 when there is none. A value out of range
 /// becomes the nearest 32-bit one.
-std::int32_t StringToInt(const std::string& text, std::uint32_t base = 10);
+std::int32_t StringToInt(std::string_view text, std::uint32_t base = 10);
 
 /// Upper-cased comparison, byte by byte; a prefix sorts first.
 bool NoCaseLess(std::string_view left, std::string_view right) noexcept;
@@ -58,6 +59,10 @@ constexpr std::string_view TrimBlanks(std::string_view text) noexcept {
     }
     return text;
 }
+
+/// The pieces between the separators, empty ones and the last one included: at least one. They are
+/// views into `text`.
+std::vector<std::string_view> SplitAt(std::string_view text, char separator);
 
 /// Every "%" doubled: for text from outside that goes into a log line, because the host formats the
 /// finished line once more.

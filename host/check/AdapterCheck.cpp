@@ -5,14 +5,14 @@
 
 #include "common/config/Event.h"
 #include "common/util/Strings.h"
+#include "toolbox/config/ConfigurationKeys.h"
 
 namespace host::check {
 
 namespace Event = config::Event;
+namespace key = config::key;
 
 namespace {
-
-constexpr std::string_view kDnsServer = "DNS-Server";
 
 std::optional<ValueFault> CheckHost(std::string_view item) {
     return CheckAddress(AddressRole::kHost, item);
@@ -45,10 +45,8 @@ std::string Counted(std::size_t count, const char* one, const char* several) {
 }  // namespace
 
 void AdapterCheck::Check() {
-    if (!Reading().HasDescription()) {
-        Found().Error("no-description", HeaderPlace(),
-                      "there is no \"Description\": the module sets nothing of this section and "
-                      "gives the whole file up where a later section does not fit");
+    if (!Section().HasDescription()) {
+        ReportNoDescription();
         CheckUnreadEntries();
         return;
     }
@@ -56,53 +54,63 @@ void AdapterCheck::Check() {
     if (IsStatic()) {
         CheckAddressing();
     } else {
-        for (const char* const key : {"Address", "Netmask", "Gateway"}) {
-            ReportUnused(key, "the adapter asks a DHCP server");
+        for (const std::string_view unused : {key::kAddress, key::kNetmask, key::kGateway}) {
+            ReportUnused(unused, "the adapter asks a DHCP server");
         }
     }
-    CheckDnsServers(*Reading().Find("DNS-Server-Count"));
+    CheckDnsServers(*Section().Find(key::kDnsServerCount));
     if (const LookUp* const suffixes = SentSuffixes()) {
         CheckList(*suffixes, "the DNS suffixes of the machine", CheckSuffix);
     }
-    if (Reading().refused) {
+    if (Section().cutShort) {
         CheckUnreadEntries();
     }
 }
 
+/// What the section closes without having opened it may be what holds the whole file.
+void AdapterCheck::ReportNoDescription() {
+    std::string message = "there is no \"Description\": the module sets nothing of this section";
+    const std::optional<reading::Refusal>& refusal = File().GetRefusal();
+    if (refusal && refusal->kind == config::ErrorKind::kUnexpectedEvent) {
+        message += " and gives the whole file up when it is in [" + refusal->section->name + "]";
+    }
+    Found().Error("no-description", HeaderPlace(), std::move(message));
+}
+
 bool AdapterCheck::IsStatic() const {
-    const LookUp* const mode = Reading().Find("DHCP");
+    const LookUp* const mode = Section().Find(key::kDhcp);
     return mode != nullptr && mode->Sends(Event::STATIC);
 }
 
 const LookUp* AdapterCheck::SentSuffixes() const {
-    const LookUp* const suffixes = Reading().Find("DNS-SuffixSearchOrder");
+    const LookUp* const suffixes = Section().Find(key::kDnsSuffixSearchOrder);
     return suffixes != nullptr && suffixes->Sends(Event::DNS_SUFFIX) ? suffixes : nullptr;
 }
 
 void AdapterCheck::CheckMode() {
-    const LookUp& mode = *Reading().Find("DHCP");
+    const LookUp& mode = *Section().Find(key::kDhcp);
     const std::string choice = IsStatic() ? "sets static addresses" : "asks a DHCP server";
     if (!mode.found) {
         Found().Warning("reused-text", HeaderPlace(),
-                        Reuse(mode) + ", " + Quoted(mode.text) + ", and " + choice);
-    } else if (IsStatic() && !util::NoCaseEqual(mode.text, "false")) {
-        Found().Warning("odd-switch", ValueOf(mode),
-                        Quoted(mode.text) + " is neither true nor false: the module " + choice);
+                        Reuse(mode) + ", " + Quoted(mode.Text()) + ", and " + choice);
+    } else if (IsStatic() && !util::NoCaseEqual(mode.Text(), "false")) {
+        Found().Warning("odd-switch", OwnValueOf(mode),
+                        Quoted(mode.Text()) + " is neither true nor false: the module " + choice);
     }
 }
 
 void AdapterCheck::CheckAddressing() {
-    const LookUp& addresses = *Reading().Find("Address");
-    const LookUp& masks = *Reading().Find("Netmask");
+    const LookUp& addresses = *Section().Find(key::kAddress);
+    const LookUp& masks = *Section().Find(key::kNetmask);
     CheckList(addresses, "the addresses", CheckHost);
     CheckList(masks, "the masks", CheckMask);
     CheckNetworks(addresses, masks);
-    CheckGateways(*Reading().Find("Gateway"));
+    CheckGateways(*Section().Find(key::kGateway));
 }
 
 void AdapterCheck::CheckNetworks(const LookUp& addresses, const LookUp& masks) {
-    const std::vector<std::string> hosts = SplitList(addresses.text);
-    const std::vector<std::string> subnets = SplitList(masks.text);
+    const std::vector<std::string_view> hosts = util::SplitAt(addresses.Text(), ',');
+    const std::vector<std::string_view> subnets = util::SplitAt(masks.Text(), ',');
     if (hosts.size() != subnets.size()) {
         Found().Error("address-mask-count", OwnValueOf(masks),
                       Counted(hosts.size(), "address", "addresses") + " and " +
@@ -119,14 +127,12 @@ void AdapterCheck::CheckNetworks(const LookUp& addresses, const LookUp& masks) {
 void AdapterCheck::CheckGateways(const LookUp& gateways) {
     CheckList(gateways, "the gateways", CheckGateway);
     constexpr std::size_t kMostGateways = 5;
-    const std::vector<std::string> items = SplitList(gateways.text);
+    const std::vector<std::string_view> items = util::SplitAt(gateways.Text(), ',');
     if (items.size() > kMostGateways) {
         Found().Error("gateway-count", OwnValueOf(gateways),
                       "more than 5 gateways: Windows refuses them");
     }
-    std::size_t offset = 0;
-    for (const std::string& item : items) {
-        const std::size_t start = std::exchange(offset, offset + item.size() + 1);
+    for (const std::string_view item : items) {
         if (IsError(CheckGateway(item)) || networks_.empty()) {
             continue;
         }
@@ -135,10 +141,7 @@ void AdapterCheck::CheckGateways(const LookUp& gateways) {
             std::any_of(networks_.begin(), networks_.end(),
                         [gateway](const Network& network) { return network.Contains(gateway); });
         if (!reachable) {
-            Found().Error("gateway-outside",
-                          gateways.found
-                              ? Source().ValuePlace(gateways.sourceLine, start, item.size())
-                              : HeaderPlace(),
+            Found().Error("gateway-outside", OwnPieceOf(gateways, item),
                           "the gateway " + Quoted(item) +
                               " is in none of the adapter's networks: Windows refuses it");
         }
@@ -149,13 +152,13 @@ void AdapterCheck::CheckDnsServers(const LookUp& count) {
     ReportCount(count, 1, {});
     std::vector<std::string> missing;
     bool lastIsMissing = false;
-    for (const LookUp& lookUp : Reading().lookUps) {
-        if (!lookUp.key.starts_with(kDnsServer) || lookUp.key == count.key) {
+    for (const LookUp& lookUp : Section().lookUps) {
+        if (!lookUp.key.starts_with(key::kDnsServer) || lookUp.key == count.key) {
             continue;
         }
         lastIsMissing = !lookUp.found;
         if (lookUp.found) {
-            ReportValue(lookUp, CheckDnsServer(lookUp.text));
+            ReportValue(lookUp, CheckDnsServer(lookUp.Text()));
         } else {
             missing.push_back(lookUp.key);
         }
@@ -163,8 +166,8 @@ void AdapterCheck::CheckDnsServers(const LookUp& count) {
     if (!missing.empty()) {
         ReportMissingServers(count, missing, lastIsMissing);
     }
-    if (!Reading().refused) {
-        ReportBeyondCount(kDnsServer, count);
+    if (!Section().cutShort) {
+        ReportBeyondCount(key::kDnsServer, count);
     }
 }
 
@@ -189,12 +192,12 @@ void AdapterCheck::ReportMissingServers(const LookUp& count,
 
 void AdapterCheck::CheckList(const LookUp& lookUp, const char* what, Checker check) {
     if (lookUp.found) {
-        CheckItems(lookUp.sourceLine, lookUp.text, check);
+        CheckItems(lookUp.Text(), check);
         return;
     }
     Finding finding{Severity::kWarning, "reused-text", HeaderPlace(),
-                    Reuse(lookUp) + " and sets " + what + " to " + Quoted(lookUp.text)};
-    for (const std::string& item : SplitList(lookUp.text)) {
+                    Reuse(lookUp) + " and sets " + what + " to " + Quoted(lookUp.Text())};
+    for (const std::string_view item : util::SplitAt(lookUp.Text(), ',')) {
         if (const std::optional<ValueFault> fault = check(item)) {
             finding.severity = std::max(finding.severity, fault->severity);
             finding.message += "; " + fault->message;
@@ -204,37 +207,35 @@ void AdapterCheck::CheckList(const LookUp& lookUp, const char* what, Checker che
     Found().Add(std::move(finding));
 }
 
-void AdapterCheck::CheckItems(std::size_t line, std::string_view text, Checker check) {
-    std::size_t offset = 0;
-    for (const std::string& item : SplitList(text)) {
+void AdapterCheck::CheckItems(std::string_view text, Checker check) {
+    for (const std::string_view item : util::SplitAt(text, ',')) {
         if (const std::optional<ValueFault> fault = check(item)) {
-            Found().Add({fault->severity, fault->code,
-                         Source().ValuePlace(line, offset, item.size()), fault->message});
+            Found().Add({fault->severity, fault->code, File().PlaceOf(item), fault->message});
         }
-        offset += item.size() + 1;
     }
 }
 
 /// An entry that the module does not come to, because of another fault, has faults of its own.
-void AdapterCheck::CheckUnreadEntry(const IniFile::Entry& entry) {
-    const bool usesDhcp = Own("DHCP") != nullptr && util::NoCaseEqual(Own("DHCP")->value, "true");
-    const std::pair<const char*, Checker> lists[] = {
-        {"Address", CheckHost}, {"Netmask", CheckMask}, {"Gateway", CheckGateway}};
-    for (const auto& [key, check] : lists) {
-        if (!usesDhcp && util::NoCaseEqual(entry.key, key)) {
-            CheckItems(entry.line, entry.value, check);
+void AdapterCheck::CheckUnreadEntry(const Entry& entry) {
+    const bool usesDhcp =
+        Own(key::kDhcp) != nullptr && util::NoCaseEqual(Own(key::kDhcp)->value, "true");
+    const std::pair<std::string_view, Checker> lists[] = {
+        {key::kAddress, CheckHost}, {key::kNetmask, CheckMask}, {key::kGateway, CheckGateway}};
+    for (const auto& [name, check] : lists) {
+        if (!usesDhcp && util::NoCaseEqual(entry.key, name)) {
+            CheckItems(entry.value, check);
         }
     }
-    if (util::NoCaseEqual(entry.key, "DNS-SuffixSearchOrder")) {
-        CheckItems(entry.line, entry.value, CheckSuffix);
-    } else if (IsNumbered(entry.key, kDnsServer)) {
-        CheckItems(entry.line, entry.value, CheckDnsServer);
+    if (util::NoCaseEqual(entry.key, key::kDnsSuffixSearchOrder)) {
+        CheckItems(entry.value, CheckSuffix);
+    } else if (IsNumbered(entry.key, key::kDnsServer)) {
+        CheckItems(entry.value, CheckDnsServer);
     }
 }
 
 void AdapterCheck::CheckUnreadEntries() {
-    const bool nothingIsSent = !Reading().HasDescription();
-    for (const IniFile::Entry* const entry : nothingIsSent ? OwnEntries() : UnreadEntries()) {
+    const bool nothingIsSent = !Section().HasDescription();
+    for (const Entry* const entry : nothingIsSent ? OwnEntries() : UnreadEntries()) {
         CheckUnreadEntry(*entry);
     }
 }

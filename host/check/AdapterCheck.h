@@ -32,6 +32,7 @@ public:
 private:
     using Checker = std::optional<ValueFault> (*)(std::string_view item);
 
+    void ReportNoDescription();
     void CheckMode();
     void CheckAddressing();
     void CheckNetworks(const LookUp& addresses, const LookUp& masks);
@@ -40,8 +41,8 @@ private:
     void ReportMissingServers(const LookUp& count, const std::vector<std::string>& missing,
                               bool lastIsMissing);
     void CheckList(const LookUp& lookUp, const char* what, Checker check);
-    void CheckItems(std::size_t line, std::string_view text, Checker check);
-    void CheckUnreadEntry(const IniFile::Entry& entry);
+    void CheckItems(std::string_view text, Checker check);
+    void CheckUnreadEntry(const Entry& entry);
     void CheckUnreadEntries();
 
     std::vector<Network> networks_;

@@ -9,6 +9,7 @@
 #include "host/ExitCode.h"
 #include "host/Text.h"
 #include "host/check/FileCheck.h"
+#include "host/reading/Secrets.h"
 
 namespace host::check {
 
@@ -99,8 +100,7 @@ void DescribeFinding(const Finding& finding, const std::string& line, Output& ou
 }
 
 int Check(const CheckArguments& arguments, Output& output) {
-    CheckedFile checked;
-    CheckFile(arguments.file, checked);
+    const CheckedFile checked = CheckFile(arguments.file);
     const Findings& findings = checked.findings;
     output.Document() = {{"file", ToUtf8(arguments.file)},
                          {"errors", findings.Errors()},
@@ -111,7 +111,7 @@ int Check(const CheckArguments& arguments, Output& output) {
     for (const Finding& finding : findings.List()) {
         if (finding.place.line != 0 &&
             finding.place.line != std::exchange(number, finding.place.line)) {
-            line = checked.source.Shown(number);
+            line = reading::ShownLine(checked.file, number);
         }
         PrintFinding(arguments.file, finding, line, output);
         DescribeFinding(finding, line, output);

@@ -7,11 +7,10 @@
 
 #include "common/util/Strings.h"
 #include "host/check/AdapterCheck.h"
-#include "host/check/ModuleReading.h"
 #include "host/check/NetworkingCheck.h"
 #include "host/check/RouteCheck.h"
 #include "host/check/StructureCheck.h"
-#include "toolbox/config/IniFile.h"
+#include "toolbox/config/ConfigurationKeys.h"
 
 namespace host::check {
 
@@ -20,14 +19,14 @@ namespace {
 /// The settings of the whole file: each section by itself, then what they do to each other.
 class SettingsCheck {
 public:
-    SettingsCheck(IniFile& file, const SourceFile& source, Findings& findings)
-        : source_(source), findings_(findings), entries_(file), readings_(ReadAsTheModule(file)) {}
+    SettingsCheck(const reading::File& file, Findings& findings)
+        : file_(file), findings_(findings) {}
 
     void Check() {
-        for (const SectionReading& reading : readings_) {
-            CheckSection(reading);
+        for (const reading::Section& section : file_.Sections()) {
+            CheckSection(section);
         }
-        if (readings_.size() == 1) {
+        if (asksForNothing_) {
             findings_.Warning("nothing-to-do", {},
                               "no section asks for anything: the module changes nothing and "
                               "answers \"Success\"");
@@ -39,10 +38,8 @@ public:
         CheckRouteGateways();
     }
 
-    const FirstEntries& Entries() const noexcept { return entries_; }
-
 private:
-    void CheckSection(const SectionReading& reading);
+    void CheckSection(const reading::Section& section);
     void CheckRestart();
     void CheckSuffixes();
     void CheckRouteSections();
@@ -50,28 +47,29 @@ private:
     void CheckRouteGateways();
     std::vector<RouteWish> Routes() const;
 
-    const SourceFile& source_;
+    const reading::File& file_;
     Findings& findings_;
-    const FirstEntries entries_;
-    const std::vector<SectionReading> readings_;  // [Global] first, even where it is not there
     std::deque<AdapterCheck> adapters_;
     std::deque<RouteCheck> routes_;
+    bool asksForNothing_ = true;
     bool mayRestart_ = false;
     bool renamesAndJoins_ = false;
 };
 
-void SettingsCheck::CheckSection(const SectionReading& reading) {
-    switch (reading.role) {
+void SettingsCheck::CheckSection(const reading::Section& section) {
+    switch (section.role) {
         case SectionRole::kNetworking: {
-            NetworkingCheck networking(reading, source_, entries_, findings_);
+            asksForNothing_ = false;
+            NetworkingCheck networking(file_, section, findings_);
             networking.Check();
             mayRestart_ = networking.MayRestart();
             renamesAndJoins_ = networking.RenamesAndJoins();
             break;
         }
         case SectionRole::kAdapter:
-            adapters_.emplace_back(reading, source_, entries_, findings_).Check();
-            routes_.emplace_back(reading, source_, entries_, findings_).Check();
+            asksForNothing_ = false;
+            adapters_.emplace_back(file_, section, findings_).Check();
+            routes_.emplace_back(file_, section, findings_).Check();
             break;
         case SectionRole::kGlobal:
         case SectionRole::kIgnored:
@@ -80,15 +78,15 @@ void SettingsCheck::CheckSection(const SectionReading& reading) {
 }
 
 void SettingsCheck::CheckRestart() {
-    const LookUp& answer = readings_.front().lookUps.front();
-    if (!answer.found) {
+    const Entry* const answer = file_.Find(config::key::kGlobal, config::key::kRebootAfterConfig);
+    if (answer == nullptr) {
         return;
     }
-    const bool suppressed = util::NoCaseEqual(answer.text, "false");
-    const Place place = source_.ValuePlace(answer.sourceLine);
-    if (!suppressed && !util::NoCaseEqual(answer.text, "true")) {
+    const bool suppressed = util::NoCaseEqual(answer->value, "false");
+    const Place& place = answer->valuePlace;
+    if (!suppressed && !util::NoCaseEqual(answer->value, "true")) {
         findings_.Warning("odd-switch", place,
-                          Quoted(answer.text) +
+                          Quoted(answer->value) +
                               " is neither true nor false: the module answers "
                               "\"Reboot\" where a restart is needed");
     }
@@ -110,11 +108,11 @@ void SettingsCheck::CheckSuffixes() {
         if (suffixes == nullptr) {
             continue;
         }
-        if (first != nullptr && suffixes->text != first->text) {
-            findings_.Warning("suffix-conflict", source_.ValuePlace(suffixes->sourceLine),
+        if (first != nullptr && suffixes->Text() != first->Text()) {
+            findings_.Warning("suffix-conflict", suffixes->source->valuePlace,
                               "the DNS suffixes are the machine's, not the adapter's: every "
                               "request sets those of " +
-                                  LineText(first->sourceLine) + " and then these");
+                                  LineText(first->source->Line()) + " and then these");
         }
         first = first == nullptr ? suffixes : first;
     }
@@ -183,29 +181,31 @@ void SettingsCheck::CheckRouteGateways() {
 
 }  // namespace
 
-void CheckFile(const std::string& path, CheckedFile& checked) {
+CheckedFile CheckFile(const std::string& path) {
+    CheckedFile checked{reading::File::Read(path), {}};
     Findings& findings = checked.findings;
-    if (!checked.source.Load(path)) {
-        findings.Error("unreadable", {}, "the file cannot be read: the module finds nothing");
-        return;
+    switch (checked.file.GetState()) {
+        case reading::File::State::kUnreadable:
+            findings.Error("unreadable", {}, "the file cannot be read: the module finds nothing");
+            return checked;
+        case reading::File::State::kEmpty:
+            findings.Warning(
+                "empty-file", {},
+                "the file is empty: the module changes nothing and answers \"Success\"");
+            return checked;
+        case reading::File::State::kRead:
+            break;
     }
-    if (checked.source.Bytes().empty()) {
-        findings.Warning("empty-file", {},
-                         "the file is empty: the module changes nothing and answers \"Success\"");
-        return;
-    }
-    StructureCheck structure(checked.source, findings);
+    StructureCheck structure(checked.file, findings);
     if (!structure.CheckEncoding()) {
-        return;
+        return checked;
     }
     structure.CheckLines();
     structure.CheckHeaders();
-    IniFile file;
-    file.Load(path, false);
-    SettingsCheck settings(file, checked.source, findings);
-    structure.CheckKeys(settings.Entries());
-    settings.Check();
+    structure.CheckKeys();
+    SettingsCheck(checked.file, findings).Check();
     findings.Sort();
+    return checked;
 }
 
 }  // namespace host::check

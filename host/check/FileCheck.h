@@ -3,13 +3,13 @@
 #include <string>
 
 #include "host/check/Finding.h"
-#include "host/check/SourceFile.h"
+#include "host/reading/File.h"
 
 namespace host::check {
 
 /// A checked configuration file.
 struct CheckedFile {
-    SourceFile source;
+    reading::File file;
     Findings findings;  ///< in the order of the file
 };
 
@@ -17,6 +17,6 @@ struct CheckedFile {
 /// configuration, or what cannot have been meant; a warning says what the module will do that a
 /// reader of the file might not expect. A file without errors runs without a configuration error on
 /// a machine that has its adapters, its domain and the account.
-void CheckFile(const std::string& path, CheckedFile& checked);
+CheckedFile CheckFile(const std::string& path);
 
 }  // namespace host::check

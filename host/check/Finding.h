@@ -5,17 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include "host/reading/File.h"
+
 namespace host::check {
 
 enum class Severity { kWarning, kError };
 
-/// A piece of a line of the file, in bytes; `line` and `column` count from 1. Line 0 means the file
-/// as a whole.
-struct Place {
-    std::size_t line = 0;
-    std::size_t column = 1;
-    std::size_t length = 0;
-};
+using reading::Place;
 
 /// One fault of a configuration file. Texts are in the system code page and hold no secret.
 struct Finding {

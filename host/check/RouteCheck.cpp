@@ -5,47 +5,47 @@
 
 #include "common/config/Event.h"
 #include "common/util/Strings.h"
-#include "toolbox/config/ConfigurationFileEvents.h"
+#include "toolbox/config/ConfigurationKeys.h"
 
 namespace host::check {
 
 namespace Event = config::Event;
+namespace key = config::key;
 
 namespace {
 
-constexpr std::string_view kRoute = "Route";
-constexpr std::size_t kFields = 5;  // destination, mask, gateway, one that is not used, metric
+constexpr std::size_t kFields = ConfigurationFileEvents::kRouteFields;
 
 }  // namespace
 
 void RouteCheck::Check() {
-    const LookUp* const count = Reading().Find("Static-Route-Count");
-    if (count == nullptr || !Reading().HasDescription()) {
+    const LookUp* const count = Section().Find(key::kStaticRouteCount);
+    if (count == nullptr || !Section().HasDescription()) {
         CheckUnread();
         return;
     }
-    const std::int32_t number = util::StringToInt(std::string(count->text));
-    if (SendsRoutes() || Reading().refused || number < 0) {
+    const std::int32_t number = util::StringToInt(count->Text());
+    if (SendsRoutes() || Section().cutShort || number < 0) {
         ReportCount(*count, 0,
                     ": it deletes the machine's persistent routes but the first default route");
     }
     if (SendsRoutes()) {
         CheckSent(*count);
-        ReportBeyondCount(kRoute, *count);
+        ReportBeyondCount(key::kRoute, *count);
     } else if (number < 0) {
-        ReportBeyondCount(kRoute, *count);
+        ReportBeyondCount(key::kRoute, *count);
     } else {
         CheckUnread();
     }
 }
 
 bool RouteCheck::SendsRoutes() const {
-    const LookUp* const count = Reading().Find("Static-Route-Count");
+    const LookUp* const count = Section().Find(key::kStaticRouteCount);
     return count != nullptr && count->Sends(Event::STATIC_ROUTE);
 }
 
 Place RouteCheck::CountPlace() const {
-    return OwnValueOf(*Reading().Find("Static-Route-Count"));
+    return OwnValueOf(*Section().Find(key::kStaticRouteCount));
 }
 
 void RouteCheck::CheckSent(const LookUp& count) {
@@ -57,7 +57,7 @@ void RouteCheck::CheckSent(const LookUp& count) {
         }
     };
     for (const LookUp* route = &count + 1;
-         route != Reading().lookUps.data() + Reading().lookUps.size(); ++route) {
+         route != Section().lookUps.data() + Section().lookUps.size(); ++route) {
         if (!route->found) {
             firstMissing = missing++ == 0 ? route : firstMissing;
             continue;
@@ -91,73 +91,44 @@ void RouteCheck::CheckMissing(const LookUp& first, std::size_t count) {
 
 /// The section's routes where the module does not come to them because of another fault.
 void RouteCheck::CheckUnread() {
-    for (const IniFile::Entry* const entry : UnreadEntries()) {
-        if (IsNumbered(entry->key, kRoute)) {
-            LookUp route;
-            route.key = entry->key;
-            route.found = true;
-            route.text = entry->value;
-            route.sourceLine = entry->line;
-            static_cast<void>(CheckRoute(route, Found()));
+    for (const Entry* const entry : UnreadEntries()) {
+        if (IsNumbered(entry->key, key::kRoute)) {
+            static_cast<void>(CheckRoute({std::string(entry->key), true, entry, {}}, Found()));
         }
     }
-}
-
-RouteCheck::Fields RouteCheck::FieldsOf(const LookUp& route) const {
-    const auto field = [&](std::size_t start, std::size_t end) {
-        const std::string_view piece = util::TrimBlanks(route.text.substr(start, end - start));
-        const auto offset = static_cast<std::size_t>(piece.data() - route.text.data());
-        return Field{std::string(piece),
-                     route.found ? Source().ValuePlace(route.sourceLine, offset, piece.size())
-                                 : HeaderPlace()};
-    };
-    Fields fields;
-    std::size_t start = 0;
-    if (!route.text.starts_with(',')) {
-        while (fields.sent.size() < kFields) {
-            const std::size_t comma = route.text.find(',', start);
-            if (comma == std::string_view::npos) {
-                break;
-            }
-            fields.sent.push_back(field(start, comma));
-            start = comma + 1;
-        }
-    }
-    fields.rest = field(start, route.text.size());
-    return fields;
 }
 
 std::optional<RouteWish> RouteCheck::CheckRoute(const LookUp& route, Findings& findings) const {
-    const Fields fields = FieldsOf(route);
+    const Fields fields = ConfigurationFileEvents::SplitRoute(route.Text());
+    const auto placeOf = [&](std::string_view piece) { return OwnPieceOf(route, piece); };
     const std::size_t errorsBefore = findings.Errors();
     if (fields.sent.empty()) {
         findings.Warning("no-route", OwnValueOf(route),
-                         (route.text.starts_with(',') ? "the text begins with a comma"
-                                                      : "no field has a comma behind it") +
+                         (route.Text().starts_with(',') ? "the text begins with a comma"
+                                                        : "no field has a comma behind it") +
                              std::string(": no route comes of it"));
         return std::nullopt;
     }
-    CheckCompleteness(fields, findings);
+    CheckCompleteness(fields, placeOf(fields.rest), findings);
     const AddressRole roles[] = {AddressRole::kRouteDestination, AddressRole::kRouteMask,
                                  AddressRole::kRouteGateway};
     for (std::size_t i = 0; i < std::min(fields.sent.size(), std::size(roles)); ++i) {
-        if (const auto fault = CheckAddress(roles[i], fields.sent[i].text)) {
-            findings.Add({fault->severity, fault->code, fields.sent[i].place, fault->message});
+        if (const auto fault = CheckAddress(roles[i], fields.sent[i])) {
+            findings.Add({fault->severity, fault->code, placeOf(fields.sent[i]), fault->message});
         }
     }
     if (fields.sent.size() == kFields) {
-        CheckMetric(fields.sent.back(), findings);
+        CheckMetric(fields.sent.back(), placeOf(fields.sent.back()), findings);
     }
     if (findings.Errors() != errorsBefore) {
         return std::nullopt;
     }
-    const RouteWish wish{*ReadAddress(fields.sent[0].text), *ReadAddress(fields.sent[1].text),
-                         *ReadAddress(fields.sent[2].text),
-                         route.found ? ValueOf(route) : HeaderPlace()};
+    const RouteWish wish{*ReadAddress(fields.sent[0]), *ReadAddress(fields.sent[1]),
+                         *ReadAddress(fields.sent[2]), OwnValueOf(route)};
     if ((wish.destination & ~wish.mask) != 0) {
-        findings.Error("route-bits", fields.sent[0].place,
-                       Quoted(fields.sent[0].text) + " has bits outside the mask " +
-                           Quoted(fields.sent[1].text) + ": the route program refuses it");
+        findings.Error("route-bits", placeOf(fields.sent[0]),
+                       Quoted(fields.sent[0]) + " has bits outside the mask " +
+                           Quoted(fields.sent[1]) + ": the route program refuses it");
         return std::nullopt;
     }
     if (wish.destination == 0 && wish.mask == 0) {
@@ -170,39 +141,38 @@ std::optional<RouteWish> RouteCheck::CheckRoute(const LookUp& route, Findings& f
     return wish;
 }
 
-void RouteCheck::CheckCompleteness(const Fields& fields, Findings& findings) {
+void RouteCheck::CheckCompleteness(const Fields& fields, const Place& place, Findings& findings) {
     static constexpr const char* kLacking[] = {"",
                                                "no mask, no gateway and no metric",
                                                "no gateway and no metric",
                                                "no metric",
                                                "no metric",
                                                ""};
-    const Field& rest = fields.rest;
     if (fields.sent.size() == kFields) {
-        if (!rest.text.empty()) {
-            findings.Warning("behind-metric", rest.place,
+        if (!fields.rest.empty()) {
+            findings.Warning("behind-metric", place,
                              "the module ignores what stands behind the metric");
         }
         return;
     }
     std::string message = "the route has " + std::string(kLacking[fields.sent.size()]) +
                           ": the route program refuses it";
-    if (!rest.text.empty()) {
-        message =
-            "no comma stands behind " + Quoted(rest.text) + ": the module drops it, and " + message;
+    if (!fields.rest.empty()) {
+        message = "no comma stands behind " + Quoted(fields.rest) + ": the module drops it, and " +
+                  message;
     }
-    findings.Error("incomplete-route", rest.place, std::move(message));
+    findings.Error("incomplete-route", place, std::move(message));
 }
 
-void RouteCheck::CheckMetric(const Field& metric, Findings& findings) {
-    const std::int32_t number = util::StringToInt(metric.text);
+void RouteCheck::CheckMetric(std::string_view metric, const Place& place, Findings& findings) {
+    const std::int32_t number = util::StringToInt(metric);
     if (number < 1 || number > 9999) {
-        findings.Error("bad-metric", metric.place,
-                       Quoted(metric.text) + " is read as the metric " + std::to_string(number) +
+        findings.Error("bad-metric", place,
+                       Quoted(metric) + " is read as the metric " + std::to_string(number) +
                            ": the route program takes 1 to 9999");
-    } else if (!IsWholeNumber(metric.text)) {
-        findings.Warning("odd-metric", metric.place,
-                         Quoted(metric.text) + " is read as the metric " + std::to_string(number));
+    } else if (!IsWholeNumber(metric)) {
+        findings.Warning("odd-metric", place,
+                         Quoted(metric) + " is read as the metric " + std::to_string(number));
     }
 }
 

@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/check/SectionCheck.h"
+#include "toolbox/config/ConfigurationFileEvents.h"
 
 namespace host::check {
 
@@ -32,23 +33,14 @@ public:
     const std::vector<RouteWish>& Routes() const noexcept { return routes_; }
 
 private:
-    struct Field {
-        std::string text;
-        Place place;
-    };
-    /// What the module reads of a route's text: the fields that a comma follows, and what is left.
-    struct Fields {
-        std::vector<Field> sent;
-        Field rest;
-    };
+    using Fields = ConfigurationFileEvents::RouteFields;
 
     void CheckSent(const LookUp& count);
     void CheckUnread();
     void CheckMissing(const LookUp& first, std::size_t count);
-    Fields FieldsOf(const LookUp& route) const;
     std::optional<RouteWish> CheckRoute(const LookUp& route, Findings& findings) const;
-    static void CheckCompleteness(const Fields& fields, Findings& findings);
-    static void CheckMetric(const Field& metric, Findings& findings);
+    static void CheckCompleteness(const Fields& fields, const Place& place, Findings& findings);
+    static void CheckMetric(std::string_view metric, const Place& place, Findings& findings);
 
     std::vector<RouteWish> routes_;
 };

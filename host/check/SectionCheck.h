@@ -6,45 +6,48 @@
 #include <vector>
 
 #include "host/check/Finding.h"
-#include "host/check/ModuleReading.h"
-#include "host/check/SourceFile.h"
 #include "host/check/Values.h"
+#include "host/reading/File.h"
 
 namespace host::check {
 
-/// What the checks of the settings share: one section as the module reads it, where it stands, and
-/// how findings about its look-ups are worded and placed.
+using reading::Entry;
+using reading::LookUp;
+using reading::SectionRole;
+
+/// What the checks of the settings share: one section as the module reads it, and how findings
+/// about its look-ups are worded and placed.
 class SectionCheck {
 public:
-    SectionCheck(const SectionReading& reading, const SourceFile& source,
-                 const FirstEntries& entries, Findings& findings);
+    SectionCheck(const reading::File& file, const reading::Section& section, Findings& findings)
+        : file_(file), section_(section), findings_(findings) {}
 
 protected:
-    const SectionReading& Reading() const noexcept { return reading_; }
-    const SourceFile& Source() const noexcept { return source_; }
+    const reading::Section& Section() const noexcept { return section_; }
+    const reading::File& File() const noexcept { return file_; }
     Findings& Found() noexcept { return findings_; }
 
     /// The section's header: where findings about a missing key stand.
-    Place HeaderPlace() const noexcept { return header_; }
-    /// The value that a look-up yielded, wherever it stands.
-    Place ValueOf(const LookUp& lookUp) const { return Source().ValuePlace(lookUp.sourceLine); }
-    /// The same, or the header where the module goes by another key's value.
+    Place HeaderPlace() const noexcept { return section_.header; }
+    /// The value that the look-up has found, or the header where the module goes by another key's.
     Place OwnValueOf(const LookUp& lookUp) const {
-        return lookUp.found ? ValueOf(lookUp) : header_;
+        return lookUp.found ? lookUp.source->valuePlace : HeaderPlace();
+    }
+    /// The same for a piece of the value.
+    Place OwnPieceOf(const LookUp& lookUp, std::string_view piece) const {
+        return lookUp.found ? file_.PlaceOf(piece) : HeaderPlace();
     }
 
     /// "there is no "Gateway": the module takes the text of "Netmask" in line 7"
     static std::string Reuse(const LookUp& lookUp);
 
     /// The section's own entry of that key; null when there is none.
-    const IniFile::Entry* Own(std::string_view key) const {
-        return entries_.Find(reading_.name, key);
-    }
+    const Entry* Own(std::string_view key) const { return file_.Find(section_.name, key); }
 
     /// The section's entries that look-ups can find, in file order.
-    std::vector<const IniFile::Entry*> OwnEntries() const;
+    std::vector<const Entry*> OwnEntries() const;
     /// Those that no look-up of the module has found.
-    std::vector<const IniFile::Entry*> UnreadEntries() const;
+    std::vector<const Entry*> UnreadEntries() const;
 
     /// Reports a fault of the whole value that the look-up found.
     void ReportValue(const LookUp& lookUp, const std::optional<ValueFault>& fault);
@@ -61,11 +64,9 @@ protected:
     void ReportBeyondCount(std::string_view stem, const LookUp& count);
 
 private:
-    const SectionReading& reading_;
-    const SourceFile& source_;
-    const FirstEntries& entries_;
+    const reading::File& file_;
+    const reading::Section& section_;
     Findings& findings_;
-    Place header_;
 };
 
 /// Whether the key is the stem followed by a number. Regards no case.

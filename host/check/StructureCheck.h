@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <string_view>
+
 #include "host/check/Finding.h"
-#include "host/check/ModuleReading.h"
-#include "host/check/SourceFile.h"
+#include "host/reading/File.h"
 
 namespace host::check {
 
@@ -11,24 +13,25 @@ namespace host::check {
 /// know, and keys that stand there twice.
 class StructureCheck {
 public:
-    StructureCheck(const SourceFile& source, Findings& findings)
-        : source_(source), findings_(findings) {}
+    StructureCheck(const reading::File& file, Findings& findings)
+        : file_(file), findings_(findings) {}
 
     /// False when the file is no text that the module could read (UTF-16): then there is nothing
     /// else to say about it.
     bool CheckEncoding();
     void CheckLines();
     void CheckHeaders();
-    void CheckKeys(const FirstEntries& entries);
+    void CheckKeys();
 
 private:
     void CheckCarriageReturn(std::size_t number);
-    void CheckContinuations(std::size_t first, std::size_t last);
-    void CheckSectionName(std::size_t number);
-    void CheckEntry(std::size_t number, SectionRole role, const FirstEntries& entries);
-    void CheckValueText(std::size_t number);
+    void CheckContinuations(const IniFile::Line& line, std::size_t last);
+    void CheckHeader(const IniFile::Line& line);
+    void CheckSectionName(std::string_view name);
+    void CheckEntry(const reading::Section& section, const reading::Entry& entry);
+    void CheckValueText(std::string_view value);
 
-    const SourceFile& source_;
+    const reading::File& file_;
     Findings& findings_;
 };
 

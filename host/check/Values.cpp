@@ -38,23 +38,10 @@ std::optional<std::uint32_t> ReadPart(std::string_view text) {
     return static_cast<std::uint32_t>(number);
 }
 
-std::vector<std::string> Split(std::string_view text, char separator) {
-    std::vector<std::string> pieces;
-    std::size_t start = 0;
-    for (;;) {
-        const std::size_t end = text.find(separator, start);
-        pieces.emplace_back(text.substr(start, end - start));
-        if (end == std::string_view::npos) {
-            return pieces;
-        }
-        start = end + 1;
-    }
-}
-
 /// As the system reads it: one to four numbers, decimal, octal (0...) or hexadecimal (0x...), the
 /// last of which fills the bytes that are left.
 std::uint32_t ReadNumbers(std::string_view text) {
-    const std::vector<std::string> parts = Split(text, '.');
+    const std::vector<std::string_view> parts = util::SplitAt(text, '.');
     if (parts.size() > 4) {
         return kNoAddress;
     }
@@ -124,7 +111,7 @@ std::string FormatAddress(std::uint32_t address) {
 }
 
 bool IsWholeNumber(std::string_view text) {
-    return text == util::IntToString(util::StringToInt(std::string(text)));
+    return text == util::IntToString(util::StringToInt(text));
 }
 
 std::optional<ValueFault> CheckAddress(AddressRole role, std::string_view text) {
@@ -193,8 +180,8 @@ std::optional<ValueFault> CheckDomainName(std::string_view name) {
         return static_cast<unsigned char>(character) > ' ' &&
                std::string_view("\"/\\[]:|<>+=;,?*%").find(character) == std::string_view::npos;
     };
-    const std::vector<std::string> labels = Split(name, '.');
-    const bool goodLabels = std::all_of(labels.begin(), labels.end(), [](const std::string& label) {
+    const std::vector<std::string_view> labels = util::SplitAt(name, '.');
+    const bool goodLabels = std::all_of(labels.begin(), labels.end(), [](std::string_view label) {
         return !label.empty() && label.size() <= 63;
     });
     if (name.size() > 255 || !goodLabels || !HasOnly(name, allowed)) {
@@ -208,9 +195,8 @@ std::optional<ValueFault> CheckUnit(std::string_view unit) {
     if (unit.find("OU=") != std::string_view::npos) {
         return std::nullopt;  // a distinguished name, taken as it stands
     }
-    const std::vector<std::string> components = Split(unit, '/');
-    if (!unit.empty() &&
-        std::find(components.begin(), components.end(), std::string()) != components.end()) {
+    const std::vector<std::string_view> components = util::SplitAt(unit, '/');
+    if (!unit.empty() && std::ranges::find(components, std::string_view()) != components.end()) {
         return Error("bad-unit", Quoted(unit) +
                                      " has an empty component: the module makes \"OU=\" "
                                      "of it, which names no unit");
@@ -237,9 +223,4 @@ std::optional<ValueFault> CheckSuffix(std::string_view suffix) {
     }
     return std::nullopt;
 }
-
-std::vector<std::string> SplitList(std::string_view text) {
-    return Split(text, ',');
-}
-
 }  // namespace host::check

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "host/check/Finding.h"
 
@@ -43,8 +42,4 @@ std::optional<ValueFault> CheckWorkgroupName(std::string_view name);
 std::optional<ValueFault> CheckDomainName(std::string_view name);
 std::optional<ValueFault> CheckUnit(std::string_view unit);
 std::optional<ValueFault> CheckSuffix(std::string_view suffix);
-
-/// The pieces between the commas, empty ones included.
-std::vector<std::string> SplitList(std::string_view text);
-
 }  // namespace host::check

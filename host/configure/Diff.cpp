@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "common/util/Strings.h"
-#include "host/configure/SettingNames.h"
 #include "host/configure/Values.h"
+#include "host/reading/SettingNames.h"
 
 namespace host::configure {
 

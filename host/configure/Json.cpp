@@ -3,6 +3,7 @@
 #include "host/Text.h"
 #include "host/configure/RestartStory.h"
 #include "host/configure/Values.h"
+#include "host/reading/SettingNames.h"
 
 namespace host::configure {
 
@@ -52,11 +53,11 @@ Json OfRow(const Row& row) {
     const Setting& setting = row.setting;
     Json json = {{"setting", Identifier(setting.kind)},
                  {"fate", Identifier(row.fate)},
-                 {"line", setting.at.line},
+                 {"line", setting.at.place.line},
                  {"section", Text(setting.at.section)}};
     AddText(json, "key", setting.at.key);
-    json["keys"] = Array(setting.keys, [](const KeyPlace& place) {
-        return Json{{"key", Text(place.key)}, {"line", place.line}};
+    json["keys"] = Array(setting.keys, [](const reading::KeyPlace& key) {
+        return Json{{"key", Text(key.key)}, {"line", key.place.line}};
     });
     if (row.index) {
         json["adapter"] = {{"index", *row.index}, {"label", Text(row.adapter)}};

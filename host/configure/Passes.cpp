@@ -91,7 +91,7 @@ bool Outcome::Settled() const {
 
 Outcome RunPasses(const Request& request, const machine::State& machine) {
     // Read first: a run on this machine would take the file away.
-    const std::vector<Setting> settings = ReadSettings(request.file);
+    const std::vector<Setting> settings = reading::SettingsOf(reading::File::Read(request.file));
     Outcome outcome;
     {
         machine::Simulation simulation(machine);
@@ -113,7 +113,7 @@ Outcome RunPasses(const Request& request, const machine::State& machine) {
 
 Outcome RunHere(const Request& request) {
     static_cast<void>(ReadWholeFile(request.file));  // the module would only answer 0
-    const std::vector<Setting> settings = ReadSettings(request.file);
+    const std::vector<Setting> settings = reading::SettingsOf(reading::File::Read(request.file));
     Outcome outcome;
     outcome.passes.push_back(
         MakePass(RunOnThisMachine(request.module, request.file, request.watcher)));

@@ -7,10 +7,12 @@
 #include <vector>
 
 #include "host/configure/RunOnce.h"
-#include "host/configure/Settings.h"
 #include "host/configure/Steps.h"
+#include "host/reading/Settings.h"
 
 namespace host::configure {
+
+using reading::Setting;
 
 enum class Fate {
     kChange,        ///< executed

@@ -26,8 +26,9 @@ bool IsThere(const Row& row, const machine::State& before) {
     switch (row.setting.kind) {
         case Kind::kDomain:
             return !row.setting.wanted.empty() && before.membership.member &&
-                   (util::NoCaseEqual(row.setting.wanted.front(), before.membership.domain) ||
-                    util::NoCaseEqual(row.setting.wanted.front(), before.membership.dnsDomain));
+                   (util::NoCaseEqual(row.setting.wanted.front().text, before.membership.domain) ||
+                    util::NoCaseEqual(row.setting.wanted.front().text,
+                                      before.membership.dnsDomain));
         case Kind::kRoutes:
             return Same(Sorted(row.current.value_or(Texts())), Sorted(row.wanted));
         default:
@@ -86,7 +87,7 @@ std::string WhyNoWish(const Row& row, const Run& run, const Story& story, const 
         case Kind::kAccount:
             return "for what changes names and membership; never shown";
         case Kind::kRestartAnswer:
-            if (!util::NoCaseEqual(ListText(row.setting.wanted), "false")) {
+            if (!util::NoCaseEqual(ListText(row.wanted), "false")) {
                 return "a needed restart is reported";
             }
             return run.Reply("Status-Module") == logging::kMarkerModule

@@ -3,6 +3,7 @@
 #include "host/configure/Codes.h"
 #include "host/configure/RestartStory.h"
 #include "host/configure/RowText.h"
+#include "host/reading/SettingNames.h"
 
 namespace host::configure {
 

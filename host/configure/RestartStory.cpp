@@ -2,6 +2,7 @@
 
 #include "host/configure/RowText.h"
 #include "host/configure/Values.h"
+#include "host/reading/SettingNames.h"
 
 namespace host::configure {
 

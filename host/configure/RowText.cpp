@@ -7,6 +7,7 @@
 #include "host/configure/Codes.h"
 #include "host/configure/Reasons.h"
 #include "host/configure/Values.h"
+#include "host/reading/SettingNames.h"
 
 namespace host::configure {
 
@@ -118,7 +119,7 @@ bool IsSection(const Row& row) {
 }  // namespace
 
 std::string PlaceText(const Row& row, const std::string& file) {
-    return file + ":" + std::to_string(row.setting.at.line);
+    return file + ":" + std::to_string(row.setting.at.place.line);
 }
 
 std::string StepText(const Row& row) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "common/util/Strings.h"
-#include "host/configure/SettingNames.h"
+#include "host/reading/SettingNames.h"
 
 namespace host::configure {
 
@@ -147,7 +147,7 @@ std::optional<Texts> CurrentValues(const machine::State& state, Kind kind,
             Texts routes;
             for (const machine::PersistedRoute& route : state.routes) {
                 routes.push_back(
-                    RouteText(route.destination, route.mask, route.nextHop, route.metric));
+                    reading::RouteText(route.destination, route.mask, route.nextHop, route.metric));
             }
             return routes;
         }
@@ -160,11 +160,11 @@ std::optional<Texts> CurrentValues(const machine::State& state, Kind kind,
 
 Texts WantedValues(const Setting& setting) {
     if (setting.kind != Kind::kWorkgroup && setting.kind != Kind::kDomain) {
-        return setting.wanted;
+        return reading::WantedTexts(setting);
     }
     Texts wanted;
-    for (const std::string& name : setting.wanted) {
-        wanted.push_back((setting.kind == Kind::kDomain ? "domain " : "workgroup ") + name);
+    for (const reading::Value& name : setting.wanted) {
+        wanted.push_back((setting.kind == Kind::kDomain ? "domain " : "workgroup ") + name.text);
     }
     return wanted;
 }

@@ -7,10 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "host/configure/Settings.h"
+#include "host/reading/Settings.h"
 #include "machine/State.h"
 
 namespace host::configure {
+
+using reading::Setting;
 
 /// PCI 3/0/0 "Ethernet 2" (index 7)
 std::string AdapterLabel(const machine::Adapter& adapter);

@@ -4,6 +4,7 @@
 
 #include "host/configure/Plan.h"
 #include "host/configure/Steps.h"
+#include "host/reading/SettingNames.h"
 #include "tests/configure/Support.h"
 
 namespace {
@@ -51,14 +52,14 @@ std::string Fates(const std::vector<Setting>& settings, const Run& run) {
 
 std::vector<Setting> Settings() {
     const Files files;
-    return ReadSettings(files.Write(
+    return SettingsOf(host::reading::File::Read(files.Write(
         "story.ini",
         "[NicEntry1]\nDescription=a\nDHCP=no\nAddress=10.0.0.1\nNetmask=255.0.0.0\n"
         "Gateway=10.0.0.2\nDNS-Server-Count=1\nDNS-Server0=10.0.0.3\nDNS-SuffixSearchOrder=x\n"
         "Static-Route-Count=-1\n"
         "[Networking]\nWorkgroup=false\nDNSDomain=corp.example\nComputerName=PC7\n"
         "[NicEntry2]\nDescription=b\nDHCP=true\nDNS-Server-Count=0\nDNS-SuffixSearchOrder=x\n"
-        "Static-Route-Count=-1\n"));
+        "Static-Route-Count=-1\n")));
 }
 
 const std::string kFirstNic = std::string(kRun) + "ConfigureNic ()";

@@ -67,8 +67,7 @@ struct Forecast {
 };
 
 Forecast Foresee(const Subject& subject, const std::string& file) {
-    host::check::CheckedFile checked;
-    host::check::CheckFile(file, checked);
+    const host::check::CheckedFile checked = host::check::CheckFile(file);
     Forecast forecast;
     forecast.hasErrors = checked.findings.Errors() > 0;
     for (const host::check::Finding& finding : checked.findings.List()) {

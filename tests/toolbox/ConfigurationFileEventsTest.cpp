@@ -26,7 +26,7 @@ std::string Events(const std::string& text) {
     std::string words;
     ConfigurationFileEvents events(
         file,
-        [&](std::uint32_t kind, std::uint32_t type, const std::string& value) {
+        [&](std::uint32_t kind, std::uint32_t type, std::string_view value) {
             if (type == config::Event::END) {
                 EXPECT_EQ(value, "");
                 words += "- ";
@@ -34,7 +34,7 @@ std::string Events(const std::string& text) {
             }
             words += type == config::Event::BEGIN ? "+" : "";
             words += kKindNames[kind];
-            words += "(" + value + ") ";
+            words.append("(").append(value).append(") ");
         },
         [] {
             return [](const std::string& enciphered, std::string& plain) {

@@ -4,15 +4,25 @@
 
 #include "common/err/GeneralError.h"
 #include "common/util/Strings.h"
+#include "toolbox/config/ConfigurationKeys.h"
 
 namespace Event = config::Event;
+namespace key = config::key;
+
+namespace {
+
+std::string Numbered(std::string_view stem, std::int32_t number) {
+    return std::string(stem) + util::IntToString(number);
+}
+
+}  // namespace
 
 ConfigurationFileEvents::ConfigurationFileEvents(IniFile& file, Sink sink,
                                                  OpenDecipher openDecipher)
     : file_(file), sink_(std::move(sink)), openDecipher_(std::move(openDecipher)) {}
 
 bool ConfigurationFileEvents::SuppressesReboot() {
-    return Find("Global", "RebootAfterConfig") && util::NoCaseEqual(text_, "false");
+    return Find(key::kGlobal, key::kRebootAfterConfig) && util::NoCaseEqual(text_, "false");
 }
 
 void ConfigurationFileEvents::SendSections() {
@@ -23,14 +33,14 @@ void ConfigurationFileEvents::SendSections() {
     }
 }
 
-ConfigurationFileEvents::SectionKind ConfigurationFileEvents::KindOf(const std::string& section) {
-    if (section == "TCP/IP" || section.find("NicEntry") != std::string::npos) {
+ConfigurationFileEvents::SectionKind ConfigurationFileEvents::KindOf(std::string_view section) {
+    if (section == key::kTcpIp || section.find(key::kNicEntry) != std::string_view::npos) {
         return SectionKind::kAdapter;
     }
-    return section == "Networking" ? SectionKind::kNetworking : SectionKind::kIgnored;
+    return section == key::kNetworking ? SectionKind::kNetworking : SectionKind::kIgnored;
 }
 
-void ConfigurationFileEvents::SendSection(const std::string& section) {
+void ConfigurationFileEvents::SendSection(std::string_view section) {
     switch (KindOf(section)) {
         case SectionKind::kAdapter:
             SendAdapter(section);
@@ -43,32 +53,29 @@ void ConfigurationFileEvents::SendSection(const std::string& section) {
     }
 }
 
-bool ConfigurationFileEvents::Find(const std::string& section, std::string_view key) {
-    const bool found = file_.GetValue(section, key, text_) == IniFile::kSuccess;
+bool ConfigurationFileEvents::Find(std::string_view section, std::string_view key) {
+    const IniFile::Entry* const found = file_.Find(section, key);
+    if (found != nullptr) {
+        text_ = found->value;
+    }
     if (observer_) {
         observer_(section, key, found);
     }
-    return found;
+    return found != nullptr;
 }
 
-void ConfigurationFileEvents::Send(Kind kind, Type type, const std::string& value) {
+void ConfigurationFileEvents::Send(Kind kind, Type type, std::string_view value) {
     sink_(kind, type, value);
 }
 
-void ConfigurationFileEvents::SendValue(Kind kind, const std::string& value) {
+void ConfigurationFileEvents::SendValue(Kind kind, std::string_view value) {
     Send(kind, Event::VALUE, value);
 }
 
 /// Sends every piece of the text between the commas, empty ones and the last one included.
 void ConfigurationFileEvents::SendList(Kind kind) {
-    std::size_t start = 0;
-    for (;;) {
-        const std::size_t comma = text_.find(',', start);
-        SendValue(kind, text_.substr(start, comma - start));
-        if (comma == std::string::npos) {
-            return;
-        }
-        start = comma + 1;
+    for (const std::string_view item : util::SplitAt(text_, ',')) {
+        SendValue(kind, item);
     }
 }
 
@@ -83,7 +90,7 @@ std::int32_t ConfigurationFileEvents::Count() const {
     return count;
 }
 
-void ConfigurationFileEvents::SendNetworking(const std::string& section) {
+void ConfigurationFileEvents::SendNetworking(std::string_view section) {
     // Destroyed, and the deciphering library with it, at the end of this section.
     const Decrypt decrypt = openDecipher_();
     std::string user;
@@ -91,12 +98,12 @@ void ConfigurationFileEvents::SendNetworking(const std::string& section) {
     const util::SecretGuard eraseUser(user);
     const util::SecretGuard erasePassword(password);
     bool hasCredentials = false;
-    if (Find(section, "DomainUsername") && !text_.empty()) {
-        decrypt(text_, user);
+    if (Find(section, key::kDomainUsername) && !text_.empty()) {
+        decrypt(std::string(text_), user);
         hasCredentials = true;
     }
-    if (Find(section, "DomainPassword") && !text_.empty()) {
-        decrypt(text_, password);
+    if (Find(section, key::kDomainPassword) && !text_.empty()) {
+        decrypt(std::string(text_), password);
     }
     // They go to the command sent just before, so the join and the rename each get them.
     const auto sendCredentials = [&] {
@@ -107,11 +114,11 @@ void ConfigurationFileEvents::SendNetworking(const std::string& section) {
     };
 
     const bool workgroupChosen = SendMembership(section);
-    if (Find(section, "DSOrganizationalUnit") && !workgroupChosen) {
+    if (Find(section, key::kDsOrganizationalUnit) && !workgroupChosen) {
         SendValue(Event::ORGANIZATIONAL_UNIT, text_);
     }
     sendCredentials();
-    if (Find(section, "ComputerName")) {
+    if (Find(section, key::kComputerName)) {
         SendValue(Event::COMPUTER_NAME, text_);
     }
     sendCredentials();
@@ -119,23 +126,23 @@ void ConfigurationFileEvents::SendNetworking(const std::string& section) {
 
 /// Returns whether the file names a workgroup. The literal one that stands for an empty domain does
 /// not count: an organisational unit is still sent after it.
-bool ConfigurationFileEvents::SendMembership(const std::string& section) {
-    if (!Find(section, "Workgroup")) {
+bool ConfigurationFileEvents::SendMembership(std::string_view section) {
+    if (!Find(section, key::kWorkgroup)) {
         return false;
     }
     if (util::NoCaseEqual(text_, "True")) {
-        if (!Find(section, "Domain")) {
+        if (!Find(section, key::kDomain)) {
             return false;
         }
         SendValue(Event::WORKGROUP, text_);
         return true;
     }
-    if (!Find(section, "DNSDomain")) {
+    if (!Find(section, key::kDnsDomain)) {
         return false;
     }
     if (!text_.empty()) {
         SendValue(Event::DOMAIN, text_);
-    } else if (Find(section, "Domain")) {
+    } else if (Find(section, key::kDomain)) {
         if (!text_.empty()) {
             SendValue(Event::DOMAIN, text_);
         } else {
@@ -145,14 +152,14 @@ bool ConfigurationFileEvents::SendMembership(const std::string& section) {
     return false;
 }
 
-void ConfigurationFileEvents::SendAdapter(const std::string& section) {
+void ConfigurationFileEvents::SendAdapter(std::string_view section) {
     // The one status of the section: set by "Description" and by each "DNS-Server" look-up.
-    bool found = Find(section, "Description");
+    bool found = Find(section, key::kDescription);
     if (found) {
         Send(Event::NIC, Event::BEGIN, text_);
     }
 
-    Find(section, "DHCP");
+    Find(section, key::kDhcp);
     if (found) {
         if (util::NoCaseEqual(text_, "true")) {
             SendValue(Event::DHCP, {});
@@ -161,23 +168,23 @@ void ConfigurationFileEvents::SendAdapter(const std::string& section) {
         }
     }
 
-    Find(section, "DNS-Server-Count");
+    Find(section, key::kDnsServerCount);
     if (found) {
         const std::int32_t count = Count();
         for (std::int32_t i = 0; i < count; ++i) {
-            found = Find(section, "DNS-Server" + util::IntToString(i));
+            found = Find(section, Numbered(key::kDnsServer, i));
             if (found) {
                 SendValue(Event::DNS_SERVER, text_);
             }
         }
     }
 
-    Find(section, "DNS-SuffixSearchOrder");
+    Find(section, key::kDnsSuffixSearchOrder);
     if (found) {
         SendList(Event::DNS_SUFFIX);
     }
 
-    Find(section, "Static-Route-Count");
+    Find(section, key::kStaticRouteCount);
     if (found) {
         SendRoutes(section);
     }
@@ -185,19 +192,19 @@ void ConfigurationFileEvents::SendAdapter(const std::string& section) {
     Send(Event::NIC, Event::END);
 }
 
-void ConfigurationFileEvents::SendStaticAddressing(const std::string& section) {
+void ConfigurationFileEvents::SendStaticAddressing(std::string_view section) {
     SendValue(Event::STATIC, {});
     Send(Event::IP_INTERFACE, Event::BEGIN);
-    Find(section, "Address");
+    Find(section, key::kAddress);
     SendList(Event::IP_ADDRESS);
-    Find(section, "Netmask");
+    Find(section, key::kNetmask);
     SendList(Event::SUBNET_MASK);
     Send(Event::IP_INTERFACE, Event::END);
-    Find(section, "Gateway");
+    Find(section, key::kGateway);
     SendList(Event::GATEWAY);
 }
 
-void ConfigurationFileEvents::SendRoutes(const std::string& section) {
+void ConfigurationFileEvents::SendRoutes(std::string_view section) {
     const std::int32_t count = Count();
     if (count == 0) {
         Send(Event::STATIC_ROUTE, Event::BEGIN);
@@ -206,27 +213,33 @@ void ConfigurationFileEvents::SendRoutes(const std::string& section) {
     }
     for (std::int32_t i = 0; i < count; ++i) {
         Send(Event::STATIC_ROUTE, Event::BEGIN);
-        Find(section, "Route" + util::IntToString(i));
+        Find(section, Numbered(key::kRoute, i));
         SendRouteFields();
         Send(Event::STATIC_ROUTE, Event::END);
     }
 }
 
-/// Sends the pieces of the text that a comma follows, five at most; none of a text that begins with
-/// a comma.
 void ConfigurationFileEvents::SendRouteFields() {
-    if (text_.starts_with(',')) {
-        return;
+    static constexpr Kind kKinds[kRouteFields] = {Event::IP_ADDRESS, Event::SUBNET_MASK,
+                                                  Event::ROUTE_GATEWAY, Event::ROUTE_FIELD4,
+                                                  Event::ROUTE_METRIC};
+    const RouteFields fields = SplitRoute(text_);
+    for (std::size_t i = 0; i < fields.sent.size(); ++i) {
+        SendValue(kKinds[i], fields.sent[i]);
     }
-    std::size_t start = 0;
-    for (const Kind kind : {Event::IP_ADDRESS, Event::SUBNET_MASK, Event::ROUTE_GATEWAY,
-                            Event::ROUTE_FIELD4, Event::ROUTE_METRIC}) {
-        const std::size_t comma = text_.find(',', start);
-        if (comma == std::string::npos) {
-            return;
+}
+
+ConfigurationFileEvents::RouteFields ConfigurationFileEvents::SplitRoute(std::string_view text) {
+    RouteFields fields;
+    std::string_view rest = text;
+    while (!text.starts_with(',') && fields.sent.size() < kRouteFields) {
+        const std::size_t comma = rest.find(',');
+        if (comma == std::string_view::npos) {
+            break;
         }
-        const std::string_view piece = std::string_view(text_).substr(start, comma - start);
-        SendValue(kind, std::string(util::TrimBlanks(piece)));
-        start = comma + 1;
+        fields.sent.push_back(util::TrimBlanks(rest.substr(0, comma)));
+        rest.remove_prefix(comma + 1);
     }
+    fields.rest = util::TrimBlanks(rest);
+    return fields;
 }

@@ -89,8 +89,8 @@ std::int32_t Configure::Run(IHostMessage& message, config::ConfigBuilder& builde
     file.Load(path, false);  // a file that cannot be read has no sections: nothing to do
     ConfigurationFileEvents events(
         file,
-        [&builder](std::uint32_t kind, std::uint32_t type, const std::string& value) {
-            builder.ConfigEvent(kind, type, value);
+        [&builder](std::uint32_t kind, std::uint32_t type, std::string_view value) {
+            builder.ConfigEvent(kind, type, std::string(value));
         },
         OpenCryptoDll);
     const bool noReboot = events.SuppressesReboot();

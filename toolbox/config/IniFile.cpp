@@ -200,7 +200,8 @@ std::uint32_t IniFile::Load(const std::string& path, bool merge) {
             Clear();
         }
         buffers_.push_back(std::move(buffer));
-        const std::uint32_t result = Parse(std::string_view(buffers_.back().get(), size), merge);
+        bytes_ = {buffers_.back().get(), size};
+        const std::uint32_t result = Parse(bytes_, merge);
         if (result == kSuccess) {
             path_ = path;
             entriesModified_ = false;
@@ -219,15 +220,22 @@ std::uint32_t IniFile::Parse(std::string_view text, bool merge) {
     LineSplitter lines(text);
     while (const std::optional<std::string_view> line = lines.Next()) {
         if (line->front() == '[') {
-            section = &OpenSection(SectionName(*line));
+            const std::string_view name = SectionName(*line);
+            section = &OpenSection(name);
+            Tell({Line::Kind::kHeader, lines.Number(), *line, section->name, name, {}});
             continue;
         }
         const bool comment = line->front() == ';' || line->front() == '#';
         const std::size_t equals = line->find('=');
         if (!comment && equals == std::string_view::npos) {
-            if (section != nullptr) {
-                ContinueEntry(*section, *line);
-            }
+            const std::size_t continued = section == nullptr ? 0 : ContinueEntry(*section, *line);
+            Tell({Line::Kind::kContinuation,
+                  lines.Number(),
+                  *line,
+                  section == nullptr ? std::string_view() : section->name,
+                  {},
+                  {},
+                  continued});
             continue;
         }
         if (section == nullptr) {
@@ -235,6 +243,7 @@ std::uint32_t IniFile::Parse(std::string_view text, bool merge) {
         }
         if (comment) {
             Append(*section, {{}, *line, lines.Number()});
+            Tell({Line::Kind::kComment, lines.Number(), *line, section->name, {}, {}});
             continue;
         }
         const Entry entry{util::TrimBlanks(line->substr(0, equals)),
@@ -244,6 +253,7 @@ std::uint32_t IniFile::Parse(std::string_view text, bool merge) {
         } else {
             Append(*section, entry);
         }
+        Tell({Line::Kind::kEntry, entry.line, *line, section->name, entry.key, entry.value});
     }
     ending_ = lines.Ending();
     return replaced ? kValueReplaced : kSuccess;
@@ -254,6 +264,7 @@ void IniFile::Clear() {
     *sectionIndex_ = NameIndex();
     texts_.clear();
     buffers_.clear();
+    bytes_ = {};
     cursor_ = 0;
 }
 
@@ -276,9 +287,9 @@ void IniFile::Append(Section& section, const Entry& entry) {
     section.continuedValue = nullptr;
 }
 
-void IniFile::ContinueEntry(Section& section, std::string_view text) {
+std::size_t IniFile::ContinueEntry(Section& section, std::string_view text) {
     if (section.previous == Section::kNone) {
-        return;
+        return 0;
     }
     Entry& entry = section.entries[section.previous];
     if (section.continuedValue == nullptr) {
@@ -287,6 +298,7 @@ void IniFile::ContinueEntry(Section& section, std::string_view text) {
     }
     section.continuedValue->append(1, '\n').append(text);
     entry.value = *section.continuedValue;
+    return entry.line;
 }
 
 bool IniFile::MergeEntry(Section& section, const Entry& entry) {
@@ -325,16 +337,23 @@ IniFile::Section* IniFile::FindSection(std::string_view name) const {
 
 std::uint32_t IniFile::GetValue(std::string_view section, std::string_view key,
                                 std::string& value) const {
-    Section* const found = FindSection(section);
+    Section* const holder = FindSection(section);
+    const Entry* const found = holder == nullptr ? nullptr : FindIn(*holder, key);
     if (found == nullptr) {
-        return kSectionNotFound;
+        return holder == nullptr ? kSectionNotFound : kKeyNotFound;
     }
-    const std::size_t position = FindEntry(*found, key);
-    if (position == found->entries.size()) {
-        return kKeyNotFound;
-    }
-    value = found->entries[position].value;
+    value = found->value;
     return kSuccess;
+}
+
+const IniFile::Entry* IniFile::Find(std::string_view section, std::string_view key) const {
+    Section* const holder = FindSection(section);
+    return holder == nullptr ? nullptr : FindIn(*holder, key);
+}
+
+const IniFile::Entry* IniFile::FindIn(Section& section, std::string_view key) const {
+    const std::size_t position = FindEntry(section, key);
+    return position == section.entries.size() ? nullptr : &section.entries[position];
 }
 
 std::uint32_t IniFile::GetFirstSection(std::string& name) {

@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// Reads an INI-style file: named sections of key/value lines. Never writes it. Bytes are bytes:
@@ -32,11 +34,29 @@ public:
         std::size_t line;  ///< counted from 1
     };
 
+    /// What became of one line that is not blank. Texts are views into the file's bytes.
+    struct Line {
+        enum class Kind { kHeader, kComment, kEntry, kContinuation };
+
+        Kind kind;
+        std::size_t number;        ///< counted from 1
+        std::string_view text;     ///< without the blanks at its ends
+        std::string_view section;  ///< that it belongs to, spelled as at first; empty before any
+        std::string_view name;     ///< a header's section or an entry's key, as it stands here
+        std::string_view value;    ///< an entry's, without what continues it
+        /// The line of the entry or comment that a continuation goes to; 0 where it is ignored.
+        std::size_t continued = 0;
+    };
+    using LineObserver = std::function<void(const Line&)>;
+
     /// `caseSensitiveKeys` concerns the keys; section names never regard case.
     explicit IniFile(bool caseSensitiveKeys = false);
     ~IniFile();
     IniFile(const IniFile&) = delete;
     IniFile& operator=(const IniFile&) = delete;
+
+    /// For whoever wants to know where things stand; the module does not. To be set before a load.
+    void ObserveLines(LineObserver observer) { lineObserver_ = std::move(observer); }
 
     /// Reads the whole file. Unless `merge` is true everything held before is discarded, but not
     /// before the new file has been read: after kFileError the reader is as it was. After kNoMemory
@@ -47,6 +67,9 @@ public:
     std::uint32_t GetValue(std::string_view section, std::string_view key,
                            std::string& value) const;
 
+    /// The first entry of that key; null when there is none. Valid until the next load.
+    const Entry* Find(std::string_view section, std::string_view key) const;
+
     /// The walk over the section names in the order of their first appearance. `name` is assigned
     /// on success only.
     std::uint32_t GetFirstSection(std::string& name);
@@ -56,6 +79,8 @@ public:
     /// until the next load.
     const std::vector<Entry>* Entries(std::string_view section) const;
 
+    /// What the last load has read.
+    std::string_view Bytes() const noexcept { return bytes_; }
     const std::string& Path() const noexcept { return path_; }
     LineEnding Ending() const noexcept { return ending_; }
     /// Whether a merging load has added entries, or replaced values, since the last plain success.
@@ -68,18 +93,27 @@ private:
 
     std::uint32_t Parse(std::string_view text, bool merge);
     void Clear();
+    void Tell(const Line& line) const {
+        if (lineObserver_) {
+            lineObserver_(line);
+        }
+    }
     Section& OpenSection(std::string_view name);
     // Both take what has been added since the last look-up into the index that they search.
     Section* FindSection(std::string_view name) const;
+    const Entry* FindIn(Section& section, std::string_view key) const;
     std::size_t FindEntry(Section& section, std::string_view key) const;
     bool MergeEntry(Section& section, const Entry& entry);
     static void Append(Section& section, const Entry& entry);
-    void ContinueEntry(Section& section, std::string_view text);
+    /// Returns the line of the entry that is continued; 0 when there is none.
+    std::size_t ContinueEntry(Section& section, std::string_view text);
 
     bool caseSensitiveKeys_;
     std::string path_;
     std::vector<std::unique_ptr<Section>> sections_;
     std::unique_ptr<NameIndex> sectionIndex_;
+    LineObserver lineObserver_;                     // empty unless set
+    std::string_view bytes_;                        // of the last load
     std::vector<std::unique_ptr<char[]>> buffers_;  // the loaded files' bytes
     std::deque<std::string> texts_;                 // values put together from several lines
     std::size_t cursor_ = 0;

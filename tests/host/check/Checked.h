@@ -10,12 +10,11 @@ namespace check_tests {
 /// A configuration file of a test, checked.
 class Checked {
 public:
-    explicit Checked(const std::string& text) : file_(text, "checked.ini") {
-        host::check::CheckFile(file_.Path(), checked_);
-    }
+    explicit Checked(const std::string& text)
+        : file_(text, "checked.ini"), checked_(host::check::CheckFile(file_.Path())) {}
 
     const host::check::Findings& Findings() const { return checked_.findings; }
-    const host::check::SourceFile& Source() const { return checked_.source; }
+    const host::reading::File& File() const { return checked_.file; }
 
     /// "E 3:9 bad-address, W 4:1 unused-key"
     std::string Summary() const {
@@ -40,7 +39,7 @@ public:
 
 private:
     const toolbox_tests::ScratchFile file_;
-    host::check::CheckedFile checked_;
+    const host::check::CheckedFile checked_;
 };
 
 }  // namespace check_tests

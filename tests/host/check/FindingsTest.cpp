@@ -89,9 +89,7 @@ TEST(CheckFindings, TheFileAsAWhole) {
         {"a lone carriage return", "[Networking]\nComputerName=PC-1\rWorkgroup=x\n",
          "W 2:18 carriage-return"},
     });
-    host::check::CheckedFile missing;
-    host::check::CheckFile("no-such-file.ini", missing);
-    EXPECT_EQ(missing.findings.Errors(), 1U);
+    EXPECT_EQ(host::check::CheckFile("no-such-file.ini").findings.Errors(), 1U);
 }
 
 TEST(CheckFindings, SectionsAndKeys) {
@@ -302,6 +300,10 @@ TEST(CheckFindings, TheTextThatAMissingKeyReuses) {
     };
     const std::string head = "[TCP/IP]\nDescription=lan\n";
     const ReuseCase cases[] = {
+        {"no Description", "[TCP/IP]\nDHCP=true\n[Networking]\nComputerName=PC-1\n",
+         "E 1:2 no-description",
+         "sets nothing of this section and gives the whole file up when it "
+         "is in [Networking]"},
         {"suffixes of a DHCP adapter", head + "DHCP=true\nStatic-Route-Count=-1\n",
          "W 1:2 reused-text",
          "no \"DNS-SuffixSearchOrder\": the module takes the text of \"DHCP\" in line 3 and sets "

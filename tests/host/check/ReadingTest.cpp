@@ -3,49 +3,14 @@
 #include <string>
 #include <vector>
 
+#include "host/Spelling.h"
 #include "host/check/KnownNames.h"
+#include "host/reading/Secrets.h"
 #include "tests/host/check/Checked.h"
-#include "tests/host/check/RandomFile.h"
-#include "toolbox/config/IniFile.h"
 
 namespace {
 
 using check_tests::Checked;
-using check_tests::RandomFile;
-using toolbox_tests::ScratchFile;
-
-TEST(CheckReading, LinesAreTakenApartAsTheModuleDoes) {
-    RandomFile files(7);
-    for (int i = 0; i < 200; ++i) {
-        std::string text = files.Make();
-        for (int changes = files.Below(8); changes > 0 && !text.empty(); --changes) {
-            const char characters[] = "[]=;#\r\n \t\0x";
-            text[static_cast<std::size_t>(files.Below(static_cast<int>(text.size())))] =
-                characters[files.Below(sizeof characters - 1)];
-        }
-        const ScratchFile scratch(text, "lines.ini");
-        IniFile file;
-        file.Load(scratch.Path(), false);
-        host::check::SourceFile source;
-        ASSERT_TRUE(source.Load(scratch.Path()));
-        std::string section;
-        for (auto result = file.GetFirstSection(section); result == IniFile::kSuccess;
-             result = file.GetNextSection(section)) {
-            std::vector<std::size_t> expected;
-            for (const IniFile::Entry& entry : *file.Entries(section)) {
-                const host::check::SourceLine& line = source.Line(entry.line);
-                if (line.kind == host::check::LineKind::kComment) {
-                    EXPECT_TRUE(entry.key.empty() && entry.value.starts_with(line.text)) << text;
-                    continue;
-                }
-                expected.push_back(entry.line);
-                EXPECT_EQ(line.key, entry.key) << text;
-                EXPECT_TRUE(entry.value.starts_with(line.value)) << text;
-            }
-            EXPECT_EQ(source.EntriesOf(section), expected) << text;
-        }
-    }
-}
 
 TEST(CheckReading, SecretsAreShownNowhere) {
     const std::string secret = "c4n4ry";
@@ -67,8 +32,8 @@ TEST(CheckReading, SecretsAreShownNowhere) {
             const Checked checked(section + line + "\n");
             EXPECT_FALSE(checked.Findings().List().empty()) << line;
             std::string shown = checked.Messages();
-            for (std::size_t i = 1; i <= checked.Source().LineCount(); ++i) {
-                shown += checked.Source().Shown(i) + "\n";
+            for (std::size_t i = 1; i <= checked.File().LineCount(); ++i) {
+                shown += ShownLine(checked.File(), i) + "\n";
             }
             EXPECT_EQ(shown.find(secret), std::string::npos) << shown;
         }
@@ -101,7 +66,7 @@ TEST(CheckReading, WhatWasProbablyMeant) {
     for (const auto& [name, meant] : keys) {
         EXPECT_EQ(NearestKey(SectionRole::kAdapter, name), meant) << name;
     }
-    EXPECT_EQ(host::check::EditDistance("Gatewya", "GATEWAY"), 1U);
+    EXPECT_EQ(host::EditDistance("Gatewya", "GATEWAY"), 1U);
     EXPECT_EQ(NearestKey(SectionRole::kAdapter, std::string(1 << 20, 'x')), "");
 }
 

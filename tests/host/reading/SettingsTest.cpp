@@ -1,31 +1,33 @@
-#include "host/configure/Settings.h"
+#include "host/reading/Settings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/configure/Support.h"
+#include <string>
+#include <vector>
+
+#include "host/reading/SettingNames.h"
+#include "tests/toolbox/ScratchFile.h"
 
 namespace {
 
-using configure_tests::Files;
-using host::configure::Identifier;
-using host::configure::ReadSettings;
-using host::configure::Setting;
+using host::reading::Setting;
 using testing::ElementsAreArray;
+using toolbox_tests::ScratchFile;
 
 using Texts = std::vector<std::string>;
 
 /// "4 addresses 3,4,5 = 10.0.0.1/255.0.0.0; note"
 std::string Line(const Setting& setting) {
-    std::string line = std::to_string(setting.at.line) + " " + Identifier(setting.kind);
+    std::string line = std::to_string(setting.at.place.line) + " " + Identifier(setting.kind);
     const char* separator = " ";
     for (const auto& key : setting.keys) {
-        line += separator + std::to_string(key.line);
+        line += separator + std::to_string(key.place.line);
         separator = ",";
     }
     separator = " = ";
-    for (const std::string& value : setting.wanted) {
-        line += separator + value;
+    for (const host::reading::Value& value : setting.wanted) {
+        line += separator + value.text;
         separator = " + ";
     }
     for (const std::string& note : setting.notes) {
@@ -35,9 +37,9 @@ std::string Line(const Setting& setting) {
 }
 
 Texts Read(const std::string& text) {
-    const Files files;
+    const ScratchFile scratch(text, "settings.ini");
     Texts lines;
-    for (const Setting& setting : ReadSettings(files.Write("settings.ini", text))) {
+    for (const Setting& setting : SettingsOf(host::reading::File::Read(scratch.Path()))) {
         lines.push_back(Line(setting));
     }
     return lines;

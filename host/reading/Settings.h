@@ -1,19 +1,28 @@
-// What a configuration file asks for, key by key, as the module reads it: the module's own reader
-// and its own stream of events say which key means what, so nothing is decided twice.
+// What a configuration file asks for, setting by setting.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace host::configure {
+#include "host/reading/File.h"
 
-/// A line of the configuration file.
+namespace host::reading {
+
+/// A key of the file.
 struct KeyPlace {
     std::string section;
     std::string key;
-    std::size_t line = 0;
+    Place place;       ///< of the key
+    Place valuePlace;  ///< of its value, on the same line
+};
+
+/// One value that a setting asks for. Where several pieces make it up it stands where the first is.
+struct Value {
+    std::string text;
+    Place place;
 };
 
 /// One thing that the file asks for. Texts are in the system code page.
@@ -41,19 +50,20 @@ struct Setting {
     /// an adapter of.
     std::optional<std::size_t> adapter;
     KeyPlace at;                 ///< the key that carries the value
-    std::vector<KeyPlace> keys;  ///< all keys that lead to it, `at` among them
-    std::vector<std::string> wanted;
+    std::vector<KeyPlace> keys;  ///< all keys that lead to it, `at` among them, by line
+    std::vector<Value> wanted;
     std::vector<std::string> notes;  ///< what a reader of the file might not expect
 };
 
-/// "DNS servers"
-const char* Label(Setting::Kind kind);
-
-/// "dns-servers", for programs.
-const char* Identifier(Setting::Kind kind);
+/// The texts of the values alone.
+std::vector<std::string> WantedTexts(const Setting& setting);
 
 /// The settings of the file by line. A file that cannot be read has none; one that the module
 /// refuses has those that it came to.
-std::vector<Setting> ReadSettings(const std::string& path);
+std::vector<Setting> SettingsOf(const File& file);
 
-}  // namespace host::configure
+/// "10.0.0.0 mask 255.0.0.0 via 10.1.1.1 metric 5"
+std::string RouteText(const std::string& destination, const std::string& mask,
+                      const std::string& gateway, std::int32_t metric);
+
+}  // namespace host::reading
