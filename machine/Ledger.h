@@ -27,8 +27,6 @@ public:
     std::vector<Item> Outstanding() const;
     // Releases of something that was not held: double releases, foreign handles.
     const std::vector<std::string>& Misuse() const { return misuse_; }
-    // Nothing outstanding and nothing misused.
-    bool Balanced() const { return items_.empty() && misuse_.empty(); }
     // A readable list of both; empty when balanced.
     std::string Report() const;
 

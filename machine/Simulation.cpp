@@ -146,10 +146,6 @@ const std::vector<std::string>& Simulation::UnservedImports() const {
     return core_->unservedImports;
 }
 
-std::uint64_t Simulation::VirtualTime() const {
-    return core_->clock;
-}
-
 std::chrono::nanoseconds Simulation::TimeInCalls() const {
     return core_->timeInCalls;
 }
@@ -165,6 +161,18 @@ void Simulation::Restart() {
     ApplyRestart(core_->state);
     core_->comSecuritySet = core_->state.system.comSecuritySet;
     call.Note("done");
+}
+
+void Simulation::SetApartment(HostApartment apartment) {
+    const Locked locked(*core_);
+    core_->apartments.erase(GetCurrentThreadId());
+    if (apartment != HostApartment::None) {
+        core_->apartments[GetCurrentThreadId()] = {1, 0, apartment == HostApartment::Multithreaded};
+    }
+}
+
+bool Simulation::IsInApartment() const {
+    return core_->apartments.contains(GetCurrentThreadId());
 }
 
 void Simulation::SetProgramFile(std::string path) {

@@ -30,6 +30,8 @@ namespace machine {
 
 class Core;
 
+enum class HostApartment { None, SingleThreaded, Multithreaded };
+
 class Simulation {
 public:
     // Throws std::logic_error while another simulation exists.
@@ -68,14 +70,17 @@ public:
     // no hook serves: "advapi32.dll!RegDeleteKeyA".
     const std::vector<std::string>& UnservedImports() const;
 
-    // Milliseconds since the simulation began: what Sleep and restarts took.
-    std::uint64_t VirtualTime() const;
     // Real time that was spent in served calls.
     std::chrono::nanoseconds TimeInCalls() const;
 
     // Makes effective what waits for a restart and renews what a restart renews: names, membership,
     // leases, COM security. What the ledger holds stays there.
     void Restart();
+
+    // Puts the calling thread into an apartment, as a host may have entered it, or into none.
+    void SetApartment(HostApartment apartment);
+    // Whether the thread is in any.
+    bool IsInApartment() const;
 
     // What GetModuleFileNameA calls the running program; by default its real path.
     void SetProgramFile(std::string path);

@@ -108,11 +108,11 @@ Case LoadCase(const std::string& name) {
     const Json expected = LoadJson(folder / "expected.json");
     CheckMembers(expected, {"about", "file", "passes"});
     loaded.file = expected.value("file", Json::object());
-    CheckMembers(loaded.file, {"name", "stands", "atHome"});
+    CheckMembers(loaded.file, {"name", "stands", "atHome", "unreadable"});
     for (const Json& pass : expected.at("passes")) {
-        CheckMembers(pass,
-                     {"about", "faults", "result", "escaped", "reply", "errors", "actions", "log",
-                      "wholeLog", "changes", "file", "kept", "afterRestart", "sameProcess"});
+        CheckMembers(pass, {"about", "faults", "result", "escaped", "reply", "errors", "actions",
+                            "log", "apartment", "apartmentLeft", "hostThrowsAt", "wholeLog",
+                            "changes", "file", "kept", "afterRestart", "sameProcess"});
         loaded.passes.push_back(pass);
     }
     if (loaded.passes.empty()) {

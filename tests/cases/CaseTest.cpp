@@ -1,5 +1,6 @@
 // Every folder under tests/cases/data, from the file to the machine afterwards.
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -40,6 +41,27 @@ e2e::PresentedFile MakeFile(const Case& tested, const e2e::AgentFolder& agent) {
     return file;
 }
 
+machine::HostApartment ApartmentOf(const Json& pass) {
+    const std::string name = pass.value("apartment", "");
+    return name.empty()       ? machine::HostApartment::None
+           : name == "single" ? machine::HostApartment::SingleThreaded
+                              : machine::HostApartment::Multithreaded;
+}
+
+/// Another program that has the file open: nobody may read it, everybody may move it.
+class ForeignReader {
+public:
+    explicit ForeignReader(const std::string& path)
+        : handle_(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                              0, nullptr)) {}
+    ~ForeignReader() { CloseHandle(handle_); }
+    ForeignReader(const ForeignReader&) = delete;
+    ForeignReader& operator=(const ForeignReader&) = delete;
+
+private:
+    HANDLE handle_;
+};
+
 /// Log lines as a case lists them.
 Json ListLog(const std::vector<std::string>& log, const std::string& path, bool whole) {
     Json lines = Json::array();
@@ -63,6 +85,7 @@ Json Complete(const Json& pass) {
                      {"errors", pass.value("errors", Json::array())},
                      {"actions", pass.value("actions", Json::array())},
                      {"changes", pass.value("changes", Json::object())},
+                     {"apartmentLeft", pass.value("apartmentLeft", false)},
                      {"file", pass.value("file", "put away")},
                      {"kept", pass.value("kept", Json::object())},
                      {"leaks", Json::array()},
@@ -126,7 +149,15 @@ TEST_P(CaseTest, EndsAsExpected) {
         if (!module) {
             module.emplace(simulation);
         }
-        const e2e::RunResult run = module->Configure(path);
+        const machine::HostApartment apartment = ApartmentOf(tested.passes[i]);
+        simulation.SetApartment(apartment);
+        std::optional<ForeignReader> reader;
+        if (tested.file.value("unreadable", false)) {
+            reader.emplace(path);
+        }
+        const e2e::RunResult run =
+            module->Configure(path, tested.passes[i].value("hostThrowsAt", ""));
+        reader.reset();
         if (i + 1 == tested.passes.size() || !tested.passes[i + 1].value("sameProcess", false)) {
             module.reset();
         }
@@ -148,6 +179,8 @@ TEST_P(CaseTest, EndsAsExpected) {
             {"errors", run.errors},
             {"actions", e2e::ListActions(run.calls)},
             {"changes", ListChanges(before, after)},
+            {"apartmentLeft",
+             apartment != machine::HostApartment::None && !simulation.IsInApartment()},
             {"file", file.WhereIsIt()},
             {"kept", kept},
             {"leaks", std::vector<std::string>(

@@ -1,5 +1,6 @@
 #include "tests/cases/harness/ModuleRun.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "host/HostError.h"
@@ -29,12 +30,15 @@ HMODULE AttachedModule::Image() const {
     return static_cast<HMODULE>(module_.Handle());
 }
 
-RunResult AttachedModule::Configure(const std::string& file) {
+RunResult AttachedModule::Configure(const std::string& file, const std::string& hostThrowsAt) {
     RunResult run;
     const std::size_t firstCall = simulation_.GetTrace().Size();
     const std::size_t firstUnexpected = simulation_.Unexpected().size();
-    host::LogSink log([&run](const host::LogLine& line) {
+    host::LogSink log([&](const host::LogLine& line) {
         run.log.push_back(std::to_string(line.level) + " " + line.text);
+        if (!hostThrowsAt.empty() && line.text.find(hostThrowsAt) != std::string::npos) {
+            throw std::runtime_error("the host's own");
+        }
     });
     const machine::ComMemoryBalance memory;
     const ThrownErrors thrown(Image());

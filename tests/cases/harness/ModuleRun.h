@@ -52,8 +52,9 @@ public:
     AttachedModule& operator=(const AttachedModule&) = delete;
 
     HMODULE Image() const;
-    /// Sends the message for the file.
-    RunResult Configure(const std::string& file);
+    /// Sends the message for the file. The host's sink throws at the first line that holds
+    /// `hostThrowsAt`; empty: it never throws.
+    RunResult Configure(const std::string& file, const std::string& hostThrowsAt = {});
 
 private:
     machine::Simulation& simulation_;
