@@ -91,10 +91,10 @@ private:
 class ForeignSink : public Sink {
 public:
     void Log(unsigned level, const char* format, ...) override {
-        __builtin_va_list arguments;
-        __builtin_va_start(arguments, format);
+        va_list arguments;
+        va_start(arguments, format);
         NoteLine(mark_ == kMark ? level : 99, format, arguments);
-        __builtin_va_end(arguments);
+        va_end(arguments);
     }
 
 private:
@@ -117,6 +117,10 @@ int ForeignSend(const void* api, const char* kind, const char* name, const char*
                 const char* fieldValue) {
     ForeignMessage message(kind, name, fieldName, fieldValue);
     ForeignSink sink;
-    return static_cast<const Api*>(api)->doMagic(kind == nullptr ? nullptr : &message, &sink);
+    try {
+        return static_cast<const Api*>(api)->doMagic(kind == nullptr ? nullptr : &message, &sink);
+    } catch (...) {
+        return -1;
+    }
 }
 }

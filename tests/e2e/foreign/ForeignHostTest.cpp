@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -31,7 +32,7 @@ void NoteInteger(const char* operation, const char* name, int value) {
     calls.push_back(util::Format("%s(%s)%d", operation, name, value));
 }
 
-void NoteLine(unsigned level, const char* format, __builtin_va_list arguments) {
+void NoteLine(unsigned level, const char* format, va_list arguments) {
     calls.push_back(util::Format("Log(%u)", level) + util::FormatV(format, arguments));
 }
 }
@@ -121,6 +122,13 @@ TEST_F(ForeignHost, GetsTheArgumentsOfTheLongestLine) {
                             "Log(0)Exception Details: Toolbox-Main:71 - DoMagic - Bad Parameter "
                             "(NULL) (error = 0)"));
 }
+
+#ifndef _MSC_VER
+TEST_F(ForeignHost, CannotCatchWhatLeavesTheModule) {
+    // A name that is null: this program sees what the foreign host's catch (...) has passed over.
+    EXPECT_THROW(ForeignSend(api_, "Internal", nullptr, "", ""), std::logic_error);
+}
+#endif
 
 TEST_F(ForeignHost, ErrorsOnManyThreadsAtOnceLeaveTheLastErrorOfEach) {
     constexpr DWORD kThreads = 40;
