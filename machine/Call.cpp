@@ -8,52 +8,56 @@ namespace {
 
 // The flag of a thread that is inside the simulation. Kept with the platform's own thread storage:
 // the C++ runtime's makes calls that would come back here.
-DWORD InsideSlot() {
-    static const DWORD slot = TlsAlloc();
-    return slot;
-}
+const DWORD insideSlot = TlsAlloc();
 
 // Takes the simulation's lock for a call of this thread. Gives the place of its entry in the trace.
 std::size_t Enter(Core& core) {
     EnterCriticalSection(core.Lock());
-    TlsSetValue(InsideSlot(), &core);
+    TlsSetValue(insideSlot, &core);
     core.CollectRouteChildren();
     return core.trace.Size();
 }
 
 }  // namespace
 
-bool Serving() {
+ServingCore::ServingCore() {
     const DWORD lastError = GetLastError();
-    const bool serving = Core::Active() != nullptr && TlsGetValue(InsideSlot()) == nullptr;
+    if (TlsGetValue(insideSlot) == nullptr) {
+        core_ = Core::Active();
+    }
     SetLastError(lastError);
-    return serving;
 }
 
-Call::Call(std::string_view function, Arguments arguments, Failing failing)
-    : Call(*Core::Active(), "", function, std::move(arguments), failing) {}
+ServingCore::~ServingCore() {
+    const DWORD lastError = GetLastError();
+    core_.reset();
+    SetLastError(lastError);
+}
+
+Call::Call(Core& core, std::string_view function, Arguments arguments, Failing failing)
+    : Call(core, "", function, std::move(arguments), failing) {}
 
 Call::Call(Core& core, std::string_view object, std::string_view function, Arguments arguments,
            Failing failing)
-    : lastError_(GetLastError()), core_(core), position_(Enter(core)) {
-    TraceEntry& entry = core_.trace.Append();
-    entry.startedAt = core_.clock;
+    : lastError_(GetLastError()), core_(core.shared_from_this()), position_(Enter(core)) {
+    TraceEntry& entry = core_->trace.Append();
+    entry.startedAt = core_->clock;
     entry.thread = GetCurrentThreadId();
     entry.object = object;
     entry.function = function;
     entry.arguments = std::move(arguments);
     if (failing == Failing::Possible) {
-        fault_ = core_.faults.OnCall(function, entry.arguments);
-        entry.faultPoint = core_.faults.CallsSeen();
+        fault_ = core_->faults.OnCall(function, entry.arguments);
+        entry.faultPoint = core_->faults.CallsSeen();
         entry.injected = fault_.has_value();
     }
 }
 
 Call::~Call() {
-    Entry().endedAt = core_.clock;
-    core_.timeInCalls += std::chrono::steady_clock::now() - started_;
-    TlsSetValue(InsideSlot(), nullptr);
-    LeaveCriticalSection(core_.Lock());
+    Entry().endedAt = core_->clock;
+    core_->timeInCalls += std::chrono::steady_clock::now() - started_;
+    TlsSetValue(insideSlot, nullptr);
+    LeaveCriticalSection(core_->Lock());
     SetLastError(lastError_);
 }
 
@@ -62,7 +66,7 @@ void Call::AddArgument(std::string name, std::string value) {
 }
 
 std::string Call::Origin(std::string_view detail) const {
-    const TraceEntry& entry = core_.trace.At(position_);
+    const TraceEntry& entry = core_->trace.At(position_);
     std::string origin = entry.function + ", call " + std::to_string(entry.number);
     if (!detail.empty()) {
         origin += ", ";
@@ -74,8 +78,8 @@ std::string Call::Origin(std::string_view detail) const {
 void Call::Unexpected(std::string_view what) {
     const TraceEntry& entry = Entry();
     std::string name = entry.object.empty() ? entry.function : entry.object + "::" + entry.function;
-    core_.RecordUnexpected("call " + std::to_string(entry.number) + ", " + name + ": " +
-                           std::string(what));
+    core_->RecordUnexpected("call " + std::to_string(entry.number) + ", " + name + ": " +
+                            std::string(what));
 }
 
 HRESULT Call::Hresult(std::uint32_t code) {

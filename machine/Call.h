@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,14 +17,27 @@ namespace machine {
 
 enum class Failing { Possible, Never };
 
-// Whether the calling thread's call is one to serve: a simulation is active and the call does not
-// come from the simulation itself. Keeps the thread's last error.
-bool Serving();
+// The simulation that a call of this thread is for, kept alive as long as this object: the active
+// one. Empty when there is none, and when the call comes from the simulation itself. Keeps the
+// thread's last error.
+class ServingCore {
+public:
+    ServingCore();
+    ~ServingCore();
+    ServingCore(const ServingCore&) = delete;
+    ServingCore& operator=(const ServingCore&) = delete;
+
+    explicit operator bool() const { return core_ != nullptr; }
+    Core& operator*() const { return *core_; }
+
+private:
+    std::shared_ptr<Core> core_;
+};
 
 // Lives for the duration of a served call, under the simulation's lock. Its destructor leaves the
 // thread's last error as the call's result demands.
 //
-//     Call call("RegCloseKey", {{"key", ...}});
+//     Call call(core, "RegCloseKey", {{"key", ...}});
 //     if (const auto fault = call.Fault()) {
 //         return call.Status(*fault);
 //     }
@@ -31,9 +45,9 @@ class Call {
 public:
     using Arguments = std::vector<std::pair<std::string, std::string>>;
 
-    // A call of a plain function, of the active simulation.
-    explicit Call(std::string_view function, Arguments arguments = {},
-                  Failing failing = Failing::Possible);
+    // A call of a plain function.
+    Call(Core& core, std::string_view function, Arguments arguments = {},
+         Failing failing = Failing::Possible);
     // A call of an object that belongs to the core.
     Call(Core& core, std::string_view object, std::string_view function, Arguments arguments = {},
          Failing failing = Failing::Possible);
@@ -41,8 +55,8 @@ public:
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
 
-    Core& Machine() { return core_; }
-    Core* operator->() { return &core_; }
+    Core& Machine() { return *core_; }
+    Core* operator->() { return core_.get(); }
 
     // The code to fail with when the fault plan wants this call to fail.
     const std::optional<std::uint32_t>& Fault() const { return fault_; }
@@ -68,21 +82,22 @@ public:
     // Around a real call that blocks: other threads' calls are served meanwhile.
     template <typename Function>
     auto Unlocked(Function&& function) {
-        LeaveCriticalSection(core_.Lock());
+        LeaveCriticalSection(core_->Lock());
         const auto result = function();
         realError_ = GetLastError();
-        EnterCriticalSection(core_.Lock());
+        EnterCriticalSection(core_->Lock());
         return result;
     }
     // The last error that the real call inside Unlocked left.
     DWORD RealError() const { return realError_; }
 
 private:
-    TraceEntry& Entry() { return core_.trace.At(position_); }
+    TraceEntry& Entry() { return core_->trace.At(position_); }
 
     DWORD lastError_;
     std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
-    Core& core_;
+    // A simulation may end while one of its calls is under way.
+    std::shared_ptr<Core> core_;
     std::size_t position_;
     std::optional<std::uint32_t> fault_;
     DWORD realError_ = 0;

@@ -1,17 +1,17 @@
 #include "machine/Core.h"
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
+#include "machine/LeafLock.h"
 #include "machine/com/ComObject.h"
 
 namespace machine {
 namespace {
 
-std::shared_ptr<Core>& ActiveCore() {
-    static std::shared_ptr<Core> active;
-    return active;
-}
+constinit LeafLock activeLock;
+constinit std::shared_ptr<Core> activeCore;
 
 // Real handles are small multiples of 4; these stand far above them.
 constexpr std::uintptr_t firstHandle = 0x5A000004;
@@ -26,12 +26,14 @@ Core::~Core() {
     DeleteCriticalSection(&lock_);
 }
 
-Core* Core::Active() {
-    return ActiveCore().get();
+std::shared_ptr<Core> Core::Active() {
+    const std::lock_guard lock(activeLock);
+    return activeCore;
 }
 
 void Core::SetActive(std::shared_ptr<Core> core) {
-    ActiveCore() = std::move(core);
+    const std::lock_guard lock(activeLock);
+    activeCore.swap(core);  // the one before ends behind the lock
 }
 
 std::uintptr_t Core::NewHandle() {

@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,6 +16,7 @@
 #include <vector>
 
 #include "machine/FaultPlan.h"
+#include "machine/HandleSet.h"
 #include "machine/ImportTable.h"
 #include "machine/Ledger.h"
 #include "machine/State.h"
@@ -34,7 +34,7 @@ struct Apartment {
     bool multithreaded = false;
 };
 
-class Core {
+class Core : public std::enable_shared_from_this<Core> {
 public:
     Core();
     ~Core();
@@ -42,7 +42,7 @@ public:
     Core& operator=(const Core&) = delete;
 
     // The simulation that serves calls now; null when there is none.
-    static Core* Active();
+    static std::shared_ptr<Core> Active();
     static void SetActive(std::shared_ptr<Core> core);
 
     State state;
@@ -61,7 +61,7 @@ public:
     // By interface pointer; those already released too.
     std::unordered_map<const void*, std::unique_ptr<ComObjectBase>> objects;
     std::vector<RouteChild> routeChildren;
-    std::set<HANDLE> standardHandles;  // given out by GetStdHandle
+    HandleSet standardHandles;  // given out by GetStdHandle
     std::vector<std::unique_ptr<ImportTable>> images;
     std::filesystem::path routeProgram;
     std::string programFile;  // empty: the real one

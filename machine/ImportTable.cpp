@@ -1,9 +1,11 @@
 #include "machine/ImportTable.h"
 
 #include <algorithm>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
+#include "machine/LeafLock.h"
 #include "machine/Text.h"
 
 namespace machine {
@@ -28,8 +30,12 @@ std::string NameOfWinsockNumber(std::uint64_t number) {
     }
 }
 
+constinit LeafLock writing;
+
 // Writes one slot of a table that the loader left read-only. Gives the Windows error, 0 when done.
 DWORD Write(void** place, void* value) noexcept {
+    // Two writers of one page would take its protection from each other.
+    const std::lock_guard lock(writing);
     DWORD protection = 0;
     if (VirtualProtect(place, sizeof(*place), PAGE_READWRITE, &protection) == FALSE) {
         return GetLastError();
@@ -74,6 +80,9 @@ ImportTable::ImportTable(HMODULE image, std::span<const Hook> hooks) : image_(im
         const auto hook = std::ranges::find(hooks, import.function, &Hook::function);
         if (hook == hooks.end()) {
             continue;
+        }
+        if (hook->original != nullptr && *hook->original == nullptr) {
+            *hook->original = *import.place;
         }
         replaced_.push_back({import.place, *import.place});
         if (const DWORD error = Write(import.place, hook->replacement); error != 0) {

@@ -14,9 +14,11 @@ namespace machine {
 struct Hook {
     std::string_view function;
     void* replacement;
+    void** original = nullptr;  // filled before the first table is patched, where wanted
 };
 
 // A patched image; the destructor puts its table back, provided that the image is still loaded.
+// Its threads may run meanwhile: each reads the one function or the other.
 class ImportTable {
 public:
     // Throws std::system_error when the table cannot be written.

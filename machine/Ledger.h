@@ -9,8 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "machine/LeafLock.h"
+
 namespace machine {
 
+// Any thread may ask it and write in it at any time.
 class Ledger {
 public:
     // Interface references, handles and so on, by the name of their kind: "IWbemServices", "HKEY",
@@ -26,7 +29,7 @@ public:
     // What has not come back, in the order handed out.
     std::vector<Item> Outstanding() const;
     // Releases of something that was not held: double releases, foreign handles.
-    const std::vector<std::string>& Misuse() const { return misuse_; }
+    std::vector<std::string> Misuse() const;
     // A readable list of both; empty when balanced.
     std::string Report() const;
 
@@ -40,8 +43,8 @@ public:
     // again, but is no longer outstanding.
     void Excuse(std::string_view kind, std::uintptr_t identity);
     // What was excused and never closed after all: kind and identity.
-    const std::set<std::pair<std::string, std::uintptr_t>>& Excused() const { return excused_; }
-    void RecordMisuse(std::string what) { misuse_.push_back(std::move(what)); }
+    std::set<std::pair<std::string, std::uintptr_t>> Excused() const;
+    void RecordMisuse(std::string what);
     // Forgets what is outstanding and what was misused, for a test that planted a leak.
     void Clear();
 
@@ -52,6 +55,7 @@ private:
     };
     using Key = std::pair<std::string, std::uintptr_t>;
 
+    mutable LeafLock lock_;
     std::map<Key, Entry> items_;
     std::set<Key> excused_;
     std::vector<std::string> misuse_;

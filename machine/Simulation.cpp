@@ -73,10 +73,10 @@ Simulation::Simulation(State state) {
     core_->comSecuritySet = state.system.comSecuritySet;
     core_->state = std::move(state);
     Core::SetActive(core_);
-    Serving();
 }
 
 Simulation::~Simulation() {
+    const Locked locked(*core_);
     core_->images.clear();
     Core::SetActive(nullptr);
     CloseExcused(core_->ledger);
@@ -86,6 +86,7 @@ Simulation::~Simulation() {
 }
 
 void Simulation::Attach(HMODULE image) {
+    const Locked locked(*core_);
     for (const Import& import : ListImports(image)) {
         if (ReachesMachine(import.library, import.function)) {
             core_->unservedImports.push_back(import.library + "!" + import.function);
@@ -95,6 +96,7 @@ void Simulation::Attach(HMODULE image) {
 }
 
 void Simulation::Detach(HMODULE image) {
+    const Locked locked(*core_);
     std::erase_if(core_->images, [image](const auto& table) { return table->Image() == image; });
 }
 
@@ -147,11 +149,12 @@ const std::vector<std::string>& Simulation::UnservedImports() const {
 }
 
 std::chrono::nanoseconds Simulation::TimeInCalls() const {
+    const Locked locked(*core_);
     return core_->timeInCalls;
 }
 
 void Simulation::Restart() {
-    Call call(*core_, "", "restart of the machine", {}, Failing::Never);
+    Call call(*core_, "restart of the machine", {}, Failing::Never);
     // What the module did not wait for is done before the machine goes down.
     for (const RouteChild& child : core_->routeChildren) {
         child.WaitForEnd();
@@ -172,14 +175,17 @@ void Simulation::SetApartment(HostApartment apartment) {
 }
 
 bool Simulation::IsInApartment() const {
+    const Locked locked(*core_);
     return core_->apartments.contains(GetCurrentThreadId());
 }
 
 void Simulation::SetProgramFile(std::string path) {
+    const Locked locked(*core_);
     core_->programFile = std::move(path);
 }
 
 void Simulation::SetRouteProgram(std::filesystem::path program) {
+    const Locked locked(*core_);
     core_->routeProgram = std::move(program);
 }
 

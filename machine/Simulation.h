@@ -7,9 +7,11 @@
 //
 // Attach replaces entries of the image's import table; calls that other images make are untouched,
 // and so is what the image resolved by GetProcAddress earlier. Served calls may come from any
-// thread. One simulation is active in a process at a time; any number may follow one another.
-// (A function that attaches the image it belongs to leaves the platform calls to others: the
-// compiler may have read the table for it before.)
+// thread; a runtime or a test framework in the image may have threads of its own, whose calls on
+// handles of theirs pass through, at any moment of a simulation's life. One simulation is active in
+// a process at a time; any number may follow one another. (A function that attaches the image it
+// belongs to leaves the platform calls to others: the compiler may have read the table for it
+// before.)
 #pragma once
 
 #include <windows.h>

@@ -25,8 +25,8 @@ HRESULT Initialise(Call& call, bool multithreaded) {
     return call.Hresult(isFirst ? S_OK : S_FALSE);
 }
 
-HRESULT WINAPI ServeCoInitialize(LPVOID reserved) {
-    Call call("CoInitialize");
+HRESULT ServeCoInitialize(Core& core, LPVOID reserved) {
+    Call call(core, "CoInitialize");
     if (const auto fault = call.Fault()) {
         ++call->apartments[GetCurrentThreadId()].refusals;
         return call.Hresult(*fault);
@@ -37,8 +37,8 @@ HRESULT WINAPI ServeCoInitialize(LPVOID reserved) {
     return Initialise(call, false);
 }
 
-HRESULT WINAPI ServeCoInitializeEx(LPVOID reserved, DWORD mode) {
-    Call call("CoInitializeEx", {{"mode", Hex(mode)}});
+HRESULT ServeCoInitializeEx(Core& core, LPVOID reserved, DWORD mode) {
+    Call call(core, "CoInitializeEx", {{"mode", Hex(mode)}});
     if (const auto fault = call.Fault()) {
         ++call->apartments[GetCurrentThreadId()].refusals;
         return call.Hresult(*fault);
@@ -49,8 +49,8 @@ HRESULT WINAPI ServeCoInitializeEx(LPVOID reserved, DWORD mode) {
     return Initialise(call, (mode & COINIT_APARTMENTTHREADED) == 0);
 }
 
-void WINAPI ServeCoUninitialize() {
-    Call call("CoUninitialize", {}, Failing::Never);
+void ServeCoUninitialize(Core& core) {
+    Call call(core, "CoUninitialize", {}, Failing::Never);
     const auto found = call->apartments.find(GetCurrentThreadId());
     if (found == call->apartments.end()) {
         call->ledger.RecordMisuse(call.Origin() + ": COM is not initialised on this thread");
@@ -69,10 +69,10 @@ void WINAPI ServeCoUninitialize() {
     }
 }
 
-HRESULT WINAPI ServeCoInitializeSecurity(PSECURITY_DESCRIPTOR, LONG, SOLE_AUTHENTICATION_SERVICE*,
-                                         void*, DWORD authenticationLevel, DWORD impersonationLevel,
-                                         void*, DWORD capabilities, void*) {
-    Call call("CoInitializeSecurity",
+HRESULT ServeCoInitializeSecurity(Core& core, PSECURITY_DESCRIPTOR, LONG,
+                                  SOLE_AUTHENTICATION_SERVICE*, void*, DWORD authenticationLevel,
+                                  DWORD impersonationLevel, void*, DWORD capabilities, void*) {
+    Call call(core, "CoInitializeSecurity",
               {{"authentication level", std::to_string(authenticationLevel)},
                {"impersonation level", std::to_string(impersonationLevel)},
                {"capabilities", Hex(capabilities)}});
@@ -90,9 +90,9 @@ HRESULT WINAPI ServeCoInitializeSecurity(PSECURITY_DESCRIPTOR, LONG, SOLE_AUTHEN
     return call.Hresult(S_OK);
 }
 
-HRESULT WINAPI ServeCoCreateInstance(REFCLSID wantedClass, LPUNKNOWN outer, DWORD context,
-                                     REFIID wanted, LPVOID* object) {
-    Call call("CoCreateInstance", {{"context", Hex(context)}});
+HRESULT ServeCoCreateInstance(Core& core, REFCLSID wantedClass, LPUNKNOWN outer, DWORD context,
+                              REFIID wanted, LPVOID* object) {
+    Call call(core, "CoCreateInstance", {{"context", Hex(context)}});
     if (object != nullptr) {
         *object = nullptr;
     }
@@ -124,14 +124,16 @@ HRESULT WINAPI ServeCoCreateInstance(REFCLSID wantedClass, LPUNKNOWN outer, DWOR
     return call.Hresult(S_OK);
 }
 
-HRESULT WINAPI ServeCoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWORD authorisation,
-                                      OLECHAR*, DWORD authenticationLevel, DWORD impersonationLevel,
-                                      RPC_AUTH_IDENTITY_HANDLE, DWORD capabilities) {
-    Call call("CoSetProxyBlanket", {{"authentication", std::to_string(authentication)},
-                                    {"authorisation", std::to_string(authorisation)},
-                                    {"authentication level", std::to_string(authenticationLevel)},
-                                    {"impersonation level", std::to_string(impersonationLevel)},
-                                    {"capabilities", Hex(capabilities)}});
+HRESULT ServeCoSetProxyBlanket(Core& core, IUnknown* proxy, DWORD authentication,
+                               DWORD authorisation, OLECHAR*, DWORD authenticationLevel,
+                               DWORD impersonationLevel, RPC_AUTH_IDENTITY_HANDLE,
+                               DWORD capabilities) {
+    Call call(core, "CoSetProxyBlanket",
+              {{"authentication", std::to_string(authentication)},
+               {"authorisation", std::to_string(authorisation)},
+               {"authentication level", std::to_string(authenticationLevel)},
+               {"impersonation level", std::to_string(impersonationLevel)},
+               {"capabilities", Hex(capabilities)}});
     if (const auto fault = call.Fault()) {
         return call.Hresult(*fault);
     }
@@ -145,12 +147,12 @@ HRESULT WINAPI ServeCoSetProxyBlanket(IUnknown* proxy, DWORD authentication, DWO
 }  // namespace
 
 void AddComHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("CoCreateInstance", &ServeCoCreateInstance));
-    hooks.push_back(MakeHook("CoInitialize", &ServeCoInitialize));
-    hooks.push_back(MakeHook("CoInitializeEx", &ServeCoInitializeEx));
-    hooks.push_back(MakeHook("CoInitializeSecurity", &ServeCoInitializeSecurity));
-    hooks.push_back(MakeHook("CoSetProxyBlanket", &ServeCoSetProxyBlanket));
-    hooks.push_back(MakeHook("CoUninitialize", &ServeCoUninitialize));
+    hooks.push_back(MakeHook<&ServeCoCreateInstance>("CoCreateInstance"));
+    hooks.push_back(MakeHook<&ServeCoInitialize>("CoInitialize"));
+    hooks.push_back(MakeHook<&ServeCoInitializeEx>("CoInitializeEx"));
+    hooks.push_back(MakeHook<&ServeCoInitializeSecurity>("CoInitializeSecurity"));
+    hooks.push_back(MakeHook<&ServeCoSetProxyBlanket>("CoSetProxyBlanket"));
+    hooks.push_back(MakeHook<&ServeCoUninitialize>("CoUninitialize"));
 }
 
 }  // namespace machine

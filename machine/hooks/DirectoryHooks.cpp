@@ -96,13 +96,14 @@ private:
     Account account_;
 };
 
-HRESULT WINAPI ServeADsOpenObject(LPCWSTR path, LPCWSTR userName, LPCWSTR password, DWORD flags,
-                                  REFIID wanted, void** object) {
+HRESULT ServeADsOpenObject(Core& core, LPCWSTR path, LPCWSTR userName, LPCWSTR password,
+                           DWORD flags, REFIID wanted, void** object) {
     const std::string pathText = Narrow(path);
-    Call call("ADsOpenObject", {{"path", pathText},
-                                {"user", Narrow(userName)},
-                                {"password", password == nullptr ? "null" : "***"},
-                                {"flags", Hex(flags)}});
+    Call call(core, "ADsOpenObject",
+              {{"path", pathText},
+               {"user", Narrow(userName)},
+               {"password", password == nullptr ? "null" : "***"},
+               {"flags", Hex(flags)}});
     if (object != nullptr) {
         *object = nullptr;
     }
@@ -137,7 +138,7 @@ HRESULT WINAPI ServeADsOpenObject(LPCWSTR path, LPCWSTR userName, LPCWSTR passwo
 }  // namespace
 
 void AddDirectoryHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("ADsOpenObject", &ServeADsOpenObject));
+    hooks.push_back(MakeHook<&ServeADsOpenObject>("ADsOpenObject"));
 }
 
 }  // namespace machine

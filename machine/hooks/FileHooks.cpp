@@ -11,11 +11,8 @@
 namespace machine {
 namespace {
 
-DWORD WINAPI ServeGetFileAttributesA(LPCSTR path) {
-    if (!Serving()) {
-        return Real().GetFileAttributesA(path);
-    }
-    Call call("GetFileAttributesA", {{"path", OrEmpty(path)}});
+DWORD ServeGetFileAttributesA(Core& core, LPCSTR path) {
+    Call call(core, "GetFileAttributesA", {{"path", OrEmpty(path)}});
     if (const auto fault = call.Fault()) {
         call.Note("INVALID_FILE_ATTRIBUTES", true, *fault);
         return INVALID_FILE_ATTRIBUTES;
@@ -25,43 +22,33 @@ DWORD WINAPI ServeGetFileAttributesA(LPCSTR path) {
     return attributes;
 }
 
-BOOL WINAPI ServeMoveFileA(LPCSTR source, LPCSTR destination) {
-    if (!Serving()) {
-        return Real().MoveFileA(source, destination);
-    }
-    Call call("MoveFileA", {{"source", OrEmpty(source)}, {"destination", OrEmpty(destination)}});
+BOOL ServeMoveFileA(Core& core, LPCSTR source, LPCSTR destination) {
+    Call call(core, "MoveFileA",
+              {{"source", OrEmpty(source)}, {"destination", OrEmpty(destination)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
     return call.RealBoolean(Real().MoveFileA(source, destination));
 }
 
-BOOL WINAPI ServeDeleteFileA(LPCSTR path) {
-    if (!Serving()) {
-        return Real().DeleteFileA(path);
-    }
-    Call call("DeleteFileA", {{"path", OrEmpty(path)}});
+BOOL ServeDeleteFileA(Core& core, LPCSTR path) {
+    Call call(core, "DeleteFileA", {{"path", OrEmpty(path)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
     return call.RealBoolean(Real().DeleteFileA(path));
 }
 
-HANDLE WINAPI ServeCreateFileA(LPCSTR path, DWORD access, DWORD share,
-                               LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
-                               HANDLE pattern) {
-    const auto create = [&] {
-        return Real().CreateFileA(path, access, share, security, disposition, flags, pattern);
-    };
-    if (!Serving()) {
-        return create();
-    }
-    Call call("CreateFileA", {{"path", OrEmpty(path)}, {"access", Hex(access)}});
+HANDLE ServeCreateFileA(Core& core, LPCSTR path, DWORD access, DWORD share,
+                        LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
+                        HANDLE pattern) {
+    Call call(core, "CreateFileA", {{"path", OrEmpty(path)}, {"access", Hex(access)}});
     if (const auto fault = call.Fault()) {
         call.Note("INVALID_HANDLE_VALUE", true, *fault);
         return INVALID_HANDLE_VALUE;
     }
-    const HANDLE file = create();
+    const HANDLE file =
+        Real().CreateFileA(path, access, share, security, disposition, flags, pattern);
     const DWORD error = GetLastError();
     const bool failed = file == INVALID_HANDLE_VALUE;
     call.Note(failed ? "INVALID_HANDLE_VALUE" : "handle", failed, error);
@@ -71,22 +58,17 @@ HANDLE WINAPI ServeCreateFileA(LPCSTR path, DWORD access, DWORD share,
     return file;
 }
 
-BOOL WINAPI ServeGetFileInformationByHandle(HANDLE file, LPBY_HANDLE_FILE_INFORMATION information) {
-    if (!Serving() || !IsHandedOut(file)) {
-        return Real().GetFileInformationByHandle(file, information);
-    }
-    Call call("GetFileInformationByHandle");
+BOOL ServeGetFileInformationByHandle(Core& core, HANDLE file,
+                                     LPBY_HANDLE_FILE_INFORMATION information) {
+    Call call(core, "GetFileInformationByHandle");
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
     return call.RealBoolean(Real().GetFileInformationByHandle(file, information));
 }
 
-DWORD WINAPI ServeGetFullPathNameA(LPCSTR name, DWORD size, LPSTR buffer, LPSTR* filePart) {
-    if (!Serving()) {
-        return Real().GetFullPathNameA(name, size, buffer, filePart);
-    }
-    Call call("GetFullPathNameA", {{"name", OrEmpty(name)}});
+DWORD ServeGetFullPathNameA(Core& core, LPCSTR name, DWORD size, LPSTR buffer, LPSTR* filePart) {
+    Call call(core, "GetFullPathNameA", {{"name", OrEmpty(name)}});
     if (const auto fault = call.Fault()) {
         call.Note("0", true, *fault);
         return 0;
@@ -110,11 +92,9 @@ DWORD CopyPath(const std::string& path, LPSTR buffer, DWORD size) {
     return static_cast<DWORD>(path.size());
 }
 
-DWORD WINAPI ServeGetModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size) {
-    if (!Serving()) {
-        return Real().GetModuleFileNameA(module, buffer, size);
-    }
-    Call call("GetModuleFileNameA", {{"module", module == nullptr ? "the program" : "a library"}});
+DWORD ServeGetModuleFileNameA(Core& core, HMODULE module, LPSTR buffer, DWORD size) {
+    Call call(core, "GetModuleFileNameA",
+              {{"module", module == nullptr ? "the program" : "a library"}});
     if (const auto fault = call.Fault()) {
         call.Note("0", true, *fault);
         return 0;
@@ -128,13 +108,13 @@ DWORD WINAPI ServeGetModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size) {
     return length;
 }
 
-void WINAPI ServeSleep(DWORD milliseconds) {
-    if (!Serving() || milliseconds == 0) {
-        Real().Sleep(milliseconds);
-        return;
-    }
+struct WithTime {
+    bool operator()(const Core& /*core*/, DWORD milliseconds) const { return milliseconds != 0; }
+};
+
+void ServeSleep(Core& core, DWORD milliseconds) {
     {
-        Call call("Sleep", {{"milliseconds", std::to_string(milliseconds)}}, Failing::Never);
+        Call call(core, "Sleep", {{"milliseconds", std::to_string(milliseconds)}}, Failing::Never);
         call->clock += milliseconds;
     }
     Real().Sleep(0);
@@ -143,14 +123,15 @@ void WINAPI ServeSleep(DWORD milliseconds) {
 }  // namespace
 
 void AddFileHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("CreateFileA", &ServeCreateFileA));
-    hooks.push_back(MakeHook("DeleteFileA", &ServeDeleteFileA));
-    hooks.push_back(MakeHook("GetFileAttributesA", &ServeGetFileAttributesA));
-    hooks.push_back(MakeHook("GetFileInformationByHandle", &ServeGetFileInformationByHandle));
-    hooks.push_back(MakeHook("GetFullPathNameA", &ServeGetFullPathNameA));
-    hooks.push_back(MakeHook("GetModuleFileNameA", &ServeGetModuleFileNameA));
-    hooks.push_back(MakeHook("MoveFileA", &ServeMoveFileA));
-    hooks.push_back(MakeHook("Sleep", &ServeSleep));
+    hooks.push_back(MakeHook<&ServeCreateFileA>("CreateFileA"));
+    hooks.push_back(MakeHook<&ServeDeleteFileA>("DeleteFileA"));
+    hooks.push_back(MakeHook<&ServeGetFileAttributesA>("GetFileAttributesA"));
+    hooks.push_back(MakeHook<&ServeGetFileInformationByHandle, OnHandedOutHandle>(
+        "GetFileInformationByHandle"));
+    hooks.push_back(MakeHook<&ServeGetFullPathNameA>("GetFullPathNameA"));
+    hooks.push_back(MakeHook<&ServeGetModuleFileNameA>("GetModuleFileNameA"));
+    hooks.push_back(MakeHook<&ServeMoveFileA>("MoveFileA"));
+    hooks.push_back(MakeHook<&ServeSleep, WithTime>("Sleep"));
 }
 
 }  // namespace machine

@@ -18,16 +18,6 @@ std::string_view KindOfHandle(const Core& core, HANDLE handle) {
     return {};
 }
 
-bool IsHandedOut(HANDLE handle) {
-    const DWORD lastError = GetLastError();
-    Core& core = *Core::Active();
-    EnterCriticalSection(core.Lock());
-    const bool handedOut = !KindOfHandle(core, handle).empty();
-    LeaveCriticalSection(core.Lock());
-    SetLastError(lastError);
-    return handedOut;
-}
-
 void HandOutHandle(Call& call, std::string_view kind, HANDLE handle, std::string_view detail) {
     call->ledger.HandOut(kind, IdentityOf(handle), call.Origin(detail));
 }

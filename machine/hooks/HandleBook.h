@@ -1,6 +1,6 @@
-// Real handles that the ledger keeps account of. The C++ runtime linked into an image shares its
-// import table, so a call on a handle that no served call handed out is the runtime's own business
-// and passes unrecorded.
+// Real handles that the ledger keeps account of. The C++ runtime and the test framework linked into
+// an image share its import table and have threads of their own in it, so a call on a handle that
+// no served call handed out is their business and passes unrecorded.
 #pragma once
 
 #include <windows.h>
@@ -18,8 +18,12 @@ inline constexpr std::string_view threadHandle = "thread handle";
 
 // The kind that the handle was handed out as; empty when it was not.
 std::string_view KindOfHandle(const Core& core, HANDLE handle);
-// The same question before a call is recorded. Keeps the thread's last error.
-bool IsHandedOut(HANDLE handle);
+// Calls on such a handle; it is their first argument. Keeps the thread's last error.
+struct OnHandedOutHandle {
+    bool operator()(const Core& core, HANDLE handle, const auto&... /*others*/) const {
+        return !KindOfHandle(core, handle).empty();
+    }
+};
 
 void HandOutHandle(Call& call, std::string_view kind, HANDLE handle, std::string_view detail);
 

@@ -112,9 +112,10 @@ std::size_t RoomFor(const Membership& membership) {
                       membership.dnsDomain.size());
 }
 
-NTSTATUS NTAPI ServeLsaOpenPolicy(PLSA_UNICODE_STRING system, PLSA_OBJECT_ATTRIBUTES attributes,
-                                  ACCESS_MASK access, PLSA_HANDLE policy) {
-    Call call("LsaOpenPolicy", {{"access", Hex(access)}});
+NTSTATUS ServeLsaOpenPolicy(Core& core, PLSA_UNICODE_STRING system,
+                            PLSA_OBJECT_ATTRIBUTES attributes, ACCESS_MASK access,
+                            PLSA_HANDLE policy) {
+    Call call(core, "LsaOpenPolicy", {{"access", Hex(access)}});
     if (const auto fault = call.Fault()) {
         return call.NtStatus(*fault);
     }
@@ -131,9 +132,10 @@ NTSTATUS NTAPI ServeLsaOpenPolicy(PLSA_UNICODE_STRING system, PLSA_OBJECT_ATTRIB
     return call.NtStatus(0);
 }
 
-NTSTATUS NTAPI ServeLsaQueryInformationPolicy(LSA_HANDLE policy, POLICY_INFORMATION_CLASS wanted,
-                                              PVOID* buffer) {
-    Call call("LsaQueryInformationPolicy", {{"class", std::to_string(static_cast<int>(wanted))}});
+NTSTATUS ServeLsaQueryInformationPolicy(Core& core, LSA_HANDLE policy,
+                                        POLICY_INFORMATION_CLASS wanted, PVOID* buffer) {
+    Call call(core, "LsaQueryInformationPolicy",
+              {{"class", std::to_string(static_cast<int>(wanted))}});
     if (const auto fault = call.Fault()) {
         return call.NtStatus(*fault);
     }
@@ -168,14 +170,14 @@ NTSTATUS NTAPI ServeLsaQueryInformationPolicy(LSA_HANDLE policy, POLICY_INFORMAT
     return call.NtStatus(0);
 }
 
-NTSTATUS NTAPI ServeLsaFreeMemory(PVOID buffer) {
-    Call call("LsaFreeMemory", {}, Failing::Never);
+NTSTATUS ServeLsaFreeMemory(Core& core, PVOID buffer) {
+    Call call(core, "LsaFreeMemory", {}, Failing::Never);
     TakeBlockBack(call, lsaBufferKind, buffer);
     return call.NtStatus(0);
 }
 
-NTSTATUS NTAPI ServeLsaClose(LSA_HANDLE policy) {
-    Call call("LsaClose");
+NTSTATUS ServeLsaClose(Core& core, LSA_HANDLE policy) {
+    Call call(core, "LsaClose");
     if (const auto fault = call.Fault()) {
         call->ledger.Excuse(policyKind, reinterpret_cast<std::uintptr_t>(policy));
         return call.NtStatus(*fault);
@@ -187,16 +189,16 @@ NTSTATUS NTAPI ServeLsaClose(LSA_HANDLE policy) {
     return call.NtStatus(0);
 }
 
-ULONG WINAPI ServeLsaNtStatusToWinError(NTSTATUS status) {
-    Call call("LsaNtStatusToWinError", {{"status", Hex(static_cast<std::uint32_t>(status))}},
+ULONG ServeLsaNtStatusToWinError(Core& core, NTSTATUS status) {
+    Call call(core, "LsaNtStatusToWinError", {{"status", Hex(static_cast<std::uint32_t>(status))}},
               Failing::Never);
     const ULONG error = Real().LsaNtStatusToWinError(status);
     call.Note(std::to_string(error));
     return error;
 }
 
-DWORD WINAPI ServeNetWkstaGetInfo(LPCWSTR server, DWORD level, LPBYTE* buffer) {
-    Call call("NetWkstaGetInfo", {{"level", std::to_string(level)}});
+DWORD ServeNetWkstaGetInfo(Core& core, LPCWSTR server, DWORD level, LPBYTE* buffer) {
+    Call call(core, "NetWkstaGetInfo", {{"level", std::to_string(level)}});
     const auto result = [&call](DWORD code) { return static_cast<DWORD>(call.Status(code)); };
     if (const auto fault = call.Fault()) {
         return result(*fault);
@@ -224,16 +226,18 @@ DWORD WINAPI ServeNetWkstaGetInfo(LPCWSTR server, DWORD level, LPBYTE* buffer) {
     return result(NERR_Success);
 }
 
-DWORD WINAPI ServeNetApiBufferFree(LPVOID buffer) {
-    Call call("NetApiBufferFree", {}, Failing::Never);
+DWORD ServeNetApiBufferFree(Core& core, LPVOID buffer) {
+    Call call(core, "NetApiBufferFree", {}, Failing::Never);
     if (buffer != nullptr) {
         TakeBlockBack(call, netBufferKind, buffer);
     }
     return static_cast<DWORD>(call.Status(NERR_Success));
 }
 
-BOOLEAN WINAPI ServeGetComputerObjectNameA(EXTENDED_NAME_FORMAT format, LPSTR name, PULONG size) {
-    Call call("GetComputerObjectNameA", {{"format", std::to_string(static_cast<int>(format))}});
+BOOLEAN ServeGetComputerObjectNameA(Core& core, EXTENDED_NAME_FORMAT format, LPSTR name,
+                                    PULONG size) {
+    Call call(core, "GetComputerObjectNameA",
+              {{"format", std::to_string(static_cast<int>(format))}});
     const auto result = [&call](bool succeeded, DWORD error) {
         return static_cast<BOOLEAN>(call.Boolean(succeeded, error));
     };
@@ -275,14 +279,14 @@ BOOLEAN WINAPI ServeGetComputerObjectNameA(EXTENDED_NAME_FORMAT format, LPSTR na
 }  // namespace
 
 void AddIdentityHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("GetComputerObjectNameA", &ServeGetComputerObjectNameA));
-    hooks.push_back(MakeHook("LsaClose", &ServeLsaClose));
-    hooks.push_back(MakeHook("LsaFreeMemory", &ServeLsaFreeMemory));
-    hooks.push_back(MakeHook("LsaNtStatusToWinError", &ServeLsaNtStatusToWinError));
-    hooks.push_back(MakeHook("LsaOpenPolicy", &ServeLsaOpenPolicy));
-    hooks.push_back(MakeHook("LsaQueryInformationPolicy", &ServeLsaQueryInformationPolicy));
-    hooks.push_back(MakeHook("NetApiBufferFree", &ServeNetApiBufferFree));
-    hooks.push_back(MakeHook("NetWkstaGetInfo", &ServeNetWkstaGetInfo));
+    hooks.push_back(MakeHook<&ServeGetComputerObjectNameA>("GetComputerObjectNameA"));
+    hooks.push_back(MakeHook<&ServeLsaClose>("LsaClose"));
+    hooks.push_back(MakeHook<&ServeLsaFreeMemory>("LsaFreeMemory"));
+    hooks.push_back(MakeHook<&ServeLsaNtStatusToWinError>("LsaNtStatusToWinError"));
+    hooks.push_back(MakeHook<&ServeLsaOpenPolicy>("LsaOpenPolicy"));
+    hooks.push_back(MakeHook<&ServeLsaQueryInformationPolicy>("LsaQueryInformationPolicy"));
+    hooks.push_back(MakeHook<&ServeNetApiBufferFree>("NetApiBufferFree"));
+    hooks.push_back(MakeHook<&ServeNetWkstaGetInfo>("NetWkstaGetInfo"));
 }
 
 }  // namespace machine

@@ -66,7 +66,11 @@ void Assign(std::string& target, const std::string& text) {
 // The stand-in for the library's function. The module and this library share the string type's
 // layout.
 int Decrypt(const std::string& enciphered, std::string& plain) {
-    Call call("Decrypt", {{"enciphered", "***"}});
+    const ServingCore core;
+    if (!core) {
+        return ERROR_MOD_NOT_FOUND;
+    }
+    Call call(*core, "Decrypt", {{"enciphered", "***"}});
     const auto result = [&call](int code) {
         call.Note(std::to_string(code), code != 0);
         return code;
@@ -78,11 +82,20 @@ int Decrypt(const std::string& enciphered, std::string& plain) {
     return result(0);
 }
 
-HMODULE WINAPI ServeLoadLibraryA(LPCSTR name) {
-    if (!Serving() || !EqualNoCase(OrEmpty(name), cryptoLibrary)) {
-        return Real().LoadLibraryA(name);
+struct CryptoLibraryByName {
+    bool operator()(const Core& /*core*/, LPCSTR name) const {
+        return EqualNoCase(OrEmpty(name), cryptoLibrary);
     }
-    Call call("LoadLibraryA", {{"name", name}});
+};
+
+struct OnCryptoModule {
+    bool operator()(const Core& /*core*/, HMODULE module, const auto&... /*others*/) const {
+        return module == CryptoModule();
+    }
+};
+
+HMODULE ServeLoadLibraryA(Core& core, LPCSTR name) {
+    Call call(core, "LoadLibraryA", {{"name", name}});
     if (const auto fault = call.Fault()) {
         call.Note("null", true, *fault);
         return nullptr;
@@ -96,11 +109,8 @@ HMODULE WINAPI ServeLoadLibraryA(LPCSTR name) {
     return CryptoModule();
 }
 
-FARPROC WINAPI ServeGetProcAddress(HMODULE module, LPCSTR name) {
-    if (!Serving() || module != CryptoModule()) {
-        return Real().GetProcAddress(module, name);
-    }
-    Call call("GetProcAddress", {{"name", IS_INTRESOURCE(name) ? "by number" : name}});
+FARPROC ServeGetProcAddress(Core& core, HMODULE /*module*/, LPCSTR name) {
+    Call call(core, "GetProcAddress", {{"name", IS_INTRESOURCE(name) ? "by number" : name}});
     if (const auto fault = call.Fault()) {
         call.Note("null", true, *fault);
         return nullptr;
@@ -115,11 +125,8 @@ FARPROC WINAPI ServeGetProcAddress(HMODULE module, LPCSTR name) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Decrypt));
 }
 
-BOOL WINAPI ServeFreeLibrary(HMODULE module) {
-    if (!Serving() || module != CryptoModule()) {
-        return Real().FreeLibrary(module);
-    }
-    Call call("FreeLibrary", {}, Failing::Never);
+BOOL ServeFreeLibrary(Core& core, HMODULE module) {
+    Call call(core, "FreeLibrary", {}, Failing::Never);
     if (!call->ledger.TakeBack(moduleKind, IdentityOf(module))) {
         call->ledger.RecordMisuse(call.Origin() + ": the library is not loaded");
         return call.Boolean(false, ERROR_MOD_NOT_FOUND);
@@ -130,9 +137,9 @@ BOOL WINAPI ServeFreeLibrary(HMODULE module) {
 }  // namespace
 
 void AddLibraryHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("FreeLibrary", &ServeFreeLibrary));
-    hooks.push_back(MakeHook("GetProcAddress", &ServeGetProcAddress));
-    hooks.push_back(MakeHook("LoadLibraryA", &ServeLoadLibraryA));
+    hooks.push_back(MakeHook<&ServeFreeLibrary, OnCryptoModule>("FreeLibrary"));
+    hooks.push_back(MakeHook<&ServeGetProcAddress, OnCryptoModule>("GetProcAddress"));
+    hooks.push_back(MakeHook<&ServeLoadLibraryA, CryptoLibraryByName>("LoadLibraryA"));
 }
 
 }  // namespace machine

@@ -54,17 +54,17 @@ bool WinsockIsStarted() {
            Real().WsaGetLastError() != WSANOTINITIALISED;
 }
 
-int WSAAPI ServeWSAStartup(WORD version, LPWSADATA data) {
-    Call call("WSAStartup", {{"version", Hex(version)}});
+int ServeWSAStartup(Core& core, WORD version, LPWSADATA data) {
+    Call call(core, "WSAStartup", {{"version", Hex(version)}});
     const int result =
         call.Fault() ? static_cast<int>(*call.Fault()) : Real().WsaStartup(version, data);
     call.Status(static_cast<std::uint32_t>(result));
     return result;
 }
 
-hostent* WSAAPI ServeGetHostByName(const char* name) {
+hostent* ServeGetHostByName(Core& core, const char* name) {
     const std::string text = OrEmpty(name);
-    Call call("gethostbyname", {{"name", text}});
+    Call call(core, "gethostbyname", {{"name", text}});
     const auto fail = [&call](std::uint32_t error) -> hostent* {
         call.Note("null", true, error);
         return nullptr;
@@ -92,8 +92,8 @@ hostent* WSAAPI ServeGetHostByName(const char* name) {
 }  // namespace
 
 void AddNetHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("WSAStartup", &ServeWSAStartup));
-    hooks.push_back(MakeHook("gethostbyname", &ServeGetHostByName));
+    hooks.push_back(MakeHook<&ServeWSAStartup>("WSAStartup"));
+    hooks.push_back(MakeHook<&ServeGetHostByName>("gethostbyname"));
 }
 
 }  // namespace machine

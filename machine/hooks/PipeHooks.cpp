@@ -24,22 +24,9 @@ std::string Name(DWORD standardHandle) {
     }
 }
 
-bool IsStandardHandle(HANDLE handle) {
-    const DWORD lastError = GetLastError();
-    Core& core = *Core::Active();
-    EnterCriticalSection(core.Lock());
-    const bool isStandard = core.standardHandles.contains(handle);
-    LeaveCriticalSection(core.Lock());
-    SetLastError(lastError);
-    return isStandard;
-}
-
-BOOL WINAPI ServeCreatePipe(PHANDLE readEnd, PHANDLE writeEnd, LPSECURITY_ATTRIBUTES security,
-                            DWORD size) {
-    if (!Serving()) {
-        return Real().CreatePipe(readEnd, writeEnd, security, size);
-    }
-    Call call("CreatePipe", {{"size", std::to_string(size)}});
+BOOL ServeCreatePipe(Core& core, PHANDLE readEnd, PHANDLE writeEnd, LPSECURITY_ATTRIBUTES security,
+                     DWORD size) {
+    Call call(core, "CreatePipe", {{"size", std::to_string(size)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
@@ -51,33 +38,31 @@ BOOL WINAPI ServeCreatePipe(PHANDLE readEnd, PHANDLE writeEnd, LPSECURITY_ATTRIB
     return result;
 }
 
-BOOL WINAPI ServeSetHandleInformation(HANDLE handle, DWORD mask, DWORD flags) {
-    if (!Serving() || !IsHandedOut(handle)) {
-        return Real().SetHandleInformation(handle, mask, flags);
-    }
-    Call call("SetHandleInformation", {{"mask", Hex(mask)}, {"flags", Hex(flags)}});
+BOOL ServeSetHandleInformation(Core& core, HANDLE handle, DWORD mask, DWORD flags) {
+    Call call(core, "SetHandleInformation", {{"mask", Hex(mask)}, {"flags", Hex(flags)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
     return call.RealBoolean(Real().SetHandleInformation(handle, mask, flags));
 }
 
-BOOL WINAPI ServeDuplicateHandle(HANDLE sourceProcess, HANDLE source, HANDLE targetProcess,
-                                 LPHANDLE target, DWORD access, BOOL inherit, DWORD options) {
-    const auto duplicate = [&] {
-        return Real().DuplicateHandle(sourceProcess, source, targetProcess, target, access, inherit,
-                                      options);
-    };
-    if (!Serving() || !IsHandedOut(source)) {
-        return duplicate();
+struct OnHandedOutSource {
+    bool operator()(const Core& core, HANDLE /*process*/, HANDLE source,
+                    const auto&... /*others*/) const {
+        return OnHandedOutHandle()(core, source);
     }
-    Call call("DuplicateHandle",
+};
+
+BOOL ServeDuplicateHandle(Core& core, HANDLE sourceProcess, HANDLE source, HANDLE targetProcess,
+                          LPHANDLE target, DWORD access, BOOL inherit, DWORD options) {
+    Call call(core, "DuplicateHandle",
               {{"inherit", inherit != FALSE ? "yes" : "no"}, {"options", Hex(options)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
     const std::string_view kind = KindOfHandle(call.Machine(), source);
-    const BOOL result = call.RealBoolean(duplicate());
+    const BOOL result = call.RealBoolean(Real().DuplicateHandle(
+        sourceProcess, source, targetProcess, target, access, inherit, options));
     if (result != FALSE) {
         if ((options & DUPLICATE_CLOSE_SOURCE) != 0) {
             call->ledger.TakeBack(kind, reinterpret_cast<std::uintptr_t>(source));
@@ -89,11 +74,8 @@ BOOL WINAPI ServeDuplicateHandle(HANDLE sourceProcess, HANDLE source, HANDLE tar
     return result;
 }
 
-BOOL WINAPI ServeCloseHandle(HANDLE handle) {
-    if (!Serving() || !IsHandedOut(handle)) {
-        return Real().CloseHandle(handle);
-    }
-    Call call("CloseHandle");
+BOOL ServeCloseHandle(Core& core, HANDLE handle) {
+    Call call(core, "CloseHandle");
     const std::string_view kind = KindOfHandle(call.Machine(), handle);
     const auto identity = reinterpret_cast<std::uintptr_t>(handle);
     call.AddArgument("kind", std::string(kind));
@@ -105,12 +87,9 @@ BOOL WINAPI ServeCloseHandle(HANDLE handle) {
     return call.RealBoolean(Real().CloseHandle(handle));
 }
 
-BOOL WINAPI ServePeekNamedPipe(HANDLE pipe, LPVOID buffer, DWORD size, LPDWORD read,
-                               LPDWORD available, LPDWORD left) {
-    if (!Serving() || !IsHandedOut(pipe)) {
-        return Real().PeekNamedPipe(pipe, buffer, size, read, available, left);
-    }
-    Call call("PeekNamedPipe");
+BOOL ServePeekNamedPipe(Core& core, HANDLE pipe, LPVOID buffer, DWORD size, LPDWORD read,
+                        LPDWORD available, LPDWORD left) {
+    Call call(core, "PeekNamedPipe");
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
@@ -122,12 +101,9 @@ BOOL WINAPI ServePeekNamedPipe(HANDLE pipe, LPVOID buffer, DWORD size, LPDWORD r
     return result;
 }
 
-BOOL WINAPI ServeReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD read,
-                          LPOVERLAPPED overlapped) {
-    if (!Serving() || !IsHandedOut(file)) {
-        return Real().ReadFile(file, buffer, size, read, overlapped);
-    }
-    Call call("ReadFile", {{"size", std::to_string(size)}});
+BOOL ServeReadFile(Core& core, HANDLE file, LPVOID buffer, DWORD size, LPDWORD read,
+                   LPOVERLAPPED overlapped) {
+    Call call(core, "ReadFile", {{"size", std::to_string(size)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
@@ -136,12 +112,15 @@ BOOL WINAPI ServeReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD read,
     return call.Boolean(result != FALSE, call.RealError());
 }
 
-BOOL WINAPI ServeWriteFile(HANDLE file, LPCVOID buffer, DWORD size, LPDWORD written,
-                           LPOVERLAPPED overlapped) {
-    if (!Serving() || (!IsHandedOut(file) && !IsStandardHandle(file))) {
-        return Real().WriteFile(file, buffer, size, written, overlapped);
+struct OnHandedOutOrStandardHandle {
+    bool operator()(const Core& core, HANDLE file, const auto&... /*others*/) const {
+        return OnHandedOutHandle()(core, file) || core.standardHandles.Contains(file);
     }
-    Call call("WriteFile", {{"size", std::to_string(size)}});
+};
+
+BOOL ServeWriteFile(Core& core, HANDLE file, LPCVOID buffer, DWORD size, LPDWORD written,
+                    LPOVERLAPPED overlapped) {
+    Call call(core, "WriteFile", {{"size", std::to_string(size)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
@@ -150,11 +129,8 @@ BOOL WINAPI ServeWriteFile(HANDLE file, LPCVOID buffer, DWORD size, LPDWORD writ
     return call.Boolean(result != FALSE, call.RealError());
 }
 
-HANDLE WINAPI ServeGetStdHandle(DWORD which) {
-    if (!Serving()) {
-        return Real().GetStdHandle(which);
-    }
-    Call call("GetStdHandle", {{"which", Name(which)}});
+HANDLE ServeGetStdHandle(Core& core, DWORD which) {
+    Call call(core, "GetStdHandle", {{"which", Name(which)}});
     if (const auto fault = call.Fault()) {
         call.Note("INVALID_HANDLE_VALUE", true, *fault);
         return INVALID_HANDLE_VALUE;
@@ -162,15 +138,12 @@ HANDLE WINAPI ServeGetStdHandle(DWORD which) {
     const HANDLE handle = Real().GetStdHandle(which);
     call.Note(handle == nullptr ? "null" : "handle", handle == INVALID_HANDLE_VALUE,
               GetLastError());
-    call->standardHandles.insert(handle);
+    call->standardHandles.Insert(handle);
     return handle;
 }
 
-BOOL WINAPI ServeSetStdHandle(DWORD which, HANDLE handle) {
-    if (!Serving()) {
-        return Real().SetStdHandle(which, handle);
-    }
-    Call call("SetStdHandle", {{"which", Name(which)}});
+BOOL ServeSetStdHandle(Core& core, DWORD which, HANDLE handle) {
+    Call call(core, "SetStdHandle", {{"which", Name(which)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
@@ -180,15 +153,16 @@ BOOL WINAPI ServeSetStdHandle(DWORD which, HANDLE handle) {
 }  // namespace
 
 void AddPipeHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("CloseHandle", &ServeCloseHandle));
-    hooks.push_back(MakeHook("CreatePipe", &ServeCreatePipe));
-    hooks.push_back(MakeHook("DuplicateHandle", &ServeDuplicateHandle));
-    hooks.push_back(MakeHook("GetStdHandle", &ServeGetStdHandle));
-    hooks.push_back(MakeHook("PeekNamedPipe", &ServePeekNamedPipe));
-    hooks.push_back(MakeHook("ReadFile", &ServeReadFile));
-    hooks.push_back(MakeHook("SetHandleInformation", &ServeSetHandleInformation));
-    hooks.push_back(MakeHook("SetStdHandle", &ServeSetStdHandle));
-    hooks.push_back(MakeHook("WriteFile", &ServeWriteFile));
+    hooks.push_back(MakeHook<&ServeCloseHandle, OnHandedOutHandle>("CloseHandle"));
+    hooks.push_back(MakeHook<&ServeCreatePipe>("CreatePipe"));
+    hooks.push_back(MakeHook<&ServeDuplicateHandle, OnHandedOutSource>("DuplicateHandle"));
+    hooks.push_back(MakeHook<&ServeGetStdHandle>("GetStdHandle"));
+    hooks.push_back(MakeHook<&ServePeekNamedPipe, OnHandedOutHandle>("PeekNamedPipe"));
+    hooks.push_back(MakeHook<&ServeReadFile, OnHandedOutHandle>("ReadFile"));
+    hooks.push_back(
+        MakeHook<&ServeSetHandleInformation, OnHandedOutHandle>("SetHandleInformation"));
+    hooks.push_back(MakeHook<&ServeSetStdHandle>("SetStdHandle"));
+    hooks.push_back(MakeHook<&ServeWriteFile, OnHandedOutOrStandardHandle>("WriteFile"));
 }
 
 }  // namespace machine

@@ -82,18 +82,15 @@ BOOL StartRoute(Call& call, ProcessRequest request) {
     return result;
 }
 
-BOOL WINAPI ServeCreateProcessA(LPCSTR application, LPSTR commandLine,
-                                LPSECURITY_ATTRIBUTES processSecurity,
-                                LPSECURITY_ATTRIBUTES threadSecurity, BOOL inheritHandles,
-                                DWORD flags, LPVOID environment, LPCSTR directory,
-                                LPSTARTUPINFOA startup, LPPROCESS_INFORMATION information) {
+BOOL ServeCreateProcessA(Core& core, LPCSTR application, LPSTR commandLine,
+                         LPSECURITY_ATTRIBUTES processSecurity,
+                         LPSECURITY_ATTRIBUTES threadSecurity, BOOL inheritHandles, DWORD flags,
+                         LPVOID environment, LPCSTR directory, LPSTARTUPINFOA startup,
+                         LPPROCESS_INFORMATION information) {
     const ProcessRequest request{application,    commandLine, processSecurity, threadSecurity,
                                  inheritHandles, flags,       environment,     directory,
                                  startup,        information};
-    if (!Serving()) {
-        return request.Create();
-    }
-    Call call("CreateProcessA",
+    Call call(core, "CreateProcessA",
               {{"application", OrEmpty(application)}, {"command line", OrEmpty(commandLine)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
@@ -107,11 +104,8 @@ BOOL WINAPI ServeCreateProcessA(LPCSTR application, LPSTR commandLine,
     return result;
 }
 
-DWORD WINAPI ServeWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    if (!Serving() || !IsHandedOut(handle)) {
-        return Real().WaitForSingleObject(handle, milliseconds);
-    }
-    Call call("WaitForSingleObject", {{"milliseconds", std::to_string(milliseconds)}});
+DWORD ServeWaitForSingleObject(Core& core, HANDLE handle, DWORD milliseconds) {
+    Call call(core, "WaitForSingleObject", {{"milliseconds", std::to_string(milliseconds)}});
     if (const auto fault = call.Fault()) {
         call.Note("WAIT_FAILED", true, *fault);
         return WAIT_FAILED;
@@ -127,11 +121,8 @@ DWORD WINAPI ServeWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     return result;
 }
 
-BOOL WINAPI ServeGetExitCodeProcess(HANDLE process, LPDWORD code) {
-    if (!Serving() || !IsHandedOut(process)) {
-        return Real().GetExitCodeProcess(process, code);
-    }
-    Call call("GetExitCodeProcess");
+BOOL ServeGetExitCodeProcess(Core& core, HANDLE process, LPDWORD code) {
+    Call call(core, "GetExitCodeProcess");
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
@@ -142,11 +133,8 @@ BOOL WINAPI ServeGetExitCodeProcess(HANDLE process, LPDWORD code) {
     return result;
 }
 
-BOOL WINAPI ServeTerminateProcess(HANDLE process, UINT code) {
-    if (!Serving() || !IsHandedOut(process)) {
-        return Real().TerminateProcess(process, code);
-    }
-    Call call("TerminateProcess", {{"code", std::to_string(code)}});
+BOOL ServeTerminateProcess(Core& core, HANDLE process, UINT code) {
+    Call call(core, "TerminateProcess", {{"code", std::to_string(code)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
@@ -156,10 +144,10 @@ BOOL WINAPI ServeTerminateProcess(HANDLE process, UINT code) {
 }  // namespace
 
 void AddProcessHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("CreateProcessA", &ServeCreateProcessA));
-    hooks.push_back(MakeHook("GetExitCodeProcess", &ServeGetExitCodeProcess));
-    hooks.push_back(MakeHook("TerminateProcess", &ServeTerminateProcess));
-    hooks.push_back(MakeHook("WaitForSingleObject", &ServeWaitForSingleObject));
+    hooks.push_back(MakeHook<&ServeCreateProcessA>("CreateProcessA"));
+    hooks.push_back(MakeHook<&ServeGetExitCodeProcess, OnHandedOutHandle>("GetExitCodeProcess"));
+    hooks.push_back(MakeHook<&ServeTerminateProcess, OnHandedOutHandle>("TerminateProcess"));
+    hooks.push_back(MakeHook<&ServeWaitForSingleObject, OnHandedOutHandle>("WaitForSingleObject"));
 }
 
 }  // namespace machine

@@ -37,8 +37,8 @@ void HandOutKey(Call& call, std::string path, HKEY* key) {
     *key = reinterpret_cast<HKEY>(handle);
 }
 
-LSTATUS WINAPI ServeRegOpenKeyExA(HKEY root, LPCSTR subkey, DWORD, REGSAM access, PHKEY key) {
-    Call call("RegOpenKeyExA", {{"subkey", OrEmpty(subkey)}, {"access", Hex(access)}});
+LSTATUS ServeRegOpenKeyExA(Core& core, HKEY root, LPCSTR subkey, DWORD, REGSAM access, PHKEY key) {
+    Call call(core, "RegOpenKeyExA", {{"subkey", OrEmpty(subkey)}, {"access", Hex(access)}});
     if (const auto fault = call.Fault()) {
         return call.Status(*fault);
     }
@@ -57,10 +57,10 @@ LSTATUS WINAPI ServeRegOpenKeyExA(HKEY root, LPCSTR subkey, DWORD, REGSAM access
     return call.Status(ERROR_SUCCESS);
 }
 
-LSTATUS WINAPI ServeRegCreateKeyExA(HKEY root, LPCSTR subkey, DWORD, LPSTR, DWORD options,
-                                    REGSAM access, const LPSECURITY_ATTRIBUTES, PHKEY key,
-                                    LPDWORD disposition) {
-    Call call("RegCreateKeyExA",
+LSTATUS ServeRegCreateKeyExA(Core& core, HKEY root, LPCSTR subkey, DWORD, LPSTR, DWORD options,
+                             REGSAM access, const LPSECURITY_ATTRIBUTES, PHKEY key,
+                             LPDWORD disposition) {
+    Call call(core, "RegCreateKeyExA",
               {{"subkey", OrEmpty(subkey)}, {"options", Hex(options)}, {"access", Hex(access)}});
     if (const auto fault = call.Fault()) {
         return call.Status(*fault);
@@ -82,9 +82,9 @@ LSTATUS WINAPI ServeRegCreateKeyExA(HKEY root, LPCSTR subkey, DWORD, LPSTR, DWOR
     return call.Status(ERROR_SUCCESS);
 }
 
-LSTATUS WINAPI ServeRegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD type, LPBYTE data,
-                                     LPDWORD size) {
-    Call call("RegQueryValueExA", {{"name", OrEmpty(name)}});
+LSTATUS ServeRegQueryValueExA(Core& core, HKEY key, LPCSTR name, LPDWORD, LPDWORD type, LPBYTE data,
+                              LPDWORD size) {
+    Call call(core, "RegQueryValueExA", {{"name", OrEmpty(name)}});
     if (const auto fault = call.Fault()) {
         return call.Status(*fault);
     }
@@ -117,8 +117,8 @@ LSTATUS WINAPI ServeRegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD typ
     return call.Status(ERROR_SUCCESS);
 }
 
-LSTATUS WINAPI ServeRegCloseKey(HKEY key) {
-    Call call("RegCloseKey");
+LSTATUS ServeRegCloseKey(Core& core, HKEY key) {
+    Call call(core, "RegCloseKey");
     if (const auto fault = call.Fault()) {
         call->ledger.Excuse(keyKind, HandleOf(key));
         return call.Status(*fault);
@@ -138,10 +138,10 @@ LSTATUS WINAPI ServeRegCloseKey(HKEY key) {
 }  // namespace
 
 void AddRegistryHooks(Hooks& hooks) {
-    hooks.push_back(MakeHook("RegCloseKey", &ServeRegCloseKey));
-    hooks.push_back(MakeHook("RegCreateKeyExA", &ServeRegCreateKeyExA));
-    hooks.push_back(MakeHook("RegOpenKeyExA", &ServeRegOpenKeyExA));
-    hooks.push_back(MakeHook("RegQueryValueExA", &ServeRegQueryValueExA));
+    hooks.push_back(MakeHook<&ServeRegCloseKey>("RegCloseKey"));
+    hooks.push_back(MakeHook<&ServeRegCreateKeyExA>("RegCreateKeyExA"));
+    hooks.push_back(MakeHook<&ServeRegOpenKeyExA>("RegOpenKeyExA"));
+    hooks.push_back(MakeHook<&ServeRegQueryValueExA>("RegQueryValueExA"));
 }
 
 }  // namespace machine

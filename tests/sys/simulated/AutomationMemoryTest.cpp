@@ -26,7 +26,7 @@ const Outcome kShort = ComFailure(kCode);
 struct Shortage {
     int failAt = 0;
     int calls = 0;
-    bool Strikes() { return machine::Serving() && ++calls == failAt; }
+    bool Strikes() { return machine::ServingCore() && ++calls == failAt; }
 };
 
 Shortage shortage;
