@@ -18,15 +18,20 @@ std::string ReadLocalMachineValue(const std::string& subkey, const char* name) {
 
 }  // namespace
 
+std::string deviceKey(const std::string& pnpDeviceId) {
+    return "SYSTEM\\CurrentControlSet\\Enum\\" + pnpDeviceId;
+}
+
+std::string interfaceKey(const std::string& settingId) {
+    return "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Interfaces\\" + settingId;
+}
+
 std::string readLocationInformation(const std::string& pnpDeviceId) {
-    return ReadLocalMachineValue("SYSTEM\\CurrentControlSet\\Enum\\" + pnpDeviceId,
-                                 "LocationInformation");
+    return ReadLocalMachineValue(deviceKey(pnpDeviceId), "LocationInformation");
 }
 
 std::string readNameServer(const std::string& settingId) {
-    return ReadLocalMachineValue(
-        "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Interfaces\\" + settingId,
-        "NameServer");
+    return ReadLocalMachineValue(interfaceKey(settingId), "NameServer");
 }
 
 }  // namespace sys

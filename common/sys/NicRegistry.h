@@ -6,6 +6,10 @@
 /// the value cannot be read.
 namespace sys {
 
+/// Their keys below HKEY_LOCAL_MACHINE.
+std::string deviceKey(const std::string& pnpDeviceId);
+std::string interfaceKey(const std::string& settingId);
+
 /// "LocationInformation" of a plug-and-play device.
 std::string readLocationInformation(const std::string& pnpDeviceId);
 

@@ -1,15 +1,16 @@
 #include "host/snapshot/Snapshot.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <exception>
 #include <functional>
+#include <optional>
 #include <utility>
 
 #include "common/err/GeneralError.h"
 #include "common/sys/Domain.h"
 #include "common/sys/NicRegistry.h"
 #include "common/sys/WmiQueries.h"
-#include "common/util/Strings.h"
+#include "host/snapshot/ReadFailure.h"
 
 namespace host::snapshot {
 
@@ -17,31 +18,45 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// Runs one query; an error becomes a note. True when it went well.
+/// Runs reads; one that fails becomes a note.
 class Reader {
 public:
     explicit Reader(Texts& notes) : notes_(notes) {}
 
-    bool Read(const std::string& what, const std::function<void()>& query) {
+    void Read(const std::string& what, const std::function<void()>& read) {
         try {
-            query();
-            return true;
-        } catch (const err::CGeneralError& error) {
-            notes_.push_back(what + " cannot be read: " + error.Message() +
-                             util::Format(" (0x%X)", static_cast<unsigned>(error.Code())));
-        } catch (const std::exception& error) {
-            notes_.push_back(what + " cannot be read: " + error.what());
+            read();
+        } catch (...) {
+            Note(what, DescribeReadFailure());
         }
-        return false;
     }
 
-    /// The same for what many machines do not have: no note.
-    static void ReadIfThere(const std::function<void()>& query) {
-        Texts unnoted;
-        Reader(unnoted).Read("", query);
+    /// The same for a registry value that many machines do not have.
+    void ReadIfThere(const std::string& what, const std::function<void()>& read) {
+        Read(what, [&read] {
+            try {
+                read();
+            } catch (const sys::RegistryError& error) {
+                if (!IsMissing(error)) {
+                    throw;
+                }
+            }
+        });
+    }
+
+    void Query(const std::string& what, const std::function<sys::Result()>& query) {
+        sys::Result result = 0;
+        Read(what, [&] { result = query(); });
+        if (result < 0) {
+            Note(what, DescribeUnreadProperty(result));
+        }
     }
 
 private:
+    void Note(const std::string& what, const std::string& why) {
+        notes_.push_back(what + " cannot be read: " + why);
+    }
+
     Texts& notes_;
 };
 
@@ -75,68 +90,94 @@ Texts SplitServers(const std::string& text) {
     return servers;
 }
 
-/// A text property; null stays null.
+/// What of an adapter is read: "Adapter 7: IPAddress and IPSubnet".
+std::string Of(const machine::Adapter& adapter, const std::string& what) {
+    return "Adapter " + std::to_string(adapter.index) + ": " + what;
+}
+
 std::optional<std::string> ReadText(
-    const std::function<sys::Result(std::uint32_t, std::string&)>& query, std::uint32_t index) {
+    Reader& reader, const machine::Adapter& adapter, const char* property,
+    const std::function<sys::Result(std::uint32_t, std::string&)>& query) {
     std::string text;
-    Reader::ReadIfThere([&] { query(index, text); });
+    reader.Query(Of(adapter, property), [&] { return query(adapter.index, text); });
     return NullWhenEmpty(std::move(text));
 }
 
-void ReadHardware(machine::Adapter& adapter) {
-    adapter.settingId = ReadText(sys::getSettingId, adapter.index);
-    adapter.pnpDeviceId = ReadText(sys::getPnpDeviceId, adapter.index);
-    adapter.caption = ReadText(sys::getCaption, adapter.index);
-    adapter.macAddress = ReadText(sys::getMacAddress, adapter.index);
+void ReadLocation(Reader& reader, machine::Adapter& adapter) {
+    const std::string what = Of(adapter, "LocationInformation of HKEY_LOCAL_MACHINE\\" +
+                                             sys::deviceKey(*adapter.pnpDeviceId));
+    const auto read = [&adapter] {
+        adapter.pciLocation = sys::readLocationInformation(*adapter.pnpDeviceId);
+    };
+    // The module reads it for PCI adapters, and fails where there is none.
+    if (adapter.pnpDeviceId->starts_with("PCI")) {
+        reader.Read(what, read);
+    } else {
+        reader.ReadIfThere(what, read);
+    }
+}
+
+void ReadHardware(Reader& reader, machine::Adapter& adapter) {
+    adapter.settingId = ReadText(reader, adapter, "SettingID", sys::getSettingId);
+    adapter.pnpDeviceId = ReadText(reader, adapter, "PNPDeviceID", sys::getPnpDeviceId);
+    adapter.caption = ReadText(reader, adapter, "Caption", sys::getCaption);
+    adapter.macAddress = ReadText(reader, adapter, "MACAddress", sys::getMacAddress);
     std::string type;
     std::string manufacturer;
-    Reader::ReadIfThere(
-        [&] { sys::getAdapterTypeAndManufacturer(adapter.index, type, manufacturer); });
+    reader.Query(Of(adapter, "AdapterType and Manufacturer"), [&] {
+        return sys::getAdapterTypeAndManufacturer(adapter.index, type, manufacturer);
+    });
     adapter.adapterType = NullWhenEmpty(std::move(type));
     adapter.manufacturer = NullWhenEmpty(std::move(manufacturer));
     if (adapter.pnpDeviceId) {
-        Reader::ReadIfThere(
-            [&] { adapter.pciLocation = sys::readLocationInformation(*adapter.pnpDeviceId); });
+        ReadLocation(reader, adapter);
     }
 }
 
-void ReadAddressing(const std::string& name, Reader& reader, machine::Adapter& adapter) {
-    bool dhcp = false;
-    if (reader.Read(name + ", DHCP,", [&] { sys::getDhcpEnabled(adapter.index, dhcp); })) {
-        adapter.dhcpEnabled = dhcp;
-    }
+void ReadAddressing(Reader& reader, machine::Adapter& adapter) {
+    reader.Query(Of(adapter, "DHCPEnabled"), [&] {
+        bool dhcp = false;
+        const sys::Result result = sys::getDhcpEnabled(adapter.index, dhcp);
+        if (result >= 0) {
+            adapter.dhcpEnabled = dhcp;
+        }
+        return result;
+    });
     ipc::IPv4Address address;
     ipc::IPv4Address mask;
-    const bool addressed = reader.Read(
-        name + ", the address,", [&] { sys::getIpAddressAndMask(adapter.index, address, mask); });
-    if (addressed && address.NetworkOrder() != 0) {
-        adapter.ipAddress = Texts{address.ToString()};
-        adapter.ipSubnet = Texts{mask.ToString()};
-    }
+    reader.Query(Of(adapter, "IPAddress and IPSubnet"), [&] {
+        const sys::Result result = sys::getIpAddressAndMask(adapter.index, address, mask);
+        if (address.NetworkOrder() != 0) {
+            adapter.ipAddress = Texts{address.ToString()};
+            adapter.ipSubnet = Texts{mask.ToString()};
+        }
+        return result;
+    });
     std::vector<ipc::IPv4Address> gateways;
-    reader.Read(name + ", the gateways,", [&] { sys::getGateways(adapter.index, gateways); });
+    reader.Query(Of(adapter, "DefaultIPGateway"),
+                 [&] { return sys::getGateways(adapter.index, gateways); });
     adapter.gateways = NullWhenEmpty(TextsOf(gateways));
 }
 
-void ReadNames(const std::string& name, Reader& reader, machine::Adapter& adapter,
-               machine::State& state) {
+void ReadNames(Reader& reader, machine::Adapter& adapter, machine::State& state) {
     std::vector<ipc::IPv4Address> servers;
     Texts suffixes;
-    reader.Read(name + ", DNS,",
-                [&] { sys::getDnsServersAndSuffixes(adapter.index, servers, suffixes); });
+    reader.Query(Of(adapter, "DNSServerSearchOrder and DNSDomainSuffixSearchOrder"),
+                 [&] { return sys::getDnsServersAndSuffixes(adapter.index, servers, suffixes); });
     adapter.dnsServers = NullWhenEmpty(TextsOf(servers));
     if (state.dnsSuffixes.empty()) {
         state.dnsSuffixes = std::move(suffixes);  // the machine's, shown with every adapter
     }
     std::string domain;
     std::string hostName;
-    Reader::ReadIfThere([&] {
-        sys::getDnsDomainAndHostName(adapter.index, domain, hostName);
-        adapter.dnsDomain = domain;  // an empty text is no null
-    });
+    reader.Query(Of(adapter, "DNSDomain and DNSHostName"),
+                 [&] { return sys::getDnsDomainAndHostName(adapter.index, domain, hostName); });
+    adapter.dnsDomain = NullWhenEmpty(std::move(domain));
     adapter.dnsHostName = NullWhenEmpty(std::move(hostName));
     if (adapter.settingId) {
-        Reader::ReadIfThere(
+        reader.ReadIfThere(
+            Of(adapter,
+               "NameServer of HKEY_LOCAL_MACHINE\\" + sys::interfaceKey(*adapter.settingId)),
             [&] { adapter.staticDns = SplitServers(sys::readNameServer(*adapter.settingId)); });
     }
 }
@@ -151,19 +192,18 @@ void GuessLease(machine::Adapter& adapter) {
     lease.ipSubnet = adapter.ipSubnet.value_or(Texts());
     lease.gateways = adapter.gateways.value_or(Texts());
     lease.dnsServers = adapter.staticDns.empty() ? adapter.dnsServers.value_or(Texts()) : Texts();
-    lease.dnsDomain = adapter.dnsDomain.value_or("");
+    lease.dnsDomain = adapter.dnsDomain;
 }
 
 void ReadAdapters(Reader& reader, machine::State& state) {
     std::vector<std::uint32_t> indexes;
-    reader.Read("The list of adapters", [&] { sys::getIpEnabledAdapters(indexes); });
+    reader.Query("The list of adapters", [&] { return sys::getIpEnabledAdapters(indexes); });
     for (const std::uint32_t index : indexes) {
         machine::Adapter adapter;
         adapter.index = index;
-        const std::string name = "Adapter " + std::to_string(index);
-        ReadHardware(adapter);
-        ReadAddressing(name, reader, adapter);
-        ReadNames(name, reader, adapter, state);
+        ReadHardware(reader, adapter);
+        ReadAddressing(reader, adapter);
+        ReadNames(reader, adapter, state);
         GuessLease(adapter);
         state.adapters.push_back(std::move(adapter));
     }
@@ -171,7 +211,7 @@ void ReadAdapters(Reader& reader, machine::State& state) {
 
 void ReadRoutes(Reader& reader, machine::State& state) {
     std::vector<sys::RouteRecord> routes;
-    reader.Read("The table of persistent routes", [&] { sys::getStaticRoutes(routes); });
+    reader.Query("The table of persistent routes", [&] { return sys::getStaticRoutes(routes); });
     for (const sys::RouteRecord& route : routes) {
         state.routes.push_back({route.destination.ToString(), route.mask.ToString(),
                                 route.nextHop.ToString(), static_cast<std::int32_t>(route.metric)});
@@ -199,11 +239,12 @@ machine::Domain KnownDomain(const machine::State& state, const std::string& unit
 
 void ReadMembership(Reader& reader, machine::State& state) {
     sys::Domain domain;
-    bool member = false;
-    if (!reader.Read("The membership", [&] { member = domain.IsDomainMember(); })) {
+    std::optional<bool> member;
+    reader.Read("The membership", [&] { member = domain.IsDomainMember(); });
+    if (!member) {
         return;
     }
-    if (!member) {
+    if (!*member) {
         if (!domain.Workgroup().empty()) {
             state.membership = machine::Membership::OfWorkgroup(domain.Workgroup());
         }
@@ -226,7 +267,7 @@ Snapshot TakeSnapshot() {
     Snapshot snapshot;
     Reader reader(snapshot.notes);
     machine::State& state = snapshot.state;
-    reader.Read("The computer's name", [&] { sys::getComputerName(state.computerName); });
+    reader.Query("The computer's name", [&] { return sys::getComputerName(state.computerName); });
     ReadAdapters(reader, state);
     state.hostName = state.computerName;
     for (const machine::Adapter& adapter : state.adapters) {

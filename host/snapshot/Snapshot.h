@@ -10,7 +10,8 @@ namespace host::snapshot {
 /// A machine as the module sees it.
 struct Snapshot {
     machine::State state;
-    /// What could not be seen, in sentences. Texts are in the system code page.
+    /// What could not be seen, a sentence each: the adapter, the property or the registry key, and
+    /// the call that failed. Texts are in the system code page.
     std::vector<std::string> notes;
 };
 

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <set>
 
-#include "machine/MachineFile.h"
 #include "tests/configure/Support.h"
 
 namespace {
@@ -79,31 +78,6 @@ TEST(Sandbox, ARunHereTakesTheFileAsTheAgentWould) {
     EXPECT_EQ(result.at("passes")[0].at("reply").at("Result"), "Success");
     EXPECT_FALSE(std::filesystem::exists("here.ini"));
     EXPECT_TRUE(std::filesystem::remove(BesideProgram("here.ini")));
-}
-
-TEST(Snapshot, IsAMachineFileOfThisMachineAndCanBePlannedOn) {
-    char name[256] = "";
-    DWORD size = sizeof name;
-    ASSERT_NE(GetComputerNameA(name, &size), 0);
-    const Files files;
-    const auto written = host_tests::RunHost({"snapshot", "-o", "snapshot.json"});
-    EXPECT_EQ(written.exitCode, 0U) << written.notes;
-    EXPECT_EQ(written.data, "wrote snapshot.json\n");
-    const machine::State state = machine::ParseState(ReadFile("snapshot.json"));
-    EXPECT_EQ(state.computerName, name);
-    EXPECT_FALSE(state.membership.member && state.membership.dnsDomain.empty());
-    for (const std::string format : {"text", "json"}) {
-        const auto printed = host_tests::RunHost({"snapshot", "--format", format});
-        EXPECT_EQ(printed.exitCode, 0U);
-        EXPECT_EQ(machine::ParseState(printed.data), state) << format;
-        EXPECT_THAT(printed.notes, testing::HasSubstr(format == "text" ? "Not seen" : ""));
-    }
-    const std::string config = files.Write("planned.ini", "[Networking]\nComputerName=PC-NEW\n");
-    const Json onFile = ConfigureJson({config, "--machine", "snapshot.json", "--plan"}, 2);
-    const Json here = ConfigureJson({config, "--this-machine", "--plan"}, 2);
-    EXPECT_EQ(onFile.at("passes"), here.at("passes"));
-    EXPECT_EQ(SettingOf(here.at("passes")[0], "computer-name").at("fate"), "change");
-    EXPECT_TRUE(std::filesystem::exists(config));
 }
 
 }  // namespace
