@@ -11,7 +11,8 @@
 ///
 /// Result: the HRESULT of the last read, 0 when no row came back. Outputs keep their values where
 /// no row came back or the property could not be read; lists are appended to. A null text is an
-/// empty text, a null list an empty list.
+/// empty text (an address of it 255.255.255.255, as of any text that is none), a null list an empty
+/// list.
 ///
 /// A query that fails, or a row that cannot be fetched, throws CWmiError; a list then holds the
 /// rows before it. A property that is there and cannot be changed to text throws ComError; a list
