@@ -16,7 +16,6 @@
 #include "common/config/command/Reboot.h"
 #include "common/config/command/SetStatic.h"
 #include "common/config/command/Sleep.h"
-#include "common/sys/Domain.h"
 #include "common/sys/NicDiscovery.h"
 
 namespace config {
@@ -139,8 +138,8 @@ bool Analyzer::NeedsRestart(IConfigureCommand& command) {
         dynamic_cast<command::JoinDomain*>(&command) != nullptr) {
         return true;
     }
-    return dynamic_cast<command::JoinWorkgroup*>(&command) != nullptr &&
-           sys::getDomain().IsDomainMember();
+    auto* const workgroup = dynamic_cast<command::JoinWorkgroup*>(&command);
+    return workgroup != nullptr && workgroup->LeavesDomain();
 }
 
 void DefaultAnalyzer::BeforeAnalyze(CommandList& /*commands*/) {}

@@ -34,8 +34,7 @@ std::uint32_t ParseNumber(const std::string& value) {
     return static_cast<std::uint32_t>(util::StringToInt(value));
 }
 
-bool IsCurrentDomain(const std::string& name) {
-    sys::Domain& domain = sys::getDomain();
+bool IsCurrentDomain(sys::Domain& domain, const std::string& name) {
     return domain.IsDomainMember() && (util::NoCaseEqual(domain.DomainName(), name) ||
                                        util::NoCaseEqual(domain.DnsDomainName(), name));
 }
@@ -61,18 +60,21 @@ void DefaultRule::HandleEvent(std::uint32_t kind, const std::string& value) {
             Builder().AppendCommand(std::make_unique<command::ChangeCompName>(value));
             break;
         case Event::WORKGROUP:
-            Builder().AppendCommand(std::make_unique<command::JoinWorkgroup>(value));
+            Builder().AppendCommand(
+                std::make_unique<command::JoinWorkgroup>(Builder().Domain(), value));
             break;
         case Event::DOMAIN:
-            if (!IsCurrentDomain(value)) {
-                Builder().AppendCommand(std::make_unique<command::JoinDomain>(value));
+            if (!IsCurrentDomain(Builder().Domain(), value)) {
+                Builder().AppendCommand(
+                    std::make_unique<command::JoinDomain>(Builder().Domain(), value));
             }
             break;
         case Event::ORGANIZATIONAL_UNIT:
             if (auto* const join = ExactCast<command::JoinDomain>(Builder().LastCommand())) {
                 join->SetOrganizationalUnit(value);
             } else {
-                Builder().AppendCommand(std::make_unique<command::MoveOu>(value));
+                Builder().AppendCommand(
+                    std::make_unique<command::MoveOu>(Builder().Domain(), value));
             }
             break;
         case Event::DOMAIN_USER:

@@ -9,6 +9,7 @@
 #include "common/config/Event.h"
 #include "common/config/command/IConfigureCommand.h"
 #include "common/logging/LogSink.h"
+#include "common/sys/Domain.h"
 
 namespace config {
 
@@ -26,6 +27,9 @@ public:
     /// Takes one event. Throws ConfigError for an event that makes no sense where it stands, and
     /// what asking the system or resolving a host name throws.
     void ConfigEvent(std::uint32_t kind, std::uint32_t type, std::string value);
+
+    /// For the rules and their commands: the machine's membership, as this request sees it.
+    sys::Domain& Domain() noexcept { return domain_; }
 
     /// For the rules: appends a command; the order of appending is the order of execution.
     void AppendCommand(std::unique_ptr<command::IConfigureCommand> command);
@@ -45,6 +49,7 @@ private:
     void OpenScope();
     void CloseScope();
 
+    sys::Domain domain_;  // used by commands
     command::CommandList commands_;
     std::deque<std::unique_ptr<BuilderRule>> rules_;  // the last one is the current scope
     logging::ILogSink& log_;

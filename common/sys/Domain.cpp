@@ -154,11 +154,6 @@ Domain::~Domain() {
     ForgetPassword();
 }
 
-Domain& getDomain() {
-    static Domain domain;
-    return domain;
-}
-
 void Domain::SetAccount(const std::string& user, const std::string& password) {
     ForgetPassword();
     user_ = user;

@@ -5,7 +5,9 @@
 
 namespace sys {
 
-/// The machine's membership in a domain or workgroup, and the operations that change it.
+/// The machine's membership in a domain or workgroup, and the operations that change it. Every
+/// request has an object of its own, so that what it learnt and the account that it used end with
+/// it and no other request sees them.
 ///
 /// Organisational units are written as a slash path from the top down ("East/Sales") or as a
 /// fragment of a distinguished name ("OU=Sales,OU=East"). Failures are DomainError, and what the
@@ -44,15 +46,16 @@ public:
     /// The units of a distinguished name, as a slash path or, with `asDn`, as a fragment.
     static void ExtractOuPath(const std::string& dn, std::string& out, bool asDn);
 
-    /// The account for the operations. The password is clear text; ForgetPassword overwrites it.
+    /// The account for the operations. The password is clear text; the next account's takes its
+    /// place, and the end of the object overwrites it.
     void SetAccount(const std::string& user, const std::string& password);
-    void ForgetPassword() noexcept;
 
     const std::string& Workgroup() const noexcept { return workgroup_; }
     const std::string& DomainName() const noexcept { return domain_; }
     const std::string& DnsDomainName() const noexcept { return dnsDomain_; }
 
 private:
+    void ForgetPassword() noexcept;
     void BuildAccount(const std::string& domain);
     void BuildCurrentAccount();
 
@@ -66,8 +69,5 @@ private:
     bool skipRefresh_ = false;  // nothing sets it
     bool member_ = false;
 };
-
-/// The one object of the process.
-Domain& getDomain();
 
 }  // namespace sys

@@ -26,7 +26,6 @@ Machine& TheMachine() {
 }
 
 Machine& Reset() {
-    ResetDomain();
     return TheMachine() = Machine();
 }
 

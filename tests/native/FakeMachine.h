@@ -72,8 +72,7 @@ struct Machine {
 /// The one machine of the process.
 Machine& TheMachine();
 
-/// A new machine, and a new sys::Domain that has not asked anything yet. (The adapter tree that the
-/// module keeps for the life of the process stays.)
+/// A new machine. (The adapter tree that the module keeps for the life of the process stays.)
 Machine& Reset();
 
 /// For the stand-ins: writes a call down and runs what is planned for the function. `arguments` is
@@ -82,7 +81,5 @@ void NoteQuery(const std::string& function, const std::string& arguments = {});
 void NoteChange(const std::string& function, const std::string& arguments = {});
 /// What the function is to return.
 std::uint32_t ReturnOf(const std::string& function);
-/// Replaces the process's sys::Domain by a new one.
-void ResetDomain();
 
 }  // namespace fake

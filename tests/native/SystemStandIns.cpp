@@ -1,5 +1,3 @@
-#include <memory>
-
 #include "common/err/GeneralError.h"
 #include "common/ipc/IpAddress.h"
 #include "common/ipc/WinSock.h"
@@ -17,20 +15,6 @@ struct HINSTANCE__ {};
 using fake::TheMachine;
 
 namespace sys {
-
-namespace {
-
-std::unique_ptr<Domain>& DomainOfTheProcess() {
-    TheMachine();  // made first, because the domain's end writes to it
-    static auto domain = std::make_unique<Domain>();
-    return domain;
-}
-
-}  // namespace
-
-Domain& getDomain() {
-    return *DomainOfTheProcess();
-}
 
 Domain::~Domain() {
     ForgetPassword();
@@ -126,14 +110,6 @@ int CryptoDll::Decrypt(const std::string& enciphered, std::string& plain) {
 }
 
 }  // namespace sys
-
-namespace fake {
-
-void ResetDomain() {
-    sys::DomainOfTheProcess() = std::make_unique<sys::Domain>();
-}
-
-}  // namespace fake
 
 namespace ipc {
 

@@ -8,7 +8,6 @@
 #include "common/err/GeneralError.h"
 #include "common/logging/Phrases.h"
 #include "common/sys/CryptoDll.h"
-#include "common/sys/Domain.h"
 #include "common/util/FileUtils.h"
 #include "common/util/Strings.h"
 #include "toolbox/config/ConfigurationFileEvents.h"
@@ -18,15 +17,6 @@ namespace {
 
 using logging::kMain;
 using logging::kTrace;
-
-/// The account's password must not outlive the request, whichever way it ends.
-class PasswordLifetime {
-public:
-    PasswordLifetime() = default;
-    ~PasswordLifetime() { sys::getDomain().ForgetPassword(); }
-    PasswordLifetime(const PasswordLifetime&) = delete;
-    PasswordLifetime& operator=(const PasswordLifetime&) = delete;
-};
 
 ConfigurationFileEvents::Decrypt OpenCryptoDll() {
     return [crypto = std::make_shared<sys::CryptoDll>()](const std::string& enciphered,
@@ -58,7 +48,6 @@ void ReportFailure(IHostMessage& message, const err::CGeneralError& error) {
 
 std::int32_t Configure::HandleMessage(IHostMessage& message, IHostLogSink& /*log*/) {
     Log(kTrace, "Configure::HandleMessage");
-    const PasswordLifetime passwordLifetime;
     config::ConfigBuilder builder(*this);
     IniFile file;
 

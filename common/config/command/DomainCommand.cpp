@@ -19,8 +19,8 @@ std::string DomainCommand::AccountText() const {
     return logging::kAccount + userName_ + "}";
 }
 
-void DomainCommand::UseAccount() const {
-    sys::getDomain().SetAccount(userName_, password_);
+void DomainCommand::UseAccount(sys::Domain& domain) const {
+    domain.SetAccount(userName_, password_);
 }
 
 }  // namespace config::command

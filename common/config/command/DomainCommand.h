@@ -4,6 +4,10 @@
 
 #include "common/config/command/IConfigureCommand.h"
 
+namespace sys {
+class Domain;
+}
+
 namespace config::command {
 
 /// Base of the commands that change the machine's name or membership: the account they use.
@@ -23,8 +27,8 @@ protected:
     /// The account as a description shows it: its name, never its password.
     std::string AccountText() const;
 
-    /// Hands the account to the process's sys::Domain.
-    void UseAccount() const;
+    /// Makes the account the one that `domain` works with.
+    void UseAccount(sys::Domain& domain) const;
 
 private:
     std::string userName_;

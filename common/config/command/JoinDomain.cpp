@@ -9,20 +9,19 @@ bool JoinDomain::IsNeeded() {
     if (dnsDomain_.empty() && windowsDomain_.empty()) {
         return false;
     }
-    sys::Domain& domain = sys::getDomain();
-    if (!domain.IsDomainMember()) {
+    if (!domain_.IsDomainMember()) {
         return true;  // its names may be those of a domain that it has left
     }
     const bool isDnsDomain =
-        !dnsDomain_.empty() && util::NoCaseEqual(dnsDomain_, domain.DnsDomainName());
+        !dnsDomain_.empty() && util::NoCaseEqual(dnsDomain_, domain_.DnsDomainName());
     const bool isWindowsDomain =
-        !windowsDomain_.empty() && util::NoCaseEqual(windowsDomain_, domain.DomainName());
+        !windowsDomain_.empty() && util::NoCaseEqual(windowsDomain_, domain_.DomainName());
     return !isDnsDomain && !isWindowsDomain;
 }
 
 void JoinDomain::Execute() {
-    UseAccount();
-    sys::getDomain().JoinDomainAndOu(dnsDomain_, unit_, option_ != 0);
+    UseAccount(domain_);
+    domain_.JoinDomainAndOu(dnsDomain_, unit_, option_ != 0);
 }
 
 std::string JoinDomain::GetDescription() {

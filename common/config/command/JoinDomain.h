@@ -11,8 +11,9 @@ namespace config::command {
 /// Joins a domain, creating the computer object in an organisational unit where one is given.
 class JoinDomain : public DomainCommand {
 public:
-    /// No event gives a Windows domain name; it stays empty.
-    explicit JoinDomain(std::string dnsDomain) : dnsDomain_(std::move(dnsDomain)) {}
+    /// `domain` must outlive the command. No event gives a Windows domain name; it stays empty.
+    JoinDomain(sys::Domain& domain, std::string dnsDomain)
+        : domain_(domain), dnsDomain_(std::move(dnsDomain)) {}
 
     void SetOrganizationalUnit(const std::string& unit) { unit_ = unit; }
 
@@ -21,6 +22,7 @@ public:
     std::string GetDescription() override;
 
 private:
+    sys::Domain& domain_;
     std::string dnsDomain_;
     std::string windowsDomain_;
     std::string unit_;

@@ -9,14 +9,17 @@ bool JoinWorkgroup::IsNeeded() {
     if (name_.empty()) {
         return false;
     }
-    sys::Domain& domain = sys::getDomain();
     // A member has no workgroup; the name would be one from before it joined.
-    return domain.IsDomainMember() || !util::NoCaseEqual(name_, domain.Workgroup());
+    return LeavesDomain() || !util::NoCaseEqual(name_, domain_.Workgroup());
+}
+
+bool JoinWorkgroup::LeavesDomain() {
+    return domain_.IsDomainMember();
 }
 
 void JoinWorkgroup::Execute() {
-    UseAccount();
-    sys::getDomain().JoinWorkgroup(name_);
+    UseAccount(domain_);
+    domain_.JoinWorkgroup(name_);
 }
 
 std::string JoinWorkgroup::GetDescription() {

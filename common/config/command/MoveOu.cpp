@@ -6,23 +6,22 @@
 namespace config::command {
 
 bool MoveOu::IsNeeded() {
-    sys::Domain& domain = sys::getDomain();
-    if (!domain.IsDomainMember() || (UserName().empty() && unit_.empty())) {
+    if (!domain_.IsDomainMember() || (UserName().empty() && unit_.empty())) {
         return false;
     }
-    UseAccount();
+    UseAccount(domain_);
     std::string currentUnit;
-    domain.GetOu(currentUnit, false);
+    domain_.GetOu(currentUnit, false);
     std::string wanted;
     std::string current;
-    sys::Domain::BuildDn(domain.DnsDomainName(), unit_, wanted);
-    sys::Domain::BuildDn(domain.DnsDomainName(), currentUnit, current);
+    sys::Domain::BuildDn(domain_.DnsDomainName(), unit_, wanted);
+    sys::Domain::BuildDn(domain_.DnsDomainName(), currentUnit, current);
     return !util::NoCaseEqual(wanted, current);
 }
 
 void MoveOu::Execute() {
-    UseAccount();
-    sys::getDomain().MoveOu(unit_);
+    UseAccount(domain_);
+    domain_.MoveOu(unit_);
 }
 
 std::string MoveOu::GetDescription() {

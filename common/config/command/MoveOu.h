@@ -10,15 +10,15 @@ namespace config::command {
 /// Moves the computer object of a member machine to another organisational unit.
 class MoveOu : public DomainCommand {
 public:
-    explicit MoveOu(std::string unit) : unit_(std::move(unit)) {}
-
-    void SetOrganizationalUnit(const std::string& unit) { unit_ = unit; }
+    /// `domain` must outlive the command.
+    MoveOu(sys::Domain& domain, std::string unit) : domain_(domain), unit_(std::move(unit)) {}
 
     void Execute() override;
     bool IsNeeded() override;
     std::string GetDescription() override;
 
 private:
+    sys::Domain& domain_;
     std::string unit_;
 };
 

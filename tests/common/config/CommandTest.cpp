@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "common/config/command/ChangeCompName.h"
@@ -16,6 +17,7 @@
 #include "common/config/command/SetStatic.h"
 #include "common/config/command/Sleep.h"
 #include "common/err/GeneralError.h"
+#include "common/sys/Domain.h"
 #include "tests/native/CommandText.h"
 #include "tests/native/OnMachine.h"
 
@@ -58,17 +60,29 @@ Command List(const Texts& texts) {
     return OfAdapter7(std::move(command));
 }
 
-template <class Class>
-Command OfJoe(const std::string& text) {
-    auto command = std::make_unique<Class>(text);
-    command->SetUserName("joe");
-    command->SetPassword("secret");
-    return command;
-}
-
 class Commands : public OnMachine {
 protected:
     static bool IsNeeded(const Command& command) { return command->IsNeeded(); }
+
+    template <class Class>
+    std::unique_ptr<Class> Make(const std::string& text) {
+        if constexpr (std::is_same_v<Class, ChangeCompName>) {
+            return std::make_unique<Class>(text);
+        } else {
+            return std::make_unique<Class>(domain_, text);
+        }
+    }
+
+    template <class Class>
+    Command OfJoe(const std::string& text) {
+        std::unique_ptr<Class> command = Make<Class>(text);
+        command->SetUserName("joe");
+        command->SetPassword("secret");
+        return command;
+    }
+
+private:
+    sys::Domain domain_;
 };
 
 TEST_F(Commands, OfAnAdapterAreNeededWhereItsSettingsDiffer) {
@@ -124,7 +138,7 @@ TEST_F(Commands, OfTheComputerAreNeededWhereItsNamesDiffer) {
     EXPECT_FALSE(IsNeeded(OfJoe<MoveOu>("OU=Sales,OU=East,DC=corp,DC=example")));
     EXPECT_TRUE(IsNeeded(OfJoe<MoveOu>("East")));
     EXPECT_TRUE(IsNeeded(OfJoe<MoveOu>("")));
-    EXPECT_FALSE(IsNeeded(std::make_unique<MoveOu>("")));
+    EXPECT_FALSE(IsNeeded(Make<MoveOu>("")));
     EXPECT_EQ(machine.heldPassword, "secret");  // the directory was asked as joe
 
     machine.member = false;
@@ -198,7 +212,7 @@ TEST_F(Commands, HandTheirAccountToTheDomain) {
         OfJoe<JoinDomain>("d.e")->Execute();
         OfJoe<JoinWorkgroup>("SALES")->Execute();
         OfJoe<MoveOu>("West")->Execute();
-        JoinWorkgroup("SALES").Execute();
+        Make<JoinWorkgroup>("SALES")->Execute();
         EXPECT_EQ(TakeChanges(),
                   "JoinDomainAndOu(d.e, , joe:secret); JoinWorkgroup(SALES, joe:secret); "
                   "MoveOu(West, joe:secret); JoinWorkgroup(SALES, :)");

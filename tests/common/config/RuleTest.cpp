@@ -177,7 +177,8 @@ TEST_F(Rules, NicScopeNeedsItsCommandLast) {
             error = fake::ErrorText();
         }
         EXPECT_EQ(error, "common\\config\\BuilderRule:216(0) Configure commands are corrupted");
-        builder.AppendCommand(std::make_unique<config::command::JoinWorkgroup>("SALES"));
+        builder.AppendCommand(
+            std::make_unique<config::command::JoinWorkgroup>(builder.Domain(), "SALES"));
     }
 }
 
