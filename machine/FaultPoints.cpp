@@ -53,6 +53,7 @@ const std::vector<FaultPoint>& FaultPoints() {
         Code("GetExitCodeProcess", 6),                  // ERROR_INVALID_HANDLE
         Code("GetFileAttributesA", 5),                  // ERROR_ACCESS_DENIED
         Code("GetFileInformationByHandle", 6),          // ERROR_INVALID_HANDLE
+        Code("GetFinalPathNameByHandleW", 3),           // ERROR_PATH_NOT_FOUND
         Code("GetFullPathNameA", 206),                  // ERROR_FILENAME_EXCED_RANGE
         Hresult("GetMethod", 0x80041002),               // WBEM_E_NOT_FOUND
         Code("GetModuleFileNameA", 122),                // ERROR_INSUFFICIENT_BUFFER

@@ -21,6 +21,7 @@ RealCalls LookUpAll() {
     LookUp(kernel, "GetExitCodeProcess", real.GetExitCodeProcess);
     LookUp(kernel, "GetFileAttributesA", real.GetFileAttributesA);
     LookUp(kernel, "GetFileInformationByHandle", real.GetFileInformationByHandle);
+    LookUp(kernel, "GetFinalPathNameByHandleW", real.GetFinalPathNameByHandleW);
     LookUp(kernel, "GetFullPathNameA", real.GetFullPathNameA);
     LookUp(kernel, "GetModuleFileNameA", real.GetModuleFileNameA);
     LookUp(kernel, "GetProcAddress", real.GetProcAddress);

@@ -19,6 +19,7 @@ struct RealCalls {
     decltype(&::GetExitCodeProcess) GetExitCodeProcess;
     decltype(&::GetFileAttributesA) GetFileAttributesA;
     decltype(&::GetFileInformationByHandle) GetFileInformationByHandle;
+    decltype(&::GetFinalPathNameByHandleW) GetFinalPathNameByHandleW;
     decltype(&::GetFullPathNameA) GetFullPathNameA;
     decltype(&::GetModuleFileNameA) GetModuleFileNameA;
     decltype(&::GetProcAddress) GetProcAddress;

@@ -18,10 +18,40 @@ CFileIOError FileError(const char* message, std::int32_t line) {
     return {message, line, static_cast<std::int32_t>(GetLastError())};
 }
 
-FileHandle OpenForIdentity(const std::string& path) {
+FileHandle OpenToAsk(const std::string& path, DWORD flags) {
     return FileHandle(CreateFileA(path.c_str(), 0,
                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+                                  OPEN_EXISTING, flags, nullptr));
+}
+
+/// Where the name led that the file was opened by; empty where the system does not tell.
+std::wstring FinalPath(const FileHandle& file) {
+    // By the volume's device: not every volume has a drive letter that the system can find again.
+    constexpr DWORD kForm = FILE_NAME_NORMALIZED | VOLUME_NAME_NT;
+    std::wstring path(GetFinalPathNameByHandleW(file.Get(), nullptr, 0, kForm), L'\0');
+    const DWORD length =
+        GetFinalPathNameByHandleW(file.Get(), path.data(), static_cast<DWORD>(path.size()), kForm);
+    path.resize(length < path.size() ? length : 0);
+    return path;
+}
+
+std::uint64_t NumberOf(const BY_HANDLE_FILE_INFORMATION& file) {
+    return std::uint64_t{file.nFileIndexHigh} << 32U | file.nFileIndexLow;
+}
+
+/// Whether both are one file that has no second name. Its final paths can differ all the same: a
+/// share of this machine leads to it by a path of its own.
+bool AreOneName(const FileHandle& left, const FileHandle& right) {
+    BY_HANDLE_FILE_INFORMATION a{};
+    BY_HANDLE_FILE_INFORMATION b{};
+    if (GetFileInformationByHandle(left.Get(), &a) == 0 ||
+        GetFileInformationByHandle(right.Get(), &b) == 0) {
+        return false;
+    }
+    // A file system that has no numbers gives each of its files one of these.
+    const bool hasNumber = NumberOf(a) != 0 && NumberOf(a) != ~std::uint64_t{0};
+    return hasNumber && a.nNumberOfLinks == 1 && NumberOf(a) == NumberOf(b) &&
+           a.dwVolumeSerialNumber == b.dwVolumeSerialNumber;
 }
 
 /// The path from its root on; the path as it is where the system does not tell.
@@ -60,19 +90,20 @@ void DeleteFile(const std::string& path) {
     }
 }
 
-bool IsSameFile(const std::string& left, const std::string& right) {
-    // Both stay open while they are compared: an index is a file's own only while the file is open.
-    const FileHandle a = OpenForIdentity(left);
-    const FileHandle b = OpenForIdentity(right);
-    BY_HANDLE_FILE_INFORMATION leftIdentity{};
-    BY_HANDLE_FILE_INFORMATION rightIdentity{};
-    if (a && b && GetFileInformationByHandle(a.Get(), &leftIdentity) != 0 &&
-        GetFileInformationByHandle(b.Get(), &rightIdentity) != 0) {
-        return leftIdentity.dwVolumeSerialNumber == rightIdentity.dwVolumeSerialNumber &&
-               leftIdentity.nFileIndexHigh == rightIdentity.nFileIndexHigh &&
-               leftIdentity.nFileIndexLow == rightIdentity.nFileIndexLow;
+bool StandsAt(const std::string& path, const std::string& target) {
+    // Both stay open while they are compared: a number is a file's own only while the file is open.
+    const FileHandle file = OpenToAsk(path, FILE_ATTRIBUTE_NORMAL);
+    const FileHandle there = OpenToAsk(target, FILE_FLAG_OPEN_REPARSE_POINT);  // a link itself
+    if (!file || !there) {
+        return NoCaseEqual(FullPath(path), FullPath(target));
     }
-    return NoCaseEqual(FullPath(left), FullPath(right));
+    const std::wstring from = FinalPath(file);
+    const std::wstring to = FinalPath(there);
+    const bool leadToOnePlace =
+        from.empty() || to.empty()
+            ? NoCaseEqual(FullPath(path), FullPath(target))
+            : CompareStringOrdinal(from.c_str(), -1, to.c_str(), -1, TRUE) == CSTR_EQUAL;
+    return leadToOnePlace || AreOneName(file, there);
 }
 
 std::string ExecutablePath() {

@@ -67,6 +67,18 @@ BOOL ServeGetFileInformationByHandle(Core& core, HANDLE file,
     return call.RealBoolean(Real().GetFileInformationByHandle(file, information));
 }
 
+DWORD ServeGetFinalPathNameByHandleW(Core& core, HANDLE file, LPWSTR path, DWORD size,
+                                     DWORD flags) {
+    Call call(core, "GetFinalPathNameByHandleW", {{"flags", Hex(flags)}});
+    if (const auto fault = call.Fault()) {
+        call.Note("0", true, *fault);
+        return 0;
+    }
+    const DWORD length = Real().GetFinalPathNameByHandleW(file, path, size, flags);
+    call.Note(std::to_string(length), length == 0, GetLastError());
+    return length;
+}
+
 DWORD ServeGetFullPathNameA(Core& core, LPCSTR name, DWORD size, LPSTR buffer, LPSTR* filePart) {
     Call call(core, "GetFullPathNameA", {{"name", OrEmpty(name)}});
     if (const auto fault = call.Fault()) {
@@ -128,6 +140,8 @@ void AddFileHooks(Hooks& hooks) {
     hooks.push_back(MakeHook<&ServeGetFileAttributesA>("GetFileAttributesA"));
     hooks.push_back(MakeHook<&ServeGetFileInformationByHandle, OnHandedOutHandle>(
         "GetFileInformationByHandle"));
+    hooks.push_back(
+        MakeHook<&ServeGetFinalPathNameByHandleW, OnHandedOutHandle>("GetFinalPathNameByHandleW"));
     hooks.push_back(MakeHook<&ServeGetFullPathNameA>("GetFullPathNameA"));
     hooks.push_back(MakeHook<&ServeGetModuleFileNameA>("GetModuleFileNameA"));
     hooks.push_back(MakeHook<&ServeMoveFileA>("MoveFileA"));

@@ -6,8 +6,9 @@
 //     expected.json       {"about": ..., "file": {...}, "passes": [{...}, ...]}
 //
 // Members of "file": "name" (configuration.ini), "stands" ("inbox", "home": already beside the
-// agent's program, or "nowhere"), "atHome" (the text of a file of that name beside the program, or
-// null for a folder), "unreadable" (true: another program keeps it open and shares no reading).
+// agent's program, or "nowhere"), "atHome" (the text of a file of that name beside the program, null
+// for a folder, or true for another name of the file itself), "unreadable" (true: another program
+// keeps it open and shares no reading).
 //
 // Members of a pass, with what they default to: "faults" (none; the rules of --fail), "result" (1), "escaped" (""),
 // "reply" ({}), "errors" thrown inside ([]), "actions" ([]), "log" (not looked at) without level 1

@@ -34,6 +34,8 @@ e2e::PresentedFile MakeFile(const Case& tested, const e2e::AgentFolder& agent) {
         const Json& there = tested.file["atHome"];
         if (there.is_null()) {
             std::filesystem::create_directory(file.Home());
+        } else if (there.is_boolean()) {
+            std::filesystem::create_hard_link(file.Present(), file.Home());
         } else {
             support::WriteFile(file.Home(), there.get<std::string>());
         }

@@ -161,8 +161,8 @@ void DeleteFile(const std::string& path) {
     TheMachine().files.erase(path);
 }
 
-bool IsSameFile(const std::string& left, const std::string& right) {
-    return left == right;
+bool StandsAt(const std::string& path, const std::string& target) {
+    return path == target;
 }
 
 std::string ExecutablePath() {

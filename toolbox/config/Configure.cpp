@@ -31,7 +31,7 @@ void PutAway(const std::string& path) {
     const std::string target =
         util::Split(util::ExecutablePath()).directory + "\\" + util::Split(path).fileName;
     if (util::FileExists(target)) {
-        if (util::IsSameFile(path, target)) {
+        if (util::StandsAt(path, target)) {
             return;
         }
         util::DeleteFile(target);

@@ -18,6 +18,33 @@
 #include "tests/sys/support/ScratchFolder.h"
 
 namespace {
+// What the file system tells.
+bool numbersFiles = true;
+bool namesPaths = true;
+}  // namespace
+
+#ifdef TOOLBOX_WRAPS_FUNCTIONS
+// The linker takes the second of each pair for the imported function's address (--wrap), and the
+// first for what that was.
+extern "C" {
+extern decltype(&GetFileInformationByHandle) __real___imp_GetFileInformationByHandle;
+decltype(&GetFileInformationByHandle) __wrap___imp_GetFileInformationByHandle =
+    +[](HANDLE file, BY_HANDLE_FILE_INFORMATION* information) -> BOOL {
+    const BOOL result = __real___imp_GetFileInformationByHandle(file, information);
+    if (!numbersFiles) {
+        information->nFileIndexHigh = information->nFileIndexLow = 0;
+    }
+    return result;
+};
+extern decltype(&GetFinalPathNameByHandleW) __real___imp_GetFinalPathNameByHandleW;
+decltype(&GetFinalPathNameByHandleW) __wrap___imp_GetFinalPathNameByHandleW =
+    +[](HANDLE file, LPWSTR path, DWORD size, DWORD flags) -> DWORD {
+    return namesPaths ? __real___imp_GetFinalPathNameByHandleW(file, path, size, flags) : 0;
+};
+}
+#endif
+
+namespace {
 
 using namespace sys_tests;
 
@@ -68,23 +95,43 @@ TEST(FileUtils, DeleteTakesFilesAlone) {
               FileFailure("Delete failed - target does not exist", 136, 0));
 }
 
-TEST(FileUtils, TwoSpellingsOfOnePathAreTheSameFile) {
+TEST(FileUtils, AFileStandsAtItsOwnNameAlone) {
     const ScratchFolder folder;
     const std::string file = folder.AddFile("Name.ini", "x");
     char full[MAX_PATH];
     ASSERT_NE(GetFullPathNameA(file.c_str(), sizeof full, full, nullptr), 0U);
     std::string slashes = file;
     slashes.replace(slashes.find('\\'), 1, "/");
-    const std::string same[] = {file, full, slashes, folder.Path("NAME.INI"),
-                                folder.Path(".\\Name.ini")};
-    for (const std::string& spelling : same) {
-        EXPECT_TRUE(util::IsSameFile(file, spelling)) << spelling;
+    for (const std::string& spelling :
+         {file, std::string(full), slashes, folder.Path("NAME.INI"), folder.Path(".\\Name.ini")}) {
+        EXPECT_TRUE(util::StandsAt(spelling, file)) << spelling;
+        EXPECT_TRUE(util::StandsAt(file, spelling)) << spelling;
     }
-    EXPECT_FALSE(util::IsSameFile(file, folder.AddFile("other", "x")));
-    EXPECT_FALSE(util::IsSameFile(file, folder.Path("missing")));
+    const std::string link = folder.Path("link");
+    const std::string others[] = {link, folder.AddFile("other", "x"), folder.Path("missing")};
+#ifdef TOOLBOX_WRAPS_FUNCTIONS
+    for (const bool names : {true, false}) {
+        namesPaths = names;
+        const std::string byAnotherPath = std::string("\\\\?\\") + full;
+        EXPECT_TRUE(util::StandsAt(file, byAnotherPath));
+        numbersFiles = false;
+        EXPECT_TRUE(util::StandsAt(file, file));
+        EXPECT_EQ(util::StandsAt(file, byAnotherPath), names);
+        for (const std::string& other : others) {
+            EXPECT_FALSE(util::StandsAt(file, other)) << other;
+        }
+        numbersFiles = true;
+    }
+    namesPaths = true;
+#endif
+    std::filesystem::create_hard_link(file, link);
+    for (const std::string& other : others) {
+        EXPECT_FALSE(util::StandsAt(file, other)) << other;
+        EXPECT_FALSE(util::StandsAt(other, file)) << other;
+    }
     // Where nothing can be opened the paths speak for themselves.
-    EXPECT_TRUE(util::IsSameFile(folder.Path("missing"), folder.Path(".\\MISSING")));
-    EXPECT_FALSE(util::IsSameFile(folder.Path("missing"), folder.Path("missing too")));
+    EXPECT_TRUE(util::StandsAt(folder.Path("missing"), folder.Path(".\\MISSING")));
+    EXPECT_FALSE(util::StandsAt(folder.Path("missing"), folder.Path("missing too")));
     // Asking takes no lock that would keep the file from being deleted.
     EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }), Success());
 }
