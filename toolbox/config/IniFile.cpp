@@ -1,11 +1,9 @@
 #include "toolbox/config/IniFile.h"
 
-#include <algorithm>
-#include <bit>
-#include <climits>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
+#include <limits>
+#include <map>
 #include <new>
 #include <optional>
 #include <utility>
@@ -19,46 +17,39 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// The next up to 8 bytes of a name, with the bit that tells lower from upper case cleared.
-std::uint64_t CaselessWord(const char* bytes, std::size_t count) noexcept {
-    constexpr std::uint64_t kLetterCase = 0x2020202020202020ULL;
-    std::uint64_t word = 0;
-    if (count == sizeof word) {
-        std::memcpy(&word, bytes, sizeof word);
-    } else {
-        for (std::size_t i = 0; i < count; ++i) {
-            word = word << 8U | static_cast<unsigned char>(bytes[i]);
-        }
-    }
-    return word & ~kLetterCase;
+// The standard functions count in long, which has 32 bits under Windows.
+int Seek(std::FILE* file, std::int64_t offset, int origin) noexcept {
+#ifdef _WIN32
+    return _fseeki64(file, offset, origin);
+#else
+    return fseeko(file, offset, origin);
+#endif
 }
+
+std::int64_t Tell(std::FILE* file) noexcept {
+#ifdef _WIN32
+    return _ftelli64(file);
+#else
+    return ftello(file);
+#endif
+}
+
+/// Which names are the same, and an order in which those stand together.
+struct NameOrder {
+    bool caseSensitive = false;
+
+    bool AreEqual(std::string_view left, std::string_view right) const noexcept {
+        return caseSensitive ? left == right : util::NoCaseEqual(left, right);
+    }
+    bool operator()(std::string_view left, std::string_view right) const noexcept {
+        return caseSensitive ? left < right : util::NoCaseLess(left, right);
+    }
+};
 
 /// Whether the names can be equal: numbered ones differ in their last byte.
 bool MayBeEqual(std::string_view left, std::string_view right) noexcept {
     return left.size() == right.size() &&
-           (left.empty() || CaselessWord(&left.back(), 1) == CaselessWord(&right.back(), 1));
-}
-
-/// Names that are equal without regard to case have the same hash.
-std::uint64_t HashNoCase(std::string_view name) noexcept {
-    constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15ULL;
-    constexpr std::size_t kWord = sizeof(std::uint64_t);
-    std::uint64_t hash = name.size();
-    const auto mix = [&hash](std::uint64_t word) {
-        hash = (hash ^ word) * kMultiplier;
-        hash ^= hash >> 32U;
-    };
-    if (name.size() < kWord) {
-        mix(CaselessWord(name.data(), name.size()));
-    } else {
-        for (std::size_t at = 0; at + kWord < name.size(); at += kWord) {
-            mix(CaselessWord(name.data() + at, kWord));
-        }
-        mix(CaselessWord(name.data() + name.size() - kWord, kWord));
-    }
-    // A multiplication carries a difference upwards only: once more, for the low bits' sake.
-    hash *= kMultiplier;
-    return hash ^ (hash >> 32U);
+           (left.empty() || util::ToUpper(left.back()) == util::ToUpper(right.back()));
 }
 
 /// Cuts a text into its trimmed, non-empty lines.
@@ -106,62 +97,44 @@ std::string_view SectionName(std::string_view line) noexcept {
 
 }  // namespace
 
-/// Open addressing over the positions of a growing list of names; the first of equal names wins.
+/// Finds names in a growing list of them; the first of equal names wins. A tree and no hash table:
+/// there are no names on which it is slow.
 class IniFile::NameIndex {
 public:
+    explicit NameIndex(bool caseSensitive = false) : positions_(NameOrder{caseSensitive}) {}
+
     /// The position of that name among the first `count`, or `count`. `nameAt` gives the name at a
-    /// position. Names added since the last call are taken in first, so that a load that looks up
-    /// as it appends stays linear.
-    template <class NameAt, class Equal>
-    std::size_t Find(std::size_t count, std::string_view name, NameAt nameAt, Equal equal) {
+    /// position. Names added since the last call are taken in first.
+    template <class NameAt>
+    std::size_t Find(std::size_t count, std::string_view name, NameAt nameAt) {
         // Below this a scan is quicker.
         constexpr std::size_t kFew = 16;
         if (count <= kFew) {
+            const NameOrder order = positions_.key_comp();
             std::size_t position = 0;
-            while (position < count &&
-                   !(MayBeEqual(nameAt(position), name) && equal(nameAt(position), name))) {
+            while (position < count && !(MayBeEqual(nameAt(position), name) &&
+                                         order.AreEqual(nameAt(position), name))) {
                 ++position;
             }
             return position;
         }
-        if (slots_.size() < count * 2) {
-            slots_.assign(std::bit_ceil(count * 3), Slot());
-            indexed_ = 0;
-        }
         for (; indexed_ < count; ++indexed_) {
-            const std::string_view added = nameAt(indexed_);
-            const std::uint64_t hash = HashNoCase(added);
-            Slot& slot = SlotFor(hash, added, nameAt, equal);
-            if (slot.next == 0) {
-                slot = {indexed_ + 1, hash};
-            }
+            positions_.try_emplace(nameAt(indexed_), indexed_);
         }
-        const Slot& slot = SlotFor(HashNoCase(name), name, nameAt, equal);
-        return slot.next == 0 ? count : slot.next - 1;
+        const auto found = positions_.find(name);
+        return found == positions_.end() ? count : found->second;
     }
 
 private:
-    struct Slot {
-        std::size_t next = 0;  // the position after the name's; 0 in a free slot
-        std::uint64_t hash = 0;
-    };
-
-    template <class NameAt, class Equal>
-    Slot& SlotFor(std::uint64_t hash, std::string_view name, NameAt nameAt, Equal equal) {
-        std::size_t at = hash & (slots_.size() - 1);
-        while (slots_[at].next != 0 &&
-               (slots_[at].hash != hash || !equal(nameAt(slots_[at].next - 1), name))) {
-            at = (at + 1) & (slots_.size() - 1);
-        }
-        return slots_[at];
-    }
-
-    std::vector<Slot> slots_;  // a power of two of them, at least half of them free
+    std::map<std::string_view, std::size_t, NameOrder> positions_;
     std::size_t indexed_ = 0;
 };
 
 struct IniFile::Section {
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+    Section(std::string_view sectionName, bool caseSensitiveKeys)
+        : name(sectionName), index(caseSensitiveKeys) {}
 
     std::string_view name;
     std::vector<Entry> entries;
@@ -179,12 +152,13 @@ std::uint32_t IniFile::Load(const std::string& path, bool merge) {
     const File file(std::fopen(path.c_str(), "rb"));
     // One read takes everything: a buffer of the library's own would only cost.
     if (!file || std::setvbuf(file.get(), nullptr, _IONBF, 0) != 0 ||
-        std::fseek(file.get(), 0, SEEK_END) != 0) {
+        Seek(file.get(), 0, SEEK_END) != 0) {
         return kFileError;
     }
-    const long length = std::ftell(file.get());
+    const std::int64_t length = Tell(file.get());
     // Where a directory can be opened its length is the largest number there is.
-    if (length <= 0 || length == LONG_MAX || std::fseek(file.get(), 0, SEEK_SET) != 0) {
+    if (length <= 0 || length == std::numeric_limits<std::int64_t>::max() ||
+        Seek(file.get(), 0, SEEK_SET) != 0) {
         return kFileError;
     }
     const auto size = static_cast<std::size_t>(length);
@@ -272,8 +246,7 @@ IniFile::Section& IniFile::OpenSection(std::string_view name) {
     if (Section* const found = FindSection(name)) {
         return *found;
     }
-    sections_.push_back(std::make_unique<Section>());
-    sections_.back()->name = name;
+    sections_.push_back(std::make_unique<Section>(name, caseSensitiveKeys_));
     return *sections_.back();
 }
 
@@ -319,19 +292,15 @@ bool IniFile::MergeEntry(Section& section, const Entry& entry) {
     return true;
 }
 
-std::size_t IniFile::FindEntry(Section& section, std::string_view key) const {
-    return section.index.Find(
-        section.entries.size(), key,
-        [&section](std::size_t position) { return section.entries[position].key; },
-        [this](std::string_view left, std::string_view right) {
-            return caseSensitiveKeys_ ? left == right : util::NoCaseEqual(left, right);
-        });
+std::size_t IniFile::FindEntry(Section& section, std::string_view key) {
+    return section.index.Find(section.entries.size(), key, [&section](std::size_t position) {
+        return section.entries[position].key;
+    });
 }
 
 IniFile::Section* IniFile::FindSection(std::string_view name) const {
     const std::size_t position = sectionIndex_->Find(
-        sections_.size(), name, [this](std::size_t at) { return sections_[at]->name; },
-        util::NoCaseEqual);
+        sections_.size(), name, [this](std::size_t at) { return sections_[at]->name; });
     return position == sections_.size() ? nullptr : sections_[position].get();
 }
 
@@ -351,7 +320,7 @@ const IniFile::Entry* IniFile::Find(std::string_view section, std::string_view k
     return holder == nullptr ? nullptr : FindIn(*holder, key);
 }
 
-const IniFile::Entry* IniFile::FindIn(Section& section, std::string_view key) const {
+const IniFile::Entry* IniFile::FindIn(Section& section, std::string_view key) {
     const std::size_t position = FindEntry(section, key);
     return position == section.entries.size() ? nullptr : &section.entries[position];
 }

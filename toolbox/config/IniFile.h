@@ -101,8 +101,8 @@ private:
     Section& OpenSection(std::string_view name);
     // Both take what has been added since the last look-up into the index that they search.
     Section* FindSection(std::string_view name) const;
-    const Entry* FindIn(Section& section, std::string_view key) const;
-    std::size_t FindEntry(Section& section, std::string_view key) const;
+    static const Entry* FindIn(Section& section, std::string_view key);
+    static std::size_t FindEntry(Section& section, std::string_view key);
     bool MergeEntry(Section& section, const Entry& entry);
     static void Append(Section& section, const Entry& entry);
     /// Returns the line of the entry that is continued; 0 when there is none.
