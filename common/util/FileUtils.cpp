@@ -39,9 +39,12 @@ std::uint64_t NumberOf(const BY_HANDLE_FILE_INFORMATION& file) {
     return std::uint64_t{file.nFileIndexHigh} << 32U | file.nFileIndexLow;
 }
 
-/// Whether both are one file that has no second name. Its final paths can differ all the same: a
-/// share of this machine leads to it by a path of its own.
-bool AreOneName(const FileHandle& left, const FileHandle& right) {
+/// What two paths are to have in common.
+enum class Common { kFile, kName };
+
+/// By the file's number, where it says. Final paths can differ all the same: a share of this
+/// machine leads to a file by a path of its own.
+bool HaveInCommon(Common what, const FileHandle& left, const FileHandle& right) {
     BY_HANDLE_FILE_INFORMATION a{};
     BY_HANDLE_FILE_INFORMATION b{};
     if (GetFileInformationByHandle(left.Get(), &a) == 0 ||
@@ -50,8 +53,8 @@ bool AreOneName(const FileHandle& left, const FileHandle& right) {
     }
     // A file system that has no numbers gives each of its files one of these.
     const bool hasNumber = NumberOf(a) != 0 && NumberOf(a) != ~std::uint64_t{0};
-    return hasNumber && a.nNumberOfLinks == 1 && NumberOf(a) == NumberOf(b) &&
-           a.dwVolumeSerialNumber == b.dwVolumeSerialNumber;
+    return hasNumber && (what == Common::kFile || a.nNumberOfLinks == 1) &&
+           NumberOf(a) == NumberOf(b) && a.dwVolumeSerialNumber == b.dwVolumeSerialNumber;
 }
 
 /// The path from its root on; the path as it is where the system does not tell.
@@ -60,6 +63,23 @@ std::string FullPath(const std::string& path) {
     const DWORD length =
         GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
     return length != 0 && length < full.size() ? std::string(full.data(), length) : path;
+}
+
+bool HaveInCommon(Common what, const std::string& left, const std::string& right) {
+    // Both stay open while they are compared: a number is a file's own only while the file is open.
+    const FileHandle a = OpenToAsk(left, FILE_ATTRIBUTE_NORMAL);
+    const FileHandle b = OpenToAsk(
+        right, what == Common::kName ? FILE_FLAG_OPEN_REPARSE_POINT : FILE_ATTRIBUTE_NORMAL);
+    if (!a || !b) {
+        return NoCaseEqual(FullPath(left), FullPath(right));
+    }
+    const std::wstring leftLeads = FinalPath(a);
+    const std::wstring rightLeads = FinalPath(b);
+    const bool leadToOneName = leftLeads.empty() || rightLeads.empty()
+                                   ? NoCaseEqual(FullPath(left), FullPath(right))
+                                   : CompareStringOrdinal(leftLeads.c_str(), -1, rightLeads.c_str(),
+                                                          -1, TRUE) == CSTR_EQUAL;
+    return leadToOneName || HaveInCommon(what, a, b);
 }
 
 }  // namespace
@@ -90,20 +110,12 @@ void DeleteFile(const std::string& path) {
     }
 }
 
+bool IsSameFile(const std::string& left, const std::string& right) {
+    return HaveInCommon(Common::kFile, left, right);
+}
+
 bool StandsAt(const std::string& path, const std::string& target) {
-    // Both stay open while they are compared: a number is a file's own only while the file is open.
-    const FileHandle file = OpenToAsk(path, FILE_ATTRIBUTE_NORMAL);
-    const FileHandle there = OpenToAsk(target, FILE_FLAG_OPEN_REPARSE_POINT);  // a link itself
-    if (!file || !there) {
-        return NoCaseEqual(FullPath(path), FullPath(target));
-    }
-    const std::wstring from = FinalPath(file);
-    const std::wstring to = FinalPath(there);
-    const bool leadToOnePlace =
-        from.empty() || to.empty()
-            ? NoCaseEqual(FullPath(path), FullPath(target))
-            : CompareStringOrdinal(from.c_str(), -1, to.c_str(), -1, TRUE) == CSTR_EQUAL;
-    return leadToOnePlace || AreOneName(file, there);
+    return HaveInCommon(Common::kName, path, target);
 }
 
 std::string ExecutablePath() {

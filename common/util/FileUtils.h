@@ -24,9 +24,12 @@ inline void DeleteFileA(const std::string& path) {
     DeleteFile(path);
 }
 
-/// Whether the file that `path` leads to stands under the name `target` already, however the two are
-/// spelled. A link at `target` (hard or symbolic) is another name and not this one. Where the system
-/// does not say where the names lead, the full paths are compared, without case.
+/// Whether both paths lead to one file, by whatever names and however they are spelled. Where the
+/// system does not say, the full paths are compared, without case.
+bool IsSameFile(const std::string& left, const std::string& right);
+
+/// Whether the file that `path` leads to stands under the name `target` already: the same, but a
+/// link at `target`, hard or symbolic, is another name of the file and not this one.
 bool StandsAt(const std::string& path, const std::string& target);
 
 /// The path of the host process's executable, as the system reports it in at most 260 characters.

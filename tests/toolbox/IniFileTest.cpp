@@ -173,6 +173,7 @@ TEST(IniFile, AMergingLoadReplacesWhatDiffersAndSaysSo) {
         const bool plain = test.result == IniFile::kSuccess;
         EXPECT_EQ(file.Path(), plain ? second.Path() : first.Path()) << test.what;
         EXPECT_EQ(file.ValuesModified(), !plain) << test.what;
+        EXPECT_EQ(file.EntriesModified(), test.dump.ends_with("n=z|")) << test.what;
     }
 }
 

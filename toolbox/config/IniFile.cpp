@@ -26,7 +26,7 @@ int Seek(std::FILE* file, std::int64_t offset, int origin) noexcept {
 #endif
 }
 
-std::int64_t Tell(std::FILE* file) noexcept {
+std::int64_t Position(std::FILE* file) noexcept {
 #ifdef _WIN32
     return _ftelli64(file);
 #else
@@ -155,7 +155,7 @@ std::uint32_t IniFile::Load(const std::string& path, bool merge) {
         Seek(file.get(), 0, SEEK_END) != 0) {
         return kFileError;
     }
-    const std::int64_t length = Tell(file.get());
+    const std::int64_t length = Position(file.get());
     // Where a directory can be opened its length is the largest number there is.
     if (length <= 0 || length == std::numeric_limits<std::int64_t>::max() ||
         Seek(file.get(), 0, SEEK_SET) != 0) {

@@ -128,6 +128,7 @@ TEST(FileUtils, AFileStandsAtItsOwnNameAlone) {
     for (const std::string& other : others) {
         EXPECT_FALSE(util::StandsAt(file, other)) << other;
         EXPECT_FALSE(util::StandsAt(other, file)) << other;
+        EXPECT_EQ(util::IsSameFile(file, other), other == link) << other;
     }
     // Where nothing can be opened the paths speak for themselves.
     EXPECT_TRUE(util::StandsAt(folder.Path("missing"), folder.Path(".\\MISSING")));
