@@ -4,7 +4,7 @@ namespace config {
 
 Factory& Factory::Select() {
     static WindowsVistaFactory windowsVista;
-    // Kept beside the other, by design: the variant for platforms without its two steps.
+    // Made and never chosen: the variant for a platform that needs neither of the other's steps.
     [[maybe_unused]] static DefaultFactory standard;
     return windowsVista;
 }

@@ -120,7 +120,7 @@ public:
         : CategorizedError("common\\sys\\DllProxy", message, line, category, code) {}
 };
 
-/// A failed impersonation or logon. Nothing in this release throws it.
+/// A failed impersonation or logon. Nothing throws it: children run as the agent itself.
 class CImpersonationError : public err::CGeneralError {
 public:
     using CGeneralError::CGeneralError;

@@ -23,8 +23,8 @@ WinSockManager::WinSockManager() {
     lock.Enter();
     WSADATA data{};
     if (WSAStartup(MAKEWORD(2, 2), &data) != 0) {
-        // Left twice when the start fails, as this release has always done. No other thread waits
-        // on a lock that one thread takes once.
+        // Left twice when the start fails. Nothing depends on the count of a lock that is taken
+        // once in the life of the process.
         lock.Leave();
     }
     lock.Leave();

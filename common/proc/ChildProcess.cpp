@@ -115,8 +115,9 @@ std::int32_t CChildProcess::ExecuteCmd(const char* application, const char* comm
     if (capture != nullptr) {
         capture->Drain();
     }
-    // After a wait the two child-side handles stay open and the lock is not left. Kept as it is:
-    // the lock is re-entrant for this thread, and a request runs few children.
+    // After a wait the two child-side handles stay open and the lock is not left. Nobody waits for
+    // either: the lock is re-entrant for this thread and ends with the object, and a request runs
+    // few children.
     childInput.Release();
     childOutput.Release();
     lock.StayLocked();

@@ -51,6 +51,8 @@ std::string Narrow(const LSA_UNICODE_STRING& text) {
     return util::Narrow({text.Buffer, text.Length / sizeof(wchar_t)});
 }
 
+// Messages are searched for as they are: the blanks at their beginnings and ends belong to them.
+
 LsaPolicy OpenPolicy() {
     LSA_OBJECT_ATTRIBUTES attributes{};
     LsaPolicy policy;
@@ -187,7 +189,7 @@ bool Domain::IsDomainMember() {
         NetApiBuffer workstation;
         NetWkstaGetInfo(nullptr, 100, workstation.Receive());
         if (!workstation) {
-            policy.Release();  // stays open, as it always has on this path
+            policy.Release();  // left open: one handle each time that the service is silent
             return member_;
         }
         const auto* const info = reinterpret_cast<const WKSTA_INFO_100*>(workstation.Get());

@@ -72,7 +72,7 @@ void Registry::Open(bool create, bool readOnly, int view) {
     try {
         REGSAM access = !create && readOnly ? REGSAM{GENERIC_READ} : REGSAM{KEY_ALL_ACCESS};
         if (view == 1) {
-            access |= 0x200;  // the bit that this release adds; Windows reads it as the 32-bit view
+            access |= 0x200;  // Windows takes it for the 32-bit view; no caller asks for view 1
         }
         OpenIntern(access, create, false);
     } catch (const RegistryError&) {

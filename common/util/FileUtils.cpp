@@ -14,6 +14,8 @@ namespace {
 
 using lang::FileHandle;
 
+/// Logs are searched for the messages as they are: the blank at the end of four of them belongs to
+/// them.
 CFileIOError FileError(const char* message, std::int32_t line) {
     return {message, line, static_cast<std::int32_t>(GetLastError())};
 }

@@ -61,6 +61,7 @@ std::int32_t Configure::HandleMessage(IHostMessage& message, IHostLogSink& /*log
     try {
         return Run(message, builder, file, path);
     } catch (const config::ConfigError& error) {
+        // Reply, then log; below log, then reply: hosts that record both find them in this order.
         message.SetField("Result", "Failure");
         Log(kMain, "%s%x", logging::kCaughtConfigError, error.Code());
         ReportFailure(message, error);

@@ -8,6 +8,7 @@ namespace config::command {
 
 void ConfigureNic::Execute() {
     if (nicIndex_ == kNotSet) {
+        // Logs are searched for this text as it is, with its doubled word.
         throw ConfigError("common\\config\\command\\ConfigureNic",
                           "ConfigureNic has not been been associated with a nic index", 68,
                           ErrorKind::kUnspecified);
