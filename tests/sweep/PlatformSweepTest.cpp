@@ -99,7 +99,10 @@ protected:
             const Verdict verdict = Judge(outcome.ending, clean.ending);
             ++figures["points tried"];
             ++figures["answered " + verdict.answer];
+            const bool endedWell = verdict.answer == "Success" || verdict.answer == "Reboot";
             figures["without harm"] += verdict.harmless ? 1 : 0;
+            figures["passed over, another end"] += endedWell && !verdict.harmless ? 1 : 0;
+            figures["recovery compared"] += recover && !verdict.passedOver ? 1 : 0;
             figures["leaks"] += outcome.leaks.size();
             for (const auto& [kind, count] : outcome.kept) {
                 figures["kept open on purpose: " + kind] += count;
