@@ -2,11 +2,9 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <atomic>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -14,7 +12,6 @@
 #include "host/Module.h"
 #include "tests/e2e/foreign/ForeignHost.h"
 #include "tests/support/ScratchFolder.h"
-#include "toolbox/config/HostInterface.h"
 
 namespace {
 
@@ -129,21 +126,5 @@ TEST_F(ForeignHost, CannotCatchWhatLeavesTheModule) {
     EXPECT_THROW(ForeignSend(api_, "Internal", nullptr, "", ""), std::logic_error);
 }
 #endif
-
-TEST_F(ForeignHost, ErrorsOnManyThreadsAtOnceLeaveTheLastErrorOfEach) {
-    constexpr DWORD kThreads = 40;
-    std::atomic<DWORD> right = 0;
-    std::vector<std::thread> threads;
-    for (DWORD i = 1; i <= kThreads; ++i) {
-        threads.emplace_back([&right, i, api = static_cast<const ToolboxAPI*>(api_)] {
-            SetLastError(i);
-            right += api->DoMagic(nullptr, nullptr) == 0 && GetLastError() == i ? 1 : 0;
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(right, kThreads);
-}
 
 }  // namespace

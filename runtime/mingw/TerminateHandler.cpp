@@ -1,6 +1,3 @@
-// Linked into the DLL alone, and only by GCC.
-#ifdef __GNUC__
-
 #include <cstdlib>
 #include <exception>
 
@@ -13,5 +10,3 @@ void __verbose_terminate_handler() {
 }
 
 }  // namespace __gnu_cxx
-
-#endif
