@@ -66,13 +66,7 @@ void Call::AddArgument(std::string name, std::string value) {
 }
 
 std::string Call::Origin(std::string_view detail) const {
-    const TraceEntry& entry = core_->trace.At(position_);
-    std::string origin = entry.function + ", call " + std::to_string(entry.number);
-    if (!detail.empty()) {
-        origin += ", ";
-        origin += detail;
-    }
-    return origin;
+    return OriginOf(core_->trace.At(position_), detail);
 }
 
 void Call::Unexpected(std::string_view what) {

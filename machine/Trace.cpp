@@ -28,6 +28,15 @@ Json Arguments(const TraceEntry& entry) {
 
 }  // namespace
 
+std::string OriginOf(const TraceEntry& call, std::string_view detail) {
+    std::string origin = call.function + ", call " + std::to_string(call.number);
+    if (!detail.empty()) {
+        origin += ", ";
+        origin += detail;
+    }
+    return origin;
+}
+
 std::size_t Trace::Count(std::string_view function) const {
     return static_cast<std::size_t>(std::ranges::count(entries_, function, &TraceEntry::function));
 }

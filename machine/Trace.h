@@ -24,6 +24,9 @@ struct TraceEntry {
     bool injected = false;  // the fault plan made it fail
 };
 
+/// How the ledger names the call as the origin of something: "CreatePipe, call 12, read end".
+std::string OriginOf(const TraceEntry& call, std::string_view detail = {});
+
 class Trace {
 public:
     const std::vector<TraceEntry>& Entries() const { return entries_; }

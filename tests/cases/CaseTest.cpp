@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include "machine/Balance.h"
 #include "machine/Simulation.h"
 #include "tests/cases/CaseFile.h"
 #include "tests/cases/harness/Actions.h"
-#include "tests/cases/harness/KeptLeaks.h"
 #include "tests/cases/harness/ModuleRun.h"
 #include "tests/cases/harness/PresentedFile.h"
 #include "tests/cases/harness/ThrownErrors.h"
@@ -164,8 +164,8 @@ TEST_P(CaseTest, EndsAsExpected) {
             module.reset();
         }
         const machine::State after = simulation.GetState();
-        const e2e::Balance balance =
-            e2e::Weigh(simulation.GetLedger(), simulation.GetTrace().Entries());
+        const machine::Balance balance =
+            machine::Weigh(simulation.GetLedger(), simulation.GetTrace().Entries());
 
         Json kept = Json::object();
         for (const auto& [name, count] : balance.kept) {

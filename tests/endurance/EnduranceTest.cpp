@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "machine/Balance.h"
 #include "machine/ComMemoryBalance.h"
 #include "tests/cases/CaseFile.h"
-#include "tests/cases/harness/KeptLeaks.h"
 #include "tests/cases/harness/ModuleHeap.h"
 #include "tests/cases/harness/ModuleRun.h"
 #include "tests/cases/harness/PresentedFile.h"
@@ -54,8 +54,8 @@ protected:
         ASSERT_EQ(run.reply.at("Result"), result) << testing::PrintToString(run.errors);
         ASSERT_EQ(run.comBlocks, 0U);
         ASSERT_EQ(run.unexpected, std::vector<std::string>());
-        const e2e::Balance balance =
-            e2e::Weigh(simulation_.GetLedger(), simulation_.GetTrace().Entries());
+        const machine::Balance balance =
+            machine::Weigh(simulation_.GetLedger(), simulation_.GetTrace().Entries());
         ASSERT_EQ(balance.leaks, std::vector<std::string>());
         for (const auto& [kind, count] : balance.kept) {
             kept_ += count;

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "machine/Balance.h"
 #include "tests/cases/CaseFile.h"
-#include "tests/cases/harness/KeptLeaks.h"
 #include "tests/sweep/Judge.h"
 #include "tests/sweep/Subject.h"
 #include "tests/sweep/Summary.h"
@@ -68,7 +68,7 @@ Outcome Try(const Subject& subject, machine::FaultPlan plan, bool recover) {
     if (outcome.ending.file == "gone" && TakeFromRoot(trial)) {
         outcome.ending.file = "put away";
     }
-    outcome.kept = e2e::Weigh(machine.GetLedger(), machine.GetTrace().Entries()).kept;
+    outcome.kept = machine::Weigh(machine.GetLedger(), machine.GetTrace().Entries()).kept;
     const std::vector<std::string> leaks = trial.TakeLeaks();
     outcome.leaks.insert(outcome.leaks.end(), leaks.begin(), leaks.end());
     if (recover) {

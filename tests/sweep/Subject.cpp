@@ -9,9 +9,9 @@
 #include <ostream>
 #include <string_view>
 
+#include "machine/Balance.h"
 #include "machine/MachineFile.h"
 #include "tests/cases/CaseFile.h"
-#include "tests/cases/harness/KeptLeaks.h"
 
 namespace sweep {
 
@@ -145,7 +145,7 @@ e2e::RunResult Trial::Run(std::uint64_t nth, bool stays, e2e::RunResult* next) {
 
 std::vector<std::string> Trial::TakeLeaks() {
     machine::Ledger& ledger = simulation_.GetLedger();
-    std::vector<std::string> leaks = e2e::Weigh(ledger, simulation_.GetTrace().Entries()).leaks;
+    std::vector<std::string> leaks = machine::Weigh(ledger, simulation_.GetTrace().Entries()).leaks;
     for (const machine::Ledger::Item& item : ledger.Outstanding()) {
         if (item.kind == "pipe handle") {
             CloseHandle(reinterpret_cast<HANDLE>(item.identity));

@@ -6,7 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -47,7 +46,6 @@ TEST(SimulatedChild, RouteRunsOnTheDefaultPipes) {
                 testing::Each("WaitForSingleObject milliseconds=100"));
     const machine::PersistedRoute added{"10.40.0.0", "255.255.0.0", "198.51.100.254", 3};
     EXPECT_EQ(machine->GetState().routes.back(), added);
-    machine.Keeps({"pipe handle", "pipe handle"});
 }
 
 /// Where a run stops; what comes later can change its result no more.
@@ -74,17 +72,6 @@ Outcome ExpectedOutcome(const Entries& entries) {
     return Success();
 }
 
-/// A child that was waited for keeps the two ends that it inherited of the default pipes open.
-SweepOptions WithKeptLeaks() {
-    SweepOptions options;
-    options.keptLeaks = [](const Entries& entries) {
-        const bool waited = std::ranges::find(entries, "GetExitCodeProcess",
-                                              &machine::TraceEntry::function) != entries.end();
-        return std::vector<std::string>(waited ? 2 : 0, "pipe handle");
-    };
-    return options;
-}
-
 TEST(SimulatedChild, AnyFailingCallOfARunWithoutCapture) {
     const ScratchFolder folder;
     struct Case {
@@ -109,7 +96,7 @@ TEST(SimulatedChild, AnyFailingCallOfARunWithoutCapture) {
                                                   : ERROR_FILE_NOT_FOUND;
             EXPECT_EQ(run.outputs, expected == Success() ? std::to_string(result) : "nothing");
         };
-        Sweep(operation, check, WithKeptLeaks());
+        Sweep(operation, check);
     }
 }
 
@@ -140,7 +127,7 @@ TEST(SimulatedChild, AnyFailingCallOfACapturedRun) {
             EXPECT_TRUE(everythingTaken) << run.fault.function;
         }
     };
-    SweepOptions options = WithKeptLeaks();
+    SweepOptions options;
     options.afterEachRun = [&] { standard.PutInPlace(); };
     Sweep(operation, check, options);
 }

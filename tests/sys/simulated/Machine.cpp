@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "machine/Balance.h"
+
 namespace sys_tests {
 
 namespace {
@@ -48,11 +50,8 @@ Machine::Machine(machine::State state) : simulation_(std::move(state)) {
 }
 
 Machine::~Machine() {
-    std::vector<std::string> leaks = simulation_.GetLedger().Misuse();
-    for (const machine::Ledger::Item& item : simulation_.GetLedger().Outstanding()) {
-        leaks.insert(leaks.end(), item.count, item.kind);
-    }
-    EXPECT_THAT(leaks, testing::ElementsAreArray(kept_));
+    EXPECT_THAT(machine::Weigh(simulation_.GetLedger(), simulation_.GetTrace().Entries()).leaks,
+                testing::IsEmpty());
     EXPECT_THAT(simulation_.Unexpected(), testing::IsEmpty());
 }
 

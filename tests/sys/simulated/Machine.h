@@ -15,7 +15,8 @@ namespace sys_tests {
 using Entries = std::vector<machine::TraceEntry>;
 
 /// A simulated machine that serves this program's platform calls for the life of the object. At its
-/// end it must have met no call that it does not know, and all that it handed out must be back.
+/// end it must have met no call that it does not know, and what it handed out must be back, but for
+/// what the module keeps on purpose.
 class Machine {
 public:
     explicit Machine(machine::State state = machine::DefaultState());
@@ -25,8 +26,6 @@ public:
 
     machine::Simulation* operator->() { return &simulation_; }
     void Fail(std::string_view plan) { simulation_.SetFaultPlan(machine::FaultPlan::Parse(plan)); }
-    /// What is known to stay out at the end, by kind: "LSA policy handle".
-    void Keeps(std::vector<std::string> leaks) { kept_ = std::move(leaks); }
 
     /// Runs one operation, which may leave no block of COM's allocator behind. The rest of this
     /// class is about the last one.
@@ -43,7 +42,6 @@ private:
     machine::Simulation simulation_;
     machine::ComMemoryBalance comMemory_;
     Entries entries_;
-    std::vector<std::string> kept_;
 };
 
 /// The code that a failed call gave; 0 where it gives none itself.

@@ -26,9 +26,6 @@ bool RunWithFault(const Operation& operation, std::uint64_t nth, bool stays,
     const Outcome outcome = machine.Run([&] { operation(outputs); });
     const bool fired = machine->GetFaultPlan().Fired() != 0;
     machine->SetFaultPlan({});
-    if (options.keptLeaks) {
-        machine.Keeps(options.keptLeaks(machine.Calls()));
-    }
     if (fired) {
         check({FirstFault(machine.Calls(), stays), outcome, outputs, machine, options.start});
     } else {

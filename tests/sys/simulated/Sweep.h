@@ -51,8 +51,6 @@ private:
 
 struct SweepOptions {
     machine::State start = machine::DefaultState();
-    /// The leaks that the operation is known for, by the calls that it made; null for none.
-    std::function<std::vector<std::string>(const Entries&)> keptLeaks = nullptr;
     /// Put back what a run may have changed in this process; may be null.
     std::function<void()> afterEachRun = nullptr;
 };
