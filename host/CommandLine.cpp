@@ -1,8 +1,10 @@
 #include "host/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/ExitCode.h"
@@ -90,13 +92,31 @@ int Perform(const Action& action, Output& output) {
     } catch (const std::exception& error) {
         output.Error(error.what());
     }
-    output.Finish();
-    return exitCode;
+    return output.Finish(exitCode);
+}
+
+/// An option that takes one of these names, each with what it means.
+template <typename Value>
+void AddChoice(CLI::App& app, const std::string& option, const std::string& description,
+               const std::vector<std::pair<std::string, Value>>& choices, Value& value) {
+    std::vector<std::string> names;
+    for (const auto& [name, meaning] : choices) {
+        names.push_back(name);
+    }
+    app.add_option_function<std::string>(
+           option,
+           [choices, &value](const std::string& name) {
+               value =
+                   std::ranges::find(choices, name, &std::pair<std::string, Value>::first)->second;
+           },
+           description)
+        ->check(CLI::IsMember(names).description(""))
+        ->type_name(CLI::detail::join(names, "|"));
 }
 
 }  // namespace
 
-int Run(int argc, const char* const* argv, std::ostream& data, std::ostream& notes) {
+int Run(int argc, const char* const* argv, TextStream& data, TextStream& notes) {
     CommonOptions options;
     options.module = Module::DefaultPath();
     Action action;
@@ -111,14 +131,12 @@ int Run(int argc, const char* const* argv, std::ostream& data, std::ostream& not
                    "The module's file, else config.dll beside this program")
         ->type_name("FILE")
         ->check(NotEmpty());
-    app.add_option_function<std::string>(
-           "--format",
-           [&](const std::string& name) {
-               options.format = name == "json" ? Format::kJson : Format::kText;
-           },
-           "How results are printed")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->type_name("text|json");
+    AddChoice<Format>(app, "--format", "How results are printed",
+                      {{"text", Format::kText}, {"json", Format::kJson}}, options.format);
+    AddChoice<Colours>(
+        app, "--color", "Whether results have colours; auto: on a terminal, unless NO_COLOR is set",
+        {{"auto", Colours::kAuto}, {"always", Colours::kAlways}, {"never", Colours::kNever}},
+        options.colours);
     configure::AddConfigureCommand(app, options, action);
     snapshot::AddSnapshotCommand(app, action);
     check::AddCheckCommand(app, action);
@@ -127,16 +145,17 @@ int Run(int argc, const char* const* argv, std::ostream& data, std::ostream& not
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
-        data << ToUtf8(app.help());
-        return kDone;
+        Output output(Format::kText, Colours::kNever, data, notes);
+        output.Raw(ToUtf8(app.help()));
+        return output.Finish(kDone);
     } catch (const CLI::ParseError& error) {
-        Output output(AsksForJson(argc, argv) ? Format::kJson : Format::kText, data, notes);
+        Output output(AsksForJson(argc, argv) ? Format::kJson : Format::kText, options.colours,
+                      data, notes);
         output.Error(WhatIsWrong(app, error));
         output.Note("Run \"toolbox-host --help\" for more.");
-        output.Finish();
-        return kWrongUsage;
+        return output.Finish(kWrongUsage);
     }
-    Output output(options.format, data, notes);
+    Output output(options.format, options.colours, data, notes);
     return Perform(action, output);
 }
 

@@ -10,6 +10,9 @@ enum ExitCode : int {
     kRestartNeeded = 3,   ///< the rest of the configuration waits for a restart
     kWrongUsage = 64,     ///< the command line is wrong
     kBadInput = 65,       ///< a configuration file or machine file has errors
+    kInterrupted = 130,   ///< Ctrl-C
+    kReaderGone = 141,    ///< whoever read standard output has closed it
+    kEnded = 143,         ///< ended from outside
 };
 
 }  // namespace host

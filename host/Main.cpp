@@ -1,12 +1,14 @@
-#include <fcntl.h>
-#include <io.h>
 #include <windows.h>
 
+#include <fcntl.h>
+#include <io.h>
+
 #include <cstdio>
-#include <iostream>
 
 #include "host/CommandLine.h"
 #include "host/CrashReport.h"
+#include "host/Interrupt.h"
+#include "host/Terminal.h"
 
 namespace {
 
@@ -25,10 +27,14 @@ private:
 }  // namespace
 
 int main(int argc, char** argv) {
+    host::TakeStandardError();
     host::ReportCrashes();
-    // Line feeds stay line feeds, so that pipes get the same bytes everywhere.
-    _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     const Utf8Console console;
-    return host::Run(argc, argv, std::cout, std::cerr);
+    host::TextStream data(GetStdHandle(STD_OUTPUT_HANDLE), host::WhereOutputLeads());
+    host::TextStream notes(GetStdHandle(STD_ERROR_HANDLE), host::WhereErrorsLead());
+    host::EndOnInterrupt(notes.Leads().isTerminal);
+    const int exitCode = host::Run(argc, argv, data, notes);
+    host::TellTheEnd();
+    return exitCode;
 }

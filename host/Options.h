@@ -11,6 +11,7 @@ namespace host {
 struct CommonOptions {
     std::string module;  ///< the module's file
     Format format = Format::kText;
+    Colours colours = Colours::kAuto;
 };
 
 /// What the parsed command line asks for. Returns the exit code; throws HostError.

@@ -1,13 +1,12 @@
 #include "host/Output.h"
 
-#include <io.h>
 #include <windows.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
-#include <iostream>
 
 #include "common/util/Strings.h"
+#include "host/ExitCode.h"
 #include "host/Text.h"
 
 namespace host {
@@ -16,26 +15,30 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Whether the stream is a terminal that obeys control sequences. Windows consoles must be told to;
-/// those before Windows 10 cannot.
-bool IsTerminal(const std::ostream& stream) {
-    const bool isOut = &stream == &std::cout;
-    if (!isOut && &stream != &std::cerr) {
-        return false;
-    }
-    if (_isatty(_fileno(isOut ? stdout : stderr)) == 0) {
-        return false;
-    }
-    const HANDLE console = GetStdHandle(isOut ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
-    DWORD mode = 0;
-    constexpr DWORD kVirtualTerminal = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
-    return GetConsoleMode(console, &mode) != 0 &&
-           SetConsoleMode(console, mode | kVirtualTerminal) != 0;
+bool AreWanted(Colours colours, const Destination& destination) {
+    const char* const refusal = std::getenv("NO_COLOR");
+    return colours == Colours::kAlways || (colours == Colours::kAuto && destination.isTerminal &&
+                                           (refusal == nullptr || *refusal == '\0'));
 }
 
-bool ColoursAreWanted() {
-    const char* const refusal = std::getenv("NO_COLOR");
-    return refusal == nullptr || *refusal == '\0';
+bool IsContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+std::size_t Characters(std::string_view utf8) {
+    return utf8.size() - static_cast<std::size_t>(std::ranges::count_if(utf8, IsContinuation));
+}
+
+/// As many characters as there is room for.
+std::string Shortened(std::string text, std::size_t room) {
+    constexpr std::string_view kDots = "...";
+    if (Characters(text) <= room) {
+        return text;
+    }
+    while (!text.empty() && Characters(text) + kDots.size() > room) {
+        text.pop_back();
+    }
+    return text.append(kDots);
 }
 
 const char* Colour(Tone tone) {
@@ -58,12 +61,8 @@ const char* Colour(Tone tone) {
 
 }  // namespace
 
-Output::Output(Format format, std::ostream& data, std::ostream& notes)
-    : format_(format),
-      data_(data),
-      notes_(notes),
-      colours_(ColoursAreWanted() && IsTerminal(data)),
-      showsProgress_(IsTerminal(notes)) {}
+Output::Output(Format format, Colours colours, TextStream& data, TextStream& notes)
+    : format_(format), data_(data), notes_(notes), colours_(AreWanted(colours, data.Leads())) {}
 
 void Output::Line(std::string_view text, Tone tone) {
     if (IsJson()) {
@@ -71,21 +70,35 @@ void Output::Line(std::string_view text, Tone tone) {
     }
     Progress({});
     const bool coloured = colours_ && tone != Tone::kPlain;
-    data_ << (coloured ? Colour(tone) : "") << ToLine(text) << (coloured ? "\x1b[0m\n" : "\n");
+    data_.Write((coloured ? Colour(tone) : "") + ToLine(text) + (coloured ? "\x1b[0m\n" : "\n"));
+}
+
+void Output::WriteBeside(const std::string& utf8) {
+    data_.Flush();
+    notes_.Write(utf8);
+    notes_.Flush();
 }
 
 void Output::Progress(std::string_view text) {
-    if (!showsProgress_ || (text.empty() && !progressShown_)) {
+    const Destination& destination = notes_.Leads();
+    if (!destination.isTerminal || (text.empty() && progressShown_ == 0)) {
         return;
     }
-    notes_ << "\r\x1b[K" << ToLine(text) << std::flush;
-    progressShown_ = !text.empty();
+    // A line that fills the terminal would wrap and could not be replaced; the echo of Ctrl-C has
+    // room too. Blanks remove the old line: without colours there is no control sequence at all.
+    constexpr std::size_t kMargin = 3;
+    const std::size_t room = std::max(destination.columns, kMargin) - kMargin;
+    const std::string line = Shortened(ToLine(text), room);
+    const std::size_t length = Characters(line);
+    const std::size_t rest = progressShown_ - std::min(progressShown_, length);
+    WriteBeside("\r" + line + std::string(rest, ' ') + (rest > 0 ? "\r" + line : ""));
+    progressShown_ = length;
 }
 
 void Output::Note(std::string_view text) {
     Progress({});
     if (!IsJson()) {
-        notes_ << ToLine(text) << '\n' << std::flush;
+        WriteBeside(ToLine(text) + "\n");
     }
 }
 
@@ -98,22 +111,34 @@ void Output::Log(const LogLine& line) {
 
 void Output::Error(std::string_view text) {
     Progress({});
-    notes_ << "toolbox-host: " << ToLine(text) << '\n' << std::flush;
+    WriteBeside("toolbox-host: " + ToLine(text) + "\n");
     document_["error"] = ToUtf8(text);
 }
 
 void Output::Raw(std::string_view text) {
     Progress({});
-    data_ << text;
+    data_.Write(text);
     rawPrinted_ = true;
 }
 
-void Output::Finish() {
+int Output::Finish(int exitCode) {
     Progress({});
     if (IsJson() && !rawPrinted_) {
-        data_ << document_.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+        data_.Write(document_.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
     }
-    data_ << std::flush;
+    data_.Flush();
+    switch (data_.Error()) {
+        case 0:
+            return exitCode;
+        case ERROR_BROKEN_PIPE:
+        case ERROR_NO_DATA:
+        case ERROR_PIPE_NOT_CONNECTED:
+            // "toolbox-host ... | head": the reader has what it wants.
+            return kReaderGone;
+        default:
+            Error("cannot write to standard output: " + DescribeSystemError(data_.Error()));
+            return kFailure;
+    }
 }
 
 }  // namespace host

@@ -1,27 +1,31 @@
 #pragma once
 
+#include <cstdint>
 #include <nlohmann/json.hpp>
-#include <ostream>
 #include <string>
 #include <string_view>
 
 #include "host/LogSink.h"
+#include "host/TextStream.h"
 
 namespace host {
 
-enum class Format { kText, kJson };
+enum class Format : std::uint8_t { kText, kJson };
 
-/// What a line of data is about; on a terminal it has a colour, elsewhere it makes no difference.
+/// Whether lines of data have colours. Auto: where they lead to a terminal, unless the variable
+/// NO_COLOR is there and not empty.
+enum class Colours : std::uint8_t { kAuto, kAlways, kNever };
+
+/// What a line of data is about, which its colour shows.
 enum class Tone { kPlain, kHeading, kChange, kGood, kBad, kQuiet };
 
 /// Where a command's results go: data to one stream, everything else to the other. As text it is
 /// printed as it comes; as JSON it is gathered in one object that Finish prints as data. Everything
-/// that is printed is UTF-8. Colours and the progress line appear where the stream is the program's
-/// own and a terminal; a NO_COLOR that is not empty turns the colours off.
+/// that is printed is UTF-8. A line of progress appears where the other stream leads to a terminal.
 class Output {
 public:
     /// The streams must outlive the object.
-    Output(Format format, std::ostream& data, std::ostream& notes);
+    Output(Format format, Colours colours, TextStream& data, TextStream& notes);
 
     bool IsJson() const noexcept { return format_ == Format::kJson; }
 
@@ -43,16 +47,19 @@ public:
     /// Data that is a document of its own, in UTF-8: printed as it is in either format, in place of
     /// the object.
     void Raw(std::string_view text);
-    /// Prints the object. To be called once, at the end, whatever the outcome.
-    void Finish();
+    /// Prints the object. To be called once, at the end, whatever the outcome. Returns the exit
+    /// code: the given one, or another where the data could not be written.
+    int Finish(int exitCode);
 
 private:
+    /// Behind the data that came before: both streams may lead to one place.
+    void WriteBeside(const std::string& utf8);
+
     Format format_;
-    std::ostream& data_;
-    std::ostream& notes_;
+    TextStream& data_;
+    TextStream& notes_;
     bool colours_;
-    bool showsProgress_;
-    bool progressShown_ = false;
+    std::size_t progressShown_ = 0;  ///< characters of it
     bool rawPrinted_ = false;
     nlohmann::ordered_json document_ = nlohmann::ordered_json::object();
 };

@@ -1,9 +1,11 @@
 # Shared by the commands of this folder and by ./run and ./check; sourced, never run.
-# The caller has set `root` to the top of the checkout.
+# The caller has set `root` to the top of the checkout, and `wine_folder` where it wants another Wine
+# prefix than that of the tests.
 
 build=$root/build
-# Never the caller's own WINEPREFIX: ./check ends every Windows program of the prefix it used.
-export WINEPREFIX="${TOOLBOX_WINEPREFIX:-$build/wine}"
+# Never the caller's own WINEPREFIX: ./check ends every Windows program of the prefix it used. Not
+# that of ./run either.
+export WINEPREFIX="${TOOLBOX_WINEPREFIX:-$build/${wine_folder:-wine}}"
 export WINEDEBUG="${WINEDEBUG:--all}"
 
 say() { printf '%s\n' "$*" >&2; }
@@ -37,4 +39,12 @@ configure() {
     [ -n "$configure_needed" ] || return 0
     step "$build/configure-$configure_preset.log" \
         cmake -S "$root" --preset "$configure_preset" "$@"
+}
+
+# compile PRESET [TARGET...]: brings the build up to date; callers that come together do so one after
+# the other.
+compile() {
+    compile_preset=$1
+    shift
+    flock -F "$build/$compile_preset.lock" ninja -C "$build/$compile_preset" "$@"
 }

@@ -8,6 +8,7 @@
 #include "common/util/FileUtils.h"
 #include "common/util/Strings.h"
 #include "host/HostError.h"
+#include "host/Terminal.h"
 #include "host/Text.h"
 #include "machine/WideText.h"
 
@@ -19,6 +20,9 @@ constexpr const char* kStart = "toolbox-host-";
 
 /// With its separator at the end.
 std::string TemporaryFolder() {
+    if (const std::string folder = RunFolder(); !folder.empty()) {
+        return folder + "\\";
+    }
     char folder[MAX_PATH + 1] = "";
     const DWORD length = GetTempPathA(sizeof folder, folder);
     if (length == 0 || length > MAX_PATH) {

@@ -1,0 +1,32 @@
+// The terminal, and "./run", which stands between it and the program where that runs under Wine:
+// Wine's own console takes control sequences for characters and is slow. "./run" hands on, in
+// variables of the environment,
+//
+//   TOOLBOX_RUN       its folder, as a Windows path. Temporary files go there; a pipe "notes" in it
+//                     leads to standard error, and where there is none both streams are one; and
+//                     the program makes the file "ended" in it when it has done all that it had to
+//   TOOLBOX_TERMINAL  which streams lead to the terminal: "data", "notes", both or none
+//   TOOLBOX_COLUMNS   how wide it is
+#pragma once
+
+#include <string>
+
+#include "host/TextStream.h"
+
+namespace host {
+
+/// To be called first: makes standard error what "./run" says it is, for the C library too.
+void TakeStandardError();
+
+/// Where standard output and standard error lead to. A console is told to obey control sequences.
+Destination WhereOutputLeads();
+Destination WhereErrorsLead();
+
+/// The folder of "./run", in the system code page and without a separator at the end; empty without
+/// one.
+std::string RunFolder();
+
+/// Tells "./run" that the program ends by itself. Wine says 0 of a program that was ended.
+void TellTheEnd();
+
+}  // namespace host
