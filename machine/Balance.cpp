@@ -20,13 +20,18 @@ public:
 
 private:
     void FollowChild(const TraceEntry& call) {
+        // The first two pipes are the default ones; the others belong to a capture, which closes
+        // them, and does without where it cannot have them.
+        constexpr std::size_t kDefaultPipes = 2;
         if (call.function == "CreatePipe" && !call.failed) {
             pipes_.push_back(&call);
-        } else if (call.function == "CreatePipe" || call.function == "CreateProcessA") {
-            // The first two are the default pipes; others belong to a capture, which closes them.
+        } else if (call.function == "CreatePipe" && pipes_.size() < kDefaultPipes) {
+            pipes_.clear();
+            child_.clear();
+        } else if (call.function == "CreateProcessA") {
             child_ = call.failed ? std::vector<const TraceEntry*>() : std::move(pipes_);
             pipes_.clear();
-        } else if (call.function == "GetExitCodeProcess" && child_.size() >= 2) {
+        } else if (call.function == "GetExitCodeProcess" && child_.size() >= kDefaultPipes) {
             names_[OriginOf(*child_[0], "write end")] = "child's end of the output pipe";
             names_[OriginOf(*child_[1], "read end")] = "child's end of the input pipe";
         }
