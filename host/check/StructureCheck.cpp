@@ -52,18 +52,18 @@ void StructureCheck::CheckLines() {
         CheckCarriageReturn(number);
     }
     const std::vector<IniFile::Line>& lines = file_.Lines();
-    for (auto line = lines.begin(); line != lines.end(); ++line) {
-        if (line->kind == Kind::kEntry && line->section.empty()) {
-            findings_.Warning("outside-sections", file_.PlaceOf(line->name),
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        const IniFile::Line& line = lines[at];
+        if (line.kind == Kind::kEntry && line.section.empty()) {
+            findings_.Warning("outside-sections", file_.PlaceOf(line.name),
                               "the key stands in no section: the module ignores it");
         }
-        if (line->kind == Kind::kContinuation) {
-            const auto first = line;
-            while (std::next(line) != lines.end() && std::next(line)->kind == Kind::kContinuation &&
-                   std::next(line)->number == line->number + 1) {
-                ++line;
+        if (line.kind == Kind::kContinuation) {
+            while (at + 1 < lines.size() && lines[at + 1].kind == Kind::kContinuation &&
+                   lines[at + 1].number == lines[at].number + 1) {
+                ++at;
             }
-            CheckContinuations(*first, line->number);
+            CheckContinuations(line, lines[at].number);
         }
     }
 }

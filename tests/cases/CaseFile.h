@@ -6,20 +6,20 @@
 //     expected.json       {"about": ..., "file": {...}, "passes": [{...}, ...]}
 //
 // Members of "file": "name" (configuration.ini), "stands" ("inbox", "home": already beside the
-// agent's program, or "nowhere"), "atHome" (the text of a file of that name beside the program, null
-// for a folder, or true for another name of the file itself), "unreadable" (true: another program
-// keeps it open and shares no reading).
+// agent's program, or "nowhere"), "atHome" (the text of a file of that name beside the program,
+// null for a folder, or true for another name of the file itself), "unreadable" (true: another
+// program keeps it open and shares no reading).
 //
-// Members of a pass, with what they default to: "faults" (none; the rules of --fail), "result" (1), "escaped" (""),
-// "reply" ({}), "errors" thrown inside ([]), "actions" ([]), "log" (not looked at) without level 1
-// and the line that names the file, or "wholeLog", "changes" of the machine by JSON pointer ({}),
-// "apartment" that the calling thread has entered (none; "single", "multi") and "apartmentLeft"
-// whether the module has taken it out of there (false), "hostThrowsAt" a part of the log line at
-// which the host's sink throws (none), "file" ("put away"), "kept" resources that stay open on
-// purpose ({}). With "afterRestart" the machine restarts behind the pass, and that changes it as
-// the member says. Before each pass the file stands where it stood at first, and the module is
-// loaded anew, unless the pass says "sameProcess": true. "{any}" in an expected text stands for
-// what Windows leaves open.
+// Members of a pass, with what they default to: "faults" (none; the rules of --fail), "result" (1),
+// "escaped" (""), "reply" ({}), "errors" thrown inside ([]), "actions" ([]), "log" (not looked at)
+// without level 1 and the line that names the file, or "wholeLog", "changes" of the machine by JSON
+// pointer ({}), "apartment" that the calling thread has entered (none; "single", "multi") and
+// "apartmentLeft" whether the module has taken it out of there (false), "hostThrowsAt" a part of
+// the log line at which the host's sink throws (none), "file" ("put away"), "kept" resources that
+// stay open on purpose ({}). With "afterRestart" the machine restarts behind the pass, and that
+// changes it as the member says. Before each pass the file stands where it stood at first, and the
+// module is loaded anew, unless the pass says "sameProcess": true. "{any}" in an expected text
+// stands for what Windows leaves open.
 #pragma once
 
 #include <filesystem>
