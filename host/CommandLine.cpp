@@ -99,10 +99,8 @@ int Perform(const Action& action, Output& output) {
 template <typename Value>
 void AddChoice(CLI::App& app, const std::string& option, const std::string& description,
                const std::vector<std::pair<std::string, Value>>& choices, Value& value) {
-    std::vector<std::string> names;
-    for (const auto& [name, meaning] : choices) {
-        names.push_back(name);
-    }
+    std::vector<std::string> names(choices.size());
+    std::ranges::transform(choices, names.begin(), &std::pair<std::string, Value>::first);
     app.add_option_function<std::string>(
            option,
            [choices, &value](const std::string& name) {

@@ -44,7 +44,7 @@ Destination OfConsole(HANDLE console) {
     CONSOLE_SCREEN_BUFFER_INFO screen{};
     if (GetConsoleScreenBufferInfo(console, &screen) != 0) {
         destination.columns =
-            static_cast<std::size_t>(screen.srWindow.Right - screen.srWindow.Left + 1);
+            static_cast<std::size_t>(screen.srWindow.Right - screen.srWindow.Left) + 1;
     }
     return destination;
 }
@@ -77,7 +77,7 @@ void TakeStandardError() {
         notes ? _open_osfhandle(reinterpret_cast<std::intptr_t>(notes.Release()), _O_BINARY)
               : _fileno(stdout);
     _dup2(opened, _fileno(stderr));
-    const auto taken = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stderr)));
+    auto* const taken = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stderr)));
     SetStdHandle(STD_ERROR_HANDLE, taken);
     // A child that outlives this process would keep the pipe open.
     SetHandleInformation(taken, HANDLE_FLAG_INHERIT, 0);

@@ -134,11 +134,11 @@ private:
 /// The length of the rule that the text begins with: up to a comma outside brackets.
 std::size_t RuleLength(std::string_view text) {
     bool isInside = false;
-    const auto end = std::ranges::find_if(text, [&isInside](char c) {
+    const auto isEnd = [&isInside](char c) {
         isInside = isInside ? c != ']' : c == '[';
         return c == ',' && !isInside;
-    });
-    return static_cast<std::size_t>(end - text.begin());
+    };
+    return static_cast<std::size_t>(std::ranges::find_if(text, isEnd) - text.begin());
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace {
 
 /// Whether the piece lies in that part of the memory.
 bool IsWithin(std::string_view piece, const char* begin, std::size_t size) {
-    constexpr std::less_equal<const char*> kBefore;
+    constexpr std::less_equal<> kBefore;
     return piece.data() != nullptr && kBefore(begin, piece.data()) &&
            kBefore(piece.data() + piece.size(), begin + size);
 }

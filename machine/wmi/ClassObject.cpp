@@ -6,7 +6,14 @@
 
 namespace machine::wmi {
 
-using namespace cim;
+using cim::Class;
+using cim::Describe;
+using cim::FindMethod;
+using cim::FindProperty;
+using cim::Method;
+using cim::Properties;
+using cim::Property;
+using cim::Type;
 
 namespace {
 

@@ -10,7 +10,22 @@
 
 namespace machine::wmi {
 
-using namespace cim;
+using cim::CheckTarget;
+using cim::Class;
+using cim::Describe;
+using cim::FindClass;
+using cim::FindMethod;
+using cim::FindObject;
+using cim::Method;
+using cim::ObjectPath;
+using cim::ParseObjectPath;
+using cim::ParseQuery;
+using cim::Properties;
+using cim::Property;
+using cim::Query;
+using cim::QueryAnswer;
+using cim::RunQuery;
+using cim::Type;
 
 namespace {
 

@@ -4,7 +4,8 @@
 
 namespace machine::wmi {
 
-using namespace cim;
+using cim::Type;
+using cim::Value;
 
 namespace {
 
