@@ -78,17 +78,20 @@ void Call::Unexpected(std::string_view what) {
 
 HRESULT Call::Hresult(std::uint32_t code) {
     Note(DescribeHresult(code), (code & 0x80000000U) != 0, lastError_);
+    Entry().code = code;
     return static_cast<HRESULT>(code);
 }
 
 LSTATUS Call::Status(std::uint32_t win32Error) {
     Note(win32Error == 0 ? "0" : "error " + std::to_string(win32Error), win32Error != 0,
          lastError_);
+    Entry().code = win32Error;
     return static_cast<LSTATUS>(win32Error);
 }
 
 LONG Call::NtStatus(std::uint32_t status) {
     Note(Hex(status), (status & 0x80000000U) != 0, lastError_);
+    Entry().code = status;
     return static_cast<LONG>(status);
 }
 
@@ -103,6 +106,7 @@ void Call::Note(std::string result, bool failed, std::uint32_t error) {
     entry.failed = failed;
     if (failed) {
         lastError_ = error;
+        entry.code = error;
     }
 }
 

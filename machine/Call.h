@@ -79,6 +79,9 @@ public:
     // The same for the result of a real call just made: its last error is kept.
     BOOL RealBoolean(BOOL result);
 
+    // What came of the method or program that the call ran.
+    void SetOutcome(std::uint32_t outcome) { Entry().outcome = outcome; }
+
     // Around a real call that blocks: other threads' calls are served meanwhile.
     template <typename Function>
     auto Unlocked(Function&& function) {

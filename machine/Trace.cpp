@@ -37,6 +37,11 @@ std::string OriginOf(const TraceEntry& call, std::string_view detail) {
     return origin;
 }
 
+std::string_view TraceEntry::Argument(std::string_view name) const {
+    const auto found = std::ranges::find(arguments, name, &decltype(arguments)::value_type::first);
+    return found == arguments.end() ? std::string_view() : found->second;
+}
+
 std::size_t Trace::Count(std::string_view function) const {
     return static_cast<std::size_t>(std::ranges::count(entries_, function, &TraceEntry::function));
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,9 +20,15 @@ struct TraceEntry {
     std::string object;    // interface of the object called, empty for a plain function
     std::string function;  // "ExecQuery", "RegOpenKeyExA"
     std::vector<std::pair<std::string, std::string>> arguments;  // secrets masked
-    std::string result;  // "S_OK", "0x80041002 (WBEM_E_NOT_FOUND)", "FALSE, error 2"
+    std::string result;      // "S_OK", "0x80041002 (WBEM_E_NOT_FOUND)", "FALSE, error 2"
+    std::uint32_t code = 0;  // the result as a number: an HRESULT, a Windows error
+    // What came of what the call ran: a method's ReturnValue, a program's exit code.
+    std::optional<std::uint32_t> outcome;
     bool failed = false;
     bool injected = false;  // the fault plan made it fail
+
+    // Empty when there is none of that name.
+    std::string_view Argument(std::string_view name) const;
 };
 
 /// How the ledger names the call as the origin of something: "CreatePipe, call 12, read end".

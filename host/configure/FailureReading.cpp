@@ -9,6 +9,7 @@
 #include "common/logging/Phrases.h"
 #include "common/util/Strings.h"
 #include "host/configure/Codes.h"
+#include "host/configure/FailingCall.h"
 
 namespace host::configure {
 
@@ -31,54 +32,30 @@ bool Logged(const Run& run, std::string_view text) {
     return FindLine(run, text) < run.log.size();
 }
 
-bool Mentions(const std::string& result, std::uint32_t code) {
-    const auto standsAlone = [&result](const std::string& number) {
-        const std::size_t at = result.find(number);
-        return at != std::string::npos &&
-               (at + number.size() == result.size() || !util::IsDigit(result[at + number.size()]));
-    };
-    return standsAlone(util::Format("0x%X", code)) || standsAlone(" " + std::to_string(code)) ||
-           result == std::to_string(code);
-}
-
-/// The platform calls until the module caught an error.
-std::span<const machine::TraceEntry> CallsUntilCaught(const Run& run) {
+/// How many platform calls were made until the module caught an error.
+std::size_t CallsUntilCaught(const Run& run) {
     const std::size_t caught = std::min(FindLine(run, logging::kCaughtConfigError),
                                         FindLine(run, logging::kCaughtOtherError));
-    const std::size_t end = caught < run.log.size() ? run.log[caught].calls : run.calls.size();
-    return std::span(run.calls).first(std::min(end, run.calls.size()));
+    return caught < run.log.size() ? run.log[caught].calls : run.calls.size();
 }
 
-/// The failing platform call behind the error: the last one that gave its code, or one that a fault
-/// was injected into, or one just before the error was caught.
-std::string FindCause(const Run& run, std::uint32_t code) {
-    constexpr std::size_t kCleaningUp = 4;  // calls that may lie between failure and catch
-    const auto calls = CallsUntilCaught(run);
-    const machine::TraceEntry* withCode = nullptr;
-    const machine::TraceEntry* injected = nullptr;
-    const machine::TraceEntry* late = nullptr;
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        const machine::TraceEntry& call = calls[i];
-        if (!call.failed) {
-            continue;
-        }
-        withCode = code != 0 && Mentions(call.result, code) ? &call : withCode;
-        injected = call.injected ? &call : injected;
-        late = i + kCleaningUp >= calls.size() ? &call : late;
-    }
-    const machine::TraceEntry* const cause = withCode != nullptr   ? withCode
-                                             : injected != nullptr ? injected
-                                                                   : late;
-    return cause == nullptr ? std::string() : cause->function + ": " + cause->result;
+void SetCall(FailingCall call, Failure& failure) {
+    failure.call = std::move(call.text);
+    failure.adapter = call.adapter;
+}
+
+/// The failing platform call behind the error.
+void FindCause(const Run& run, std::uint32_t code, Failure& failure) {
+    SetCall(FindFailingCall(run, CallsUntilCaught(run), code), failure);
 }
 
 /// The module asks for its program's place when the commands are done, and before it may report
 /// anything about the file.
 bool WasPuttingAway(const Run& run) {
-    const auto calls = CallsUntilCaught(run);
-    return std::any_of(calls.begin(), calls.end(), [](const machine::TraceEntry& call) {
-        return call.function == "GetModuleFileNameA";
-    });
+    const auto calls =
+        std::span(run.calls).first(std::min(CallsUntilCaught(run), run.calls.size()));
+    return std::ranges::find(calls, "GetModuleFileNameA", &machine::TraceEntry::function) !=
+           calls.end();
 }
 
 std::string DescribeStatus(std::int32_t status) {
@@ -132,7 +109,7 @@ void ReadConfigError(std::vector<Step>& steps, ErrorKind kind, Failure& failure)
 void ReadSystemError(const Run& run, std::vector<Step>& steps, Failure& failure) {
     const auto status = static_cast<std::uint32_t>(failure.status.value_or(0));
     failure.text = DescribeStatus(failure.status.value_or(0));
-    failure.call = FindCause(run, status);
+    FindCause(run, status, failure);
     Step& step = steps.back();
     const bool worked = step.command == "ConfigureNic" || step.command == "Sleep" ||
                         (!step.calls.empty() && step.calls.back().Succeeded());
@@ -167,6 +144,10 @@ Failure ReadFailure(const Run& run, std::vector<Step>& steps) {
         failure.text = !run.moduleError.empty() ? run.moduleError
                        : !unhandled.empty()     ? unhandled
                                                 : "the module did not handle the message";
+        FindCause(run, 0, failure);
+        if (failure.call.empty() && !run.moduleError.empty()) {
+            SetCall(FindLastRead(run), failure);
+        }
         return failure;
     }
     const std::int32_t status = util::StringToInt(run.Reply("Status-Code"));
@@ -177,7 +158,7 @@ Failure ReadFailure(const Run& run, std::vector<Step>& steps) {
     if (!ofConfiguration && WasPuttingAway(run)) {
         failure.stage = Stage::kPuttingAway;
         failure.text = DescribeStatus(status);
-        failure.call = FindCause(run, static_cast<std::uint32_t>(status));
+        FindCause(run, static_cast<std::uint32_t>(status), failure);
         return failure;
     }
     if (failure.stage == Stage::kRunning) {
@@ -189,7 +170,9 @@ Failure ReadFailure(const Run& run, std::vector<Step>& steps) {
         return failure;
     }
     failure.text = ofConfiguration ? DescribeRefusal(kind) : DescribeStatus(status);
-    failure.call = ofConfiguration ? "" : FindCause(run, static_cast<std::uint32_t>(status));
+    if (!ofConfiguration) {
+        FindCause(run, static_cast<std::uint32_t>(status), failure);
+    }
     failure.configurationRefused =
         failure.stage == Stage::kReading &&
         (ofConfiguration || (status >= kHostNotFound && status <= kNoData));

@@ -117,6 +117,9 @@ Json OfFailure(const Pass& pass) {
     }
     AddText(json, "text", failure.text);
     AddText(json, "call", failure.call);
+    if (const machine::Adapter* const adapter = AdapterOf(pass.run.before, failure.adapter)) {
+        json["adapter"] = {{"index", adapter->index}, {"label", Text(AdapterLabel(*adapter))}};
+    }
     json["configurationRefused"] = failure.configurationRefused;
     return json;
 }

@@ -3,6 +3,7 @@
 #include "host/configure/Codes.h"
 #include "host/configure/RestartStory.h"
 #include "host/configure/RowText.h"
+#include "host/configure/Values.h"
 #include "host/reading/SettingNames.h"
 
 namespace host::configure {
@@ -69,6 +70,9 @@ void PrintFailure(const Pass& pass, const std::string& file, Output& output) {
     output.Line("Failed: " + WhatFailed(pass), Tone::kBad);
     if (!failure.call.empty()) {
         output.Line("  call: " + failure.call);
+    }
+    if (const machine::Adapter* const adapter = AdapterOf(pass.run.before, failure.adapter)) {
+        output.Line("  adapter: " + AdapterLabel(*adapter));
     }
     output.Line("  code: " + CodeText(failure.code) + ", " + failure.text);
     if (failure.status && *failure.status != failure.code) {

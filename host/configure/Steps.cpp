@@ -41,36 +41,6 @@ Step ReadCommand(std::string_view text) {
     return step;
 }
 
-std::string Argument(const machine::TraceEntry& call, std::string_view name) {
-    for (const auto& [argument, value] : call.arguments) {
-        if (argument == name) {
-            return value;
-        }
-    }
-    return {};
-}
-
-/// A method's ReturnValue; the trace says beside it when it was made up by a fault.
-std::string ReturnValue(const machine::TraceEntry& call) {
-    for (const auto& [argument, value] : call.arguments) {
-        if (argument.starts_with("ReturnValue")) {
-            return value;
-        }
-    }
-    return {};
-}
-
-/// The number in front of or behind the name of a result: "0x80070005 (E_ACCESSDENIED)".
-std::uint32_t ResultCode(const std::string& result) {
-    const std::size_t hexadecimal = result.find("0x");
-    if (hexadecimal != std::string::npos) {
-        return static_cast<std::uint32_t>(
-            std::strtoul(result.c_str() + hexadecimal + 2, nullptr, 16));
-    }
-    const std::size_t digit = result.find_first_of("0123456789");
-    return digit == std::string::npos ? 0 : Number(std::string_view(result).substr(digit));
-}
-
 std::optional<ChangingCall> ReadCall(const std::vector<machine::TraceEntry>& calls,
                                      std::size_t position, std::size_t end) {
     const machine::TraceEntry& call = calls[position];
@@ -78,29 +48,28 @@ std::optional<ChangingCall> ReadCall(const std::vector<machine::TraceEntry>& cal
     changing.reached = !call.failed;
     changing.result = call.result;
     if (call.function == "ExecMethod") {
-        changing.name = Argument(call, "method");
-        changing.parameters = Argument(call, "in");
-        changing.onAdapter = Argument(call, "path").starts_with("Win32_NetworkAdapterConf");
-        const std::string value = ReturnValue(call);
-        changing.value = value.empty() ? ResultCode(call.result) : Number(value);
+        changing.name = call.Argument("method");
+        changing.parameters = call.Argument("in");
+        changing.onAdapter = call.Argument("path").starts_with("Win32_NetworkAdapterConf");
+        changing.value = call.outcome.value_or(call.code);
         return changing;
     }
     if (call.function == "ADsOpenObject" || call.function == "MoveHere") {
         changing.name = call.function;
-        changing.value = call.failed ? ResultCode(call.result) : 0;
+        changing.value = call.failed ? call.code : 0;
         return changing;
     }
     if (call.function != "CreateProcessA") {
         return std::nullopt;
     }
-    changing.name = Argument(call, "command line");
-    changing.value = call.failed ? ResultCode(call.result) : 0;
+    changing.name = call.Argument("command line");
+    changing.value = call.failed ? call.code : 0;
     for (std::size_t next = position + 1; next < end; ++next) {
         if (calls[next].function == "CreateProcessA") {
             break;
         }
-        if (calls[next].function == "GetExitCodeProcess" && !calls[next].failed) {
-            changing.value = Number(Argument(calls[next], "code"));
+        if (calls[next].function == "GetExitCodeProcess") {
+            changing.value = calls[next].outcome.value_or(changing.value);
         }
     }
     return changing;

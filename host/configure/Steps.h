@@ -47,7 +47,10 @@ struct Failure {
     /// What the failing method, program or call gave, or else the status again.
     std::int64_t code = 0;
     std::string text;  ///< what the code means
-    std::string call;  ///< "RegOpenKeyExA: error 5", where the failing platform call is known
+    /// The failing platform call, where it is known: "RegOpenKeyExA HKEY_LOCAL_MACHINE\...: error
+    /// 5"
+    std::string call;
+    std::optional<std::uint32_t> adapter;  ///< the WMI index of the adapter that the call concerns
 };
 
 struct Story {

@@ -129,6 +129,7 @@ BOOL ServeGetExitCodeProcess(Core& core, HANDLE process, LPDWORD code) {
     const BOOL result = call.RealBoolean(Real().GetExitCodeProcess(process, code));
     if (result != FALSE) {
         call.AddArgument("code", std::to_string(*code));
+        call.SetOutcome(*code);
     }
     return result;
 }

@@ -232,6 +232,7 @@ HRESULT Services::ExecMethod(BSTR path, BSTR method, LONG flags, IWbemContext* c
         forced ? *forced : called->run({Machine().state, parsed.key}, parameters);
     call.AddArgument(forced ? "ReturnValue (injected)" : "ReturnValue",
                      std::to_string(returnValue));
+    call.SetOutcome(returnValue);
     if (out != nullptr) {
         *out =
             MakeComObject<ClassObject>(

@@ -94,6 +94,8 @@ TEST_F(Report, FailuresNameTheirPlace) {
     const machine::State machine = OneAdapter();
     machine::State bare = machine;
     bare.adapters.clear();
+    machine::State unaddressed = machine;
+    unaddressed.adapters[0].ipAddress.reset();
     const std::string routes =
         "[NicEntry1]\nDescription=x\nDHCP=true\nDNS-Server-Count=0\nDNS-SuffixSearchOrder=a.b\n"
         "Static-Route-Count=2\nRoute0=10.1.0.0,255.255.0.0,10.0.0.9,,1,\n"
@@ -110,14 +112,26 @@ TEST_F(Report, FailuresNameTheirPlace) {
          "Failed: looking at the machine; nothing was executed\n"
          "  call: ConnectServer: 0x80041003",
          "code: -2147217405 (0x80041003), WMI: access denied"},
+        {"RegQueryValueExA=5", machine, kOffice,
+         "Failed: looking at the machine; nothing was executed\n"
+         "  call: RegQueryValueExA \"LocationInformation\" of "
+         "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Enum\\PCI\\",
+         ": error 5\n  adapter: PCI 3/0/0 \"Ethernet 2\" (index 7)\n  code: 0 (0x0)"},
+        {"", unaddressed, kOffice,
+         "  call: Get \"IPAddress\" of \"select IPAddress, IPSubnet from "
+         "Win32_NetworkAdapterConfiguration where Index=7\": null\n"
+         "  adapter: PCI 3/0/0 \"Ethernet 2\" (index 7)\n",
+         "the module failed: Invalid argument passed to attach()"},
         {"LoadLibraryA", machine, "[Networking]\nDomainUsername=eravbw\nComputerName=PC7\n",
          "Failed: reading the configuration; nothing was executed\n  call: LoadLibraryA", "126"},
         {"MoveFileA=5", machine, kOffice,
          "Failed: putting the file away; every command before it was executed\n"
          "  call: MoveFileA: FALSE, error 5",
          "code: 5 (0x5)"},
-        {"ExecMethod#1", machine, kOffice, "Failed: SetDns (adapter index 7)\n  call: ExecMethod",
-         "0x80041001"},
+        {"ExecMethod#1", machine, kOffice,
+         "Failed: SetDns (adapter index 7)\n  call: ExecMethod "
+         "Win32_NetworkAdapterConfiguration.Index=7.SetDNSServerSearchOrder: 0x80041001",
+         "  adapter: PCI 3/0/0"},
         {"SetDNSServerSearchOrder=91", machine, kOffice,
          "Failed: SetDns (adapter index 7)\n  call: SetDNSServerSearchOrder\n",
          "  code: 91 (0x5B), access denied\n  status code of the reply: 4 (0x4)\n"
