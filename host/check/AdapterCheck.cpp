@@ -126,9 +126,8 @@ void AdapterCheck::CheckNetworks(const LookUp& addresses, const LookUp& masks) {
 
 void AdapterCheck::CheckGateways(const LookUp& gateways) {
     CheckList(gateways, "the gateways", CheckGateway);
-    constexpr std::size_t kMostGateways = 5;
     const std::vector<std::string_view> items = util::SplitAt(gateways.Text(), ',');
-    if (items.size() > kMostGateways) {
+    if (items.size() > machine::model::kMostGateways) {
         Found().Error("gateway-count", OwnValueOf(gateways),
                       "more than 5 gateways: Windows refuses them");
     }

@@ -5,16 +5,11 @@
 #include <vector>
 
 #include "host/check/SectionCheck.h"
+#include "machine/model/Address.h"
 
 namespace host::check {
 
-/// A network that an adapter is given an address in; host byte order.
-struct Network {
-    std::uint32_t address;
-    std::uint32_t mask;
-
-    bool Contains(std::uint32_t other) const { return (address & mask) == (other & mask); }
-};
+using machine::model::Network;
 
 /// Checks the addresses, gateways, DNS servers and DNS suffixes of one adapter section.
 class AdapterCheck : private SectionCheck {

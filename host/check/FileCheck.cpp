@@ -10,6 +10,7 @@
 #include "host/check/NetworkingCheck.h"
 #include "host/check/RouteCheck.h"
 #include "host/check/StructureCheck.h"
+#include "machine/model/Address.h"
 #include "toolbox/config/ConfigurationKeys.h"
 
 namespace host::check {
@@ -172,7 +173,8 @@ void SettingsCheck::CheckRouteGateways() {
             [&route](const Network& network) { return network.Contains(route.gateway); });
         if (!reachable) {
             findings_.Warning("gateway-outside", route.place,
-                              "the route's gateway " + FormatAddress(route.gateway) +
+                              "the route's gateway " +
+                                  machine::model::FormatAddress(route.gateway) +
                                   " is in none of the networks that the file sets: the route "
                                   "program refuses it unless another adapter reaches it");
         }

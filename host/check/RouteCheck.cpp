@@ -5,6 +5,7 @@
 
 #include "common/config/Event.h"
 #include "common/util/Strings.h"
+#include "machine/model/Address.h"
 #include "toolbox/config/ConfigurationKeys.h"
 
 namespace host::check {
@@ -125,7 +126,7 @@ std::optional<RouteWish> RouteCheck::CheckRoute(const LookUp& route, Findings& f
     }
     const RouteWish wish{*ReadAddress(fields.sent[0]), *ReadAddress(fields.sent[1]),
                          *ReadAddress(fields.sent[2]), OwnValueOf(route)};
-    if ((wish.destination & ~wish.mask) != 0) {
+    if (machine::model::HasBitsOutside(wish.destination, wish.mask)) {
         findings.Error("route-bits", placeOf(fields.sent[0]),
                        Quoted(fields.sent[0]) + " has bits outside the mask " +
                            Quoted(fields.sent[1]) + ": the route program refuses it");
@@ -166,7 +167,7 @@ void RouteCheck::CheckCompleteness(const Fields& fields, const Place& place, Fin
 
 void RouteCheck::CheckMetric(std::string_view metric, const Place& place, Findings& findings) {
     const std::int32_t number = util::StringToInt(metric);
-    if (number < 1 || number > 9999) {
+    if (number < machine::model::kLeastMetric || number > machine::model::kMostMetric) {
         findings.Error("bad-metric", place,
                        Quoted(metric) + " is read as the metric " + std::to_string(number) +
                            ": the route program takes 1 to 9999");

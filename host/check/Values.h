@@ -30,7 +30,6 @@ enum class AddressRole {
 /// The address that the module makes of a text, in host byte order: 255.255.255.255 of a text that
 /// is none, nothing of one that it would look up as a host name.
 std::optional<std::uint32_t> ReadAddress(std::string_view text);
-std::string FormatAddress(std::uint32_t address);
 
 /// Whether the text is the number that the module reads from it, with nothing before or behind.
 bool IsWholeNumber(std::string_view text);

@@ -40,4 +40,21 @@ bool IsMask(std::uint32_t mask) {
     return (hostBits & (hostBits + 1)) == 0;
 }
 
+bool IsAdapterMask(std::uint32_t mask) {
+    return mask != 0 && IsMask(mask);
+}
+
+bool IsHost(std::uint32_t address) {
+    const std::uint32_t first = address >> 24;
+    return first != 0 && first != 127 && first < 224;
+}
+
+bool IsDnsServer(std::uint32_t address) {
+    return IsHost(address) || address >> 24 == 127;
+}
+
+bool HasBitsOutside(std::uint32_t destination, std::uint32_t mask) {
+    return (destination & ~mask) != 0;
+}
+
 }  // namespace machine::model

@@ -4,30 +4,14 @@
 
 #include "machine/Text.h"
 #include "machine/model/Directory.h"
+#include "machine/model/Names.h"
 
 namespace machine::model {
 namespace {
 
-constexpr std::size_t longestNetBiosName = 15;
-
 // The membership that the machine will have: joins and leaves that wait for a restart count.
 const Membership& ComingMembership(const State& state) {
     return state.pendingMembership ? *state.pendingMembership : state.membership;
-}
-
-bool IsNetBiosName(const std::string& name) {
-    return !name.empty() && name.size() <= longestNetBiosName &&
-           name.find_first_of("\"/\\[]:|<>+=;,?*") == std::string::npos;
-}
-
-bool IsHostName(const std::string& name) {
-    const auto isAllowed = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-               c == '-';
-    };
-    const bool onlyDigits = name.find_first_not_of("0123456789") == std::string::npos;
-    return !name.empty() && name.size() <= 63 && !onlyDigits && name.front() != '-' &&
-           name.back() != '-' && std::ranges::all_of(name, isAllowed);
 }
 
 // Whether the account may change computer accounts of the domain.
@@ -75,7 +59,7 @@ std::uint32_t JoinWorkgroup(State& state, const std::string& name) {
 }  // namespace
 
 std::string NetBiosName(std::string_view hostName) {
-    std::string name(hostName.substr(0, longestNetBiosName));
+    std::string name(hostName.substr(0, kLongestNetBiosName));
     for (char& c : name) {
         if (c >= 'a' && c <= 'z') {
             c = static_cast<char>(c - 'a' + 'A');

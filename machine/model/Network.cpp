@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "machine/model/Address.h"
+#include "machine/model/Names.h"
 #include "machine/model/RegistryView.h"
 
 namespace machine::model {
@@ -12,20 +13,12 @@ std::optional<TextList> NullWhenEmpty(const TextList& list) {
     return list.empty() ? std::nullopt : std::optional(list);
 }
 
-bool IsHostAddress(const std::string& text) {
-    const auto address = ParseAddress(text);
-    const std::uint32_t first = address.value_or(0) >> 24;
-    return first != 0 && first != 127 && first < 224;
-}
-
-// A machine may ask itself: domain controllers do.
-bool IsDnsServer(const std::string& text) {
-    return IsHostAddress(text) || ParseAddress(text).value_or(0) >> 24 == 127;
-}
-
-bool IsSuffix(const std::string& suffix) {
-    return !suffix.empty() && suffix.size() <= 255 &&
-           suffix.find_first_of(" \t,\\/:*?\"<>|") == std::string::npos;
+// Whether every text is an address of that kind.
+bool AreAll(const TextList& texts, bool (*isKind)(std::uint32_t)) {
+    return std::ranges::all_of(texts, [isKind](const std::string& text) {
+        const auto address = ParseAddress(text);
+        return address && isKind(*address);
+    });
 }
 
 // A gateway must be a host that one of the adapter's own networks reaches directly.
@@ -37,7 +30,7 @@ bool IsReachable(const Adapter& adapter, std::uint32_t gateway) {
     for (std::size_t i = 0; i < count; ++i) {
         const auto address = ParseAddress((*adapter.ipAddress)[i]);
         const auto mask = ParseAddress((*adapter.ipSubnet)[i]);
-        if (address && mask && (*address & *mask) == (gateway & *mask)) {
+        if (address && mask && Network{*address, *mask}.Contains(gateway)) {
             return true;
         }
     }
@@ -80,14 +73,11 @@ std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const Te
     if (addresses.empty() || addresses.size() != masks.size()) {
         return InvalidInput;
     }
-    if (!std::ranges::all_of(addresses, IsHostAddress)) {
+    if (!AreAll(addresses, IsHost)) {
         return InvalidIpAddress;
     }
-    for (const std::string& text : masks) {
-        const auto mask = ParseAddress(text);
-        if (!mask || *mask == 0 || !IsMask(*mask)) {
-            return InvalidSubnetMask;
-        }
+    if (!AreAll(masks, IsAdapterMask)) {
+        return InvalidSubnetMask;
     }
     if (adapter.dhcpEnabled.value_or(false)) {
         // What the lease brought goes with it.
@@ -105,7 +95,7 @@ std::uint32_t SetGateways(Adapter& adapter, const TextList& gateways) {
     if (!adapter.ipEnabled) {
         return IpNotEnabled;
     }
-    if (gateways.size() > 5) {
+    if (gateways.size() > kMostGateways) {
         return TooManyGateways;
     }
     for (const std::string& text : gateways) {
@@ -113,7 +103,7 @@ std::uint32_t SetGateways(Adapter& adapter, const TextList& gateways) {
         if (!gateway) {
             return InvalidIpAddress;
         }
-        if (!IsHostAddress(text) || !IsReachable(adapter, *gateway)) {
+        if (!IsHost(*gateway) || !IsReachable(adapter, *gateway)) {
             return InvalidGateway;
         }
     }
@@ -129,7 +119,7 @@ std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& serv
     if (!adapter.ipEnabled) {
         return IpNotEnabled;
     }
-    if (!std::ranges::all_of(servers, IsDnsServer)) {
+    if (!AreAll(servers, IsDnsServer)) {
         return InvalidIpAddress;
     }
     adapter.staticDns = servers;

@@ -50,9 +50,8 @@ RouteOutcome Add(const std::vector<std::string>& arguments,
             route.mask = arguments[i];
             continue;
         }
-        // The range that Windows documents.
         const auto metric = ParseNumber(arguments[i]);
-        if (!metric || *metric < 1 || *metric > 9999) {
+        if (!metric || *metric < model::kLeastMetric || *metric > model::kMostMetric) {
             return Fail("route: bad argument " + arguments[i]);
         }
         route.metric = *metric;
@@ -66,7 +65,7 @@ RouteOutcome Add(const std::vector<std::string>& arguments,
     if (!destination || !gateway) {
         return Fail("route: bad gateway address " + (destination ? places[1] : places[0]));
     }
-    if (!mask || !model::IsMask(*mask) || (*destination & ~*mask) != 0) {
+    if (!mask || !model::IsMask(*mask) || model::HasBitsOutside(*destination, *mask)) {
         return Fail("The route addition failed: The parameter is incorrect.");
     }
     route.destination = model::FormatAddress(*destination);

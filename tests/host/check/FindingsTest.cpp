@@ -210,8 +210,10 @@ TEST(CheckFindings, Addressing) {
              Static("0.0.0.5,127.0.0.1,224.0.0.1", "255.0.0.0,255.0.0.0,255.0.0.0", "10.0.0.1")),
          "E 4:9 bad-address, E 4:17 bad-address, E 4:27 bad-address"},
         {"addresses in other notations",
-         Adapter(Static("10.1,010.0.0.1,0xA000002", "255.0.0.0,255.0.0.0,255.0.0.0", "10.0.0.1")),
-         "W 4:9 odd-address, W 4:14 odd-address, W 4:24 odd-address"},
+         Adapter(Static("10.1,010.0.0.1,0xA000002,10.0.0.7 ",
+                        "255.0.0.0,255.0.0.0,255.0.0.0 ,255.0.0.0", "10.0.0.1 x,10.0.0.2")),
+         "W 4:9 odd-address, W 4:14 odd-address, W 4:24 odd-address, W 5:29 odd-address, "
+         "W 6:9 odd-address"},
         {"a gateway outside", Adapter(Static("10.0.0.5", "255.255.255.0", "10.0.0.1,10.0.1.1")),
          "E 6:18 gateway-outside"},
         {"too many gateways",
