@@ -53,7 +53,6 @@ public:
     ArrayOwner(const ArrayOwner&) = delete;
     ArrayOwner& operator=(const ArrayOwner&) = delete;
 
-    SAFEARRAY* Get() const noexcept { return array_; }
     SAFEARRAY* Release() noexcept { return std::exchange(array_, nullptr); }
 
     /// Copies the text in.
