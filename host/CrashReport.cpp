@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "host/ExitCode.h"
+#include "host/Terminal.h"
 
 namespace host {
 
@@ -14,6 +15,7 @@ namespace {
 
 [[noreturn]] void Die(const char* what, unsigned long code) {
     std::fprintf(stderr, "toolbox-host: crashed: %s 0x%08lX\n", what, code);
+    TellTheEnd();
     std::_Exit(kFailure);
 }
 

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 #include <string_view>
 
 #include "common/lang/Handle.h"
@@ -23,12 +24,23 @@ std::string_view Variable(const char* name) {
     return value == nullptr ? std::string_view() : value;
 }
 
-/// A file in the folder of "./run", whatever characters its path has; empty without the folder.
-std::wstring InRunFolder(const wchar_t* name) {
-    wchar_t folder[MAX_PATH] = L"";
-    const DWORD length = GetEnvironmentVariableW(L"TOOLBOX_RUN", folder, MAX_PATH);
-    return length == 0 || length >= MAX_PATH ? std::wstring() : std::wstring(folder) + L"\\" + name;
-}
+/// The path of a file in the folder of "./run", whatever characters that has; empty without the
+/// folder. Needs no memory: a program that crashes asks for it too.
+struct PathInRunFolder {
+    explicit PathInRunFolder(const wchar_t* name) {
+        constexpr DWORD kRoom = MAX_PATH - 16;
+        const DWORD length = GetEnvironmentVariableW(L"TOOLBOX_RUN", text, kRoom);
+        if (length == 0 || length >= kRoom) {
+            *text = L'\0';
+        } else {
+            std::swprintf(text + length, MAX_PATH - length, L"\\%ls", name);
+        }
+    }
+
+    explicit operator bool() const noexcept { return *text != L'\0'; }
+
+    wchar_t text[MAX_PATH] = L"";
+};
 
 bool IsUnderWine() {
     return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
@@ -67,11 +79,11 @@ Destination WhereItLeads(DWORD standardHandle, std::string_view name) {
 }  // namespace
 
 void TakeStandardError() {
-    const std::wstring pipe = InRunFolder(L"notes");
-    if (pipe.empty()) {
+    const PathInRunFolder pipe(L"notes");
+    if (!pipe) {
         return;
     }
-    FileHandle notes(CreateFileW(pipe.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+    FileHandle notes(CreateFileW(pipe.text, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     const int opened =
         notes ? _open_osfhandle(reinterpret_cast<std::intptr_t>(notes.Release()), _O_BINARY)
@@ -96,9 +108,8 @@ std::string RunFolder() {
 }
 
 void TellTheEnd() {
-    const std::wstring mark = InRunFolder(L"ended");
-    if (!mark.empty()) {
-        const FileHandle made(CreateFileW(mark.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+    if (const PathInRunFolder mark(L"ended"); mark) {
+        const FileHandle made(CreateFileW(mark.text, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                           FILE_ATTRIBUTE_NORMAL, nullptr));
     }
 }

@@ -4,7 +4,7 @@
 //
 //   TOOLBOX_RUN       its folder, as a Windows path. Temporary files go there; a pipe "notes" in it
 //                     leads to standard error, and where there is none both streams are one; and
-//                     the program makes the file "ended" in it when it has done all that it had to
+//                     the program makes the file "ended" in it at its own end
 //   TOOLBOX_TERMINAL  which streams lead to the terminal: "data", "notes", both or none
 //   TOOLBOX_COLUMNS   how wide it is
 #pragma once
@@ -26,7 +26,8 @@ Destination WhereErrorsLead();
 /// one.
 std::string RunFolder();
 
-/// Tells "./run" that the program ends by itself. Wine says 0 of a program that was ended.
+/// Tells "./run" that the program ends by itself and has said why, if something went wrong: Wine
+/// says 0 of a program that was ended.
 void TellTheEnd();
 
 }  // namespace host

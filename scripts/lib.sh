@@ -7,6 +7,10 @@ build=$root/build
 # that of ./run either.
 export WINEPREFIX="${TOOLBOX_WINEPREFIX:-$build/${wine_folder:-wine}}"
 export WINEDEBUG="${WINEDEBUG:--all}"
+# Wine looks for its server in the temporary folder: two callers with folders of their own would get
+# two servers for one prefix.
+temporary=${TMPDIR:-/tmp}
+unset TMPDIR
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -25,24 +29,25 @@ step() {
     fi
 }
 
-# configure PRESET [-DNAME=VALUE...]: only when something has to change.
+# configure PRESET [-DNAME=VALUE...]: only when something has to change. Callers that come together
+# do it one after the other.
 configure() {
     configure_preset=$1
     shift
     set -- -DTOOLBOX_UNITY=ON "$@"
     configure_needed=
+    exec 8>"$build/$configure_preset.lock" && flock 8
     [ -f "$build/$configure_preset/build.ninja" ] || configure_needed=yes
     for definition in "$@"; do
         grep -qsF -- "$(printf '%s' "${definition#-D}" | sed 's/=/:BOOL=/')" \
             "$build/$configure_preset/CMakeCache.txt" || configure_needed=yes
     done
-    [ -n "$configure_needed" ] || return 0
-    step "$build/configure-$configure_preset.log" \
-        cmake -S "$root" --preset "$configure_preset" "$@"
+    [ -z "$configure_needed" ] || step "$build/configure-$configure_preset.log" \
+        cmake -S "$root" --preset "$configure_preset" "$@" 8>&-
+    exec 8>&-
 }
 
-# compile PRESET [TARGET...]: brings the build up to date; callers that come together do so one after
-# the other.
+# compile PRESET [TARGET...]: brings the build up to date, one caller after the other.
 compile() {
     compile_preset=$1
     shift

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/ExitCode.h"
+#include "host/Files.h"
 #include "host/Text.h"
 #include "host/check/FileCheck.h"
 #include "host/reading/Secrets.h"
@@ -100,6 +101,7 @@ void DescribeFinding(const Finding& finding, const std::string& line, Output& ou
 }
 
 int Check(const CheckArguments& arguments, Output& output) {
+    static_cast<void>(ReadWholeFile(arguments.file));  // says why where it cannot be read
     const CheckedFile checked = CheckFile(arguments.file);
     const Findings& findings = checked.findings;
     output.Document() = {{"file", ToUtf8(arguments.file)},
@@ -137,7 +139,8 @@ void AddCheckCommand(CLI::App& app, Action& action) {
     const auto arguments = std::make_shared<CheckArguments>();
     check->add_option("file", arguments->file, "The configuration file")
         ->required()
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(NotEmpty());
     check->add_flag("--strict", arguments->strict, "Take warnings for errors");
     check->callback([&action, arguments] {
         action = [arguments](Output& output) { return Check(*arguments, output); };

@@ -17,6 +17,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 const std::string kGood = "[Networking]\nComputerName=PC-1\n";
 const std::string kWarning = "[Networking]\nComputerName=PC-1\nColour=red\n";
@@ -33,7 +34,9 @@ TEST(CheckCommand, TheExitCodeIsTheVerdict) {
         EXPECT_EQ(json.exitCode, strict) << text;
         EXPECT_EQ(Json::parse(json.data)["accepted"], strict == 0);
     }
-    EXPECT_EQ(RunHost({"check", "no-such-file.ini"}).exitCode, 65U);
+    const Outcome missing = RunHost({"check", "no-such-file.ini"});
+    EXPECT_EQ(missing.exitCode, 65U);
+    EXPECT_THAT(missing.notes, StartsWith("toolbox-host: cannot read no-such-file.ini: "));
     EXPECT_EQ(RunHost({"check"}).exitCode, 64U);
 }
 
