@@ -1,7 +1,7 @@
 // Whole programs: a plan by toolbox-host beside netplan's making of files from the equal network
 // description. Leaves machines and configurations of several sizes in the folder.
 //
-//     program_bench FOLDER toolbox-host.exe
+//     program_bench FOLDER toolbox-host.exe ./run
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -86,7 +86,17 @@ void Describe(int adapters) {
     Write(name + "/etc/netplan/network.yaml", plan);
 }
 
-void Measure(const std::string& host) {
+void Measure(const std::string& host, const std::string& run) {
+    bench::Compare("./run, with nothing to build",
+                   {{"./run --help",
+                     [&] {
+                         Run({run, "--help"}, 0);
+                     }},
+                    {"toolbox-host --help",
+                     [&] {
+                         Run({"wine", host, "--help"}, 0);
+                     }}},
+                   1);
     for (const int adapters : {1, 8, 64}) {
         Describe(adapters);
         const std::string name = std::to_string(adapters);
@@ -118,13 +128,14 @@ void Measure(const std::string& host) {
 
 int main(int argc, char** argv) {
     try {
-        if (argc != 3) {
-            throw std::runtime_error("usage: program_bench FOLDER toolbox-host.exe");
+        if (argc != 4) {
+            throw std::runtime_error("usage: program_bench FOLDER toolbox-host.exe ./run");
         }
         const std::string host = fs::absolute(argv[2]).string();
+        const std::string run = fs::absolute(argv[3]).string();
         fs::create_directories(argv[1]);
         fs::current_path(argv[1]);
-        Measure(host);
+        Measure(host, run);
         return 0;
     } catch (const std::exception& error) {
         std::printf("%s\n", error.what());
