@@ -64,7 +64,7 @@ TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
 }
 
 TEST_F(CommandLine, DataAndTheRestGoTheirOwnWays) {
-    const Outcome outcome = Configure({rename_, "--log"});
+    const Outcome outcome = host_tests::StartHost({"configure", rename_, "--log"});
     EXPECT_THAT(outcome.data, HasSubstr("Reply: Result=Reboot"));
     EXPECT_THAT(outcome.data, Not(HasSubstr("HandleMessage")));
     EXPECT_THAT(outcome.notes, HasSubstr("[1] Configure::HandleMessage\n"));

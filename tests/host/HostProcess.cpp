@@ -5,10 +5,11 @@
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
-#include <utility>
 
+#include "host/CommandLine.h"
 #include "host/Module.h"
 #include "host/Text.h"
+#include "host/TextStream.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace host_tests {
@@ -20,21 +21,37 @@ struct HandleCloser {
 };
 using Handle = std::unique_ptr<void, HandleCloser>;
 
-/// A file that a program inherits to print to. No pipe: what the program starts of the system's
-/// services keeps what it inherits, and the end of a pipe would never come.
-Handle OpenInherited(const std::filesystem::path& file) {
-    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-    return Handle(CreateFileA(file.string().c_str(), GENERIC_WRITE,
-                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inherited,
-                              CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-}
+/// A file that a program prints to, and may inherit. No pipe: what the program starts of the
+/// system's services keeps what it inherits, and the end of a pipe would never come.
+class Printed {
+public:
+    explicit Printed(const std::string& name)
+        : file_(std::filesystem::temp_directory_path() / (name + Own())) {
+        SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+        handle_.reset(CreateFileA(file_.string().c_str(), GENERIC_WRITE,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                  &inherited, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
 
-std::string Take(Handle opened, const std::filesystem::path& file) {
-    opened.reset();
-    const std::string text = support::ReadFile(file);
-    std::filesystem::remove(file);
-    return text;
-}
+    HANDLE Get() const { return handle_.get(); }
+
+    std::string Take() {
+        handle_.reset();
+        std::string text = support::ReadFile(file_);
+        std::filesystem::remove(file_);
+        return text;
+    }
+
+private:
+    /// The file of a run that left a service behind cannot be made again.
+    static std::string Own() {
+        static int count = 0;
+        return std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
+    }
+
+    std::filesystem::path file_;
+    Handle handle_;
+};
 
 /// As the C run-time library takes a command line apart.
 std::string Quoted(const std::string& argument) {
@@ -57,21 +74,33 @@ std::string BesideProgram(const std::string& name) {
 }
 
 Outcome RunHost(const std::vector<std::string>& arguments) {
+    std::vector<const char*> words = {"toolbox-host"};
+    for (const std::string& argument : arguments) {
+        words.push_back(argument.c_str());
+    }
+    Printed data("data-");
+    Printed notes("notes-");
+    int exitCode = 0;
+    {
+        host::TextStream dataStream(data.Get(), {});
+        host::TextStream notesStream(notes.Get(), {});
+        exitCode = host::Run(static_cast<int>(words.size()), words.data(), dataStream, notesStream);
+    }
+    return {static_cast<unsigned long>(exitCode), data.Take(), notes.Take()};
+}
+
+Outcome StartHost(const std::vector<std::string>& arguments) {
     std::string commandLine = Quoted(BesideProgram("toolbox-host.exe"));
     for (const std::string& argument : arguments) {
         commandLine += " " + Quoted(argument);
     }
-    const auto files = std::filesystem::temp_directory_path();
-    // The file of a run that left a service behind cannot be made again.
-    static int count = 0;
-    const std::string own = std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count);
-    Handle data = OpenInherited(files / ("data-" + own));
-    Handle notes = OpenInherited(files / ("notes-" + own));
+    Printed data("data-");
+    Printed notes("notes-");
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = data.get();
-    startup.hStdError = notes.get();
+    startup.hStdOutput = data.Get();
+    startup.hStdError = notes.Get();
     PROCESS_INFORMATION program{};
     // Two starts at once make Wine fail one of them now and then.
     bool started = false;
@@ -91,8 +120,7 @@ Outcome RunHost(const std::vector<std::string>& arguments) {
     WaitForSingleObject(process.get(), INFINITE);
     unsigned long exitCode = 0;
     GetExitCodeProcess(process.get(), &exitCode);
-    return {exitCode, Take(std::move(data), files / ("data-" + own)),
-            Take(std::move(notes), files / ("notes-" + own))};
+    return {exitCode, data.Take(), notes.Take()};
 }
 
 }  // namespace host_tests

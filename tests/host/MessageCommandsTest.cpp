@@ -13,6 +13,7 @@ namespace {
 using host_tests::BesideProgram;
 using host_tests::Outcome;
 using host_tests::RunHost;
+using host_tests::StartHost;
 using Json = nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -25,10 +26,11 @@ Json Parsed(const Outcome& outcome) {
 }
 
 /// Sends to the module that misbehaves.
-Outcome SendOdd(const std::vector<std::string>& words) {
+Outcome SendOdd(const std::vector<std::string>& words,
+                Outcome (&run)(const std::vector<std::string>&) = RunHost) {
     std::vector<std::string> arguments = {"--module", BesideProgram("odd_module.dll"), "send"};
     arguments.insert(arguments.end(), words.begin(), words.end());
-    return RunHost(arguments);
+    return run(arguments);
 }
 
 TEST(MessageCommands, WrongUsageSaysWhatIsWrong) {
@@ -132,14 +134,14 @@ TEST(MessageCommands, AModuleThatFailsEndsTheProgramInOrder) {
         EXPECT_FALSE(document.contains("result"));
     }
     for (const char* const name : {"abort", "crash"}) {
-        const Outcome outcome = SendOdd({"k", name});
+        const Outcome outcome = SendOdd({"k", name}, StartHost);
         EXPECT_EQ(outcome.exitCode, 1U) << name;
         EXPECT_THAT(outcome.notes, HasSubstr("toolbox-host: crashed: "));
     }
 }
 
 TEST(MessageCommands, TextsOfAnyBytesBecomeLinesAndJson) {
-    const Outcome text = SendOdd({"100%s", "fields", "field=-7"});
+    const Outcome text = SendOdd({"100%s", "fields", "field=-7"}, StartHost);
     EXPECT_EQ(text.exitCode, 0U);
     EXPECT_THAT(text.data, StartsWith("Reply: two\nRaw: "));
     EXPECT_THAT(text.data, HasSubstr("\nControls: a\\x0Ab\\x1B[2Jc\\x7F\n: \nNumber: "
