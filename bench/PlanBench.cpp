@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -14,7 +15,8 @@
 #include "common/config/Event.h"
 #include "common/config/command/SetStaticRoute.h"
 #include "common/sys/NicDiscovery.h"
-#include "tests/native/FakeMachine.h"
+#include "machine/native/Machine.h"
+#include "tests/native/Machines.h"
 
 namespace {
 
@@ -67,44 +69,56 @@ Events Routes(int count) {
     return events;
 }
 
+/// The time of each round without what the simulated machine took of it.
+template <class Round>
+void Measure(benchmark::State& state, Round round) {
+    using Seconds = std::chrono::duration<double>;
+    native::Machine& machine = native::TheMachine();
+    for (auto unused : state) {
+        machine.trace.Clear();
+        machine.timeInCalls = {};
+        const auto started = std::chrono::steady_clock::now();
+        round();
+        const auto took = std::chrono::steady_clock::now() - started - machine.timeInCalls;
+        state.SetIterationTime(Seconds(took).count());
+    }
+}
+
 void EventsToCommands(benchmark::State& state, Events (*make)(int), int count) {
     const Events events = make(count);
-    fake::TheMachine().routes.clear();
+    native::TheMachine().state.routes.clear();
     NullLog log;
-    for (auto round : state) {
+    Measure(state, [&] {
         config::ConfigBuilder builder(log);
         for (const Sent& event : events) {
             builder.ConfigEvent(event.kind, event.type, event.value);
         }
         config::Analyze(builder);
         benchmark::DoNotOptimize(builder.Commands().size());
-        fake::TheMachine().queries.clear();
-    }
+    });
 }
 
 /// As many routes on the machine as are wanted, in no order; half of them are the same.
 void CompareRoutes(benchmark::State& state, int count) {
     std::vector<ipc::RouteKey> wanted;
-    std::vector<sys::RouteRecord> present;
+    std::vector<machine::PersistedRoute> present;
     for (int i = 0; i < count; ++i) {
-        const ipc::IPv4Address destination(Address(i));
         const ipc::IPv4Address mask("255.255.255.0");
         const ipc::IPv4Address gateway("10.0.0.1");
-        wanted.push_back({destination, mask, gateway, 1});
-        present.push_back({destination, mask, gateway, static_cast<std::uint32_t>(1 + i % 2)});
+        wanted.push_back({ipc::IPv4Address(Address(i)), mask, gateway, 1});
+        present.push_back({Address(i), "255.255.255.0", "10.0.0.1", 1 + i % 2});
     }
     std::mt19937 random(1);
     std::shuffle(wanted.begin(), wanted.end(), random);
     std::shuffle(present.begin(), present.end(), random);
-    fake::TheMachine().routes = present;
-    for (auto round : state) {
+    native::TheMachine().state.routes = present;
+    Measure(state, [&] {
         config::command::SetStaticRoute command;
         for (const ipc::RouteKey& route : wanted) {
             command.AddRoute(route);
         }
         benchmark::DoNotOptimize(command.IsNeeded());
-        fake::TheMachine().queries.clear();
-    }
+    });
 }
 
 template <class Function, class... Arguments>
@@ -114,12 +128,12 @@ void Register(const std::string& group, const char* item, int count, Function fu
     benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
         function(state, arguments..., count);
         state.counters["items"] = count;
-    });
+    })->UseManualTime();
 }
 
 [[maybe_unused]] const bool registered = [] {
     for (std::uint32_t i = 0; i < 64; ++i) {
-        fake::TheMachine().adapters.push_back(fake::PciAdapter(i, static_cast<int>(i)));
+        native::TheMachine().state.adapters.push_back(native::PciAdapter(i, static_cast<int>(i)));
     }
     sys::getNicList();
     for (const int count : {1, 8, 64}) {

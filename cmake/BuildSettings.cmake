@@ -44,8 +44,10 @@ elseif(TOOLBOX_SANITIZE)
     target_compile_definitions(build_settings INTERFACE _GLIBCXX_ASSERTIONS)
     target_link_options(build_settings INTERFACE -fsanitize=address,undefined)
     if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
-        # Lets the fuzzers see which way an input took through the libraries.
-        target_compile_options(build_settings INTERFACE -fsanitize=fuzzer-no-link)
+        # Lets the fuzzers see which way an input took through the module, not through the machine
+        # that it works on.
+        target_compile_options(build_settings INTERFACE
+            $<$<NOT:$<BOOL:$<TARGET_PROPERTY:NOT_UNDER_TEST>>>:-fsanitize=fuzzer-no-link>)
     endif()
 endif()
 

@@ -1,5 +1,5 @@
 // Configuration text down to the command list and through a whole request, on a machine in memory,
-// once more with a failing call.
+// once more with a failing query.
 // A comment in the first line chooses the machine: m makes it a domain member, d puts its adapters
 // on DHCP, r gives it routes, c takes its cryptography library away, f lets its methods fail.
 #include <algorithm>
@@ -23,8 +23,9 @@
 #include "common/util/Strings.h"
 #include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
+#include "machine/native/Machine.h"
 #include "tests/native/CommandText.h"
-#include "tests/native/FakeMachine.h"
+#include "tests/native/Machines.h"
 #include "toolbox/config/ConfigurationFileEvents.h"
 #include "toolbox/config/HostInterface.h"
 #include "toolbox/config/IniFile.h"
@@ -46,31 +47,29 @@ using config::command::Sleep;
 constexpr std::int64_t kLargestCount = 2000;
 
 void SetUpMachine(const std::string& text) {
-    fake::Machine& machine = fake::Reset();
     const std::string flags = text.starts_with(';') ? text.substr(1, text.find('\n')) : "";
     const auto has = [&flags](char flag) { return flags.find(flag) != std::string::npos; };
-    machine.adapters = {fake::Adapter(), fake::PciAdapter(7, 2), fake::PciAdapter(9, 3)};
-    machine.adapters[0].index = 5;
-    machine.adapters[1].dhcpEnabled = machine.adapters[2].dhcpEnabled = has('d');
-    machine.adapters[1].addresses = {"10.0.0.1"};
-    machine.adapters[1].gateways = {"10.0.0.254"};
-    machine.adapters[1].dnsServers = {"10.0.0.53"};
-    machine.adapters[1].dnsSuffixes = {"corp.example"};
-    machine.hostNames = {{"host", "10.0.0.7"}, {"nowhere", ""}};
-    machine.hasCryptoLibrary = !has('c');
+    machine::State state = native::FourAdapters();
+    machine::Adapter& first = state.adapters[1];
+    first.dhcpEnabled = state.adapters[2].dhcpEnabled = has('d');
+    first.ipAddress = machine::TextList{"10.0.0.1"};
+    first.gateways = machine::TextList{"10.0.0.254"};
+    first.dnsServers = machine::TextList{"10.0.0.53"};
+    state.dnsSuffixes = {"corp.example"};
+    state.hosts = {{"host", {"10.0.0.7"}}, {"nowhere", {}}};
+    if (has('c')) {
+        state.system.libCrypto = machine::CryptoLibrary::Absent;
+    }
     if (has('m')) {
-        machine.member = true;
-        machine.domain = "CORP";
-        machine.dnsDomain = "corp.example";
-        machine.unit = "East";
+        state.membership = machine::Membership::OfDomain("CORP", "corp.example");
+        state.domains[0].units[0].computers = {"PC1"};
     }
     if (has('r')) {
-        machine.routes = {fake::Route("0.0.0.0", "0.0.0.0", "10.0.0.254", 1),
-                          fake::Route("10.0.0.0", "255.0.0.0", "10.0.0.9", 5)};
+        state.routes = {{"0.0.0.0", "0.0.0.0", "10.0.0.254", 1},
+                        {"10.0.0.0", "255.0.0.0", "10.0.0.9", 5}};
     }
-    if (has('f')) {
-        machine.returns = {{"enableDhcp", 84}, {"setGateways", 2}, {"renameComputer", 5}};
-    }
+    native::Reset(std::move(state)).faults =
+        machine::FaultPlan::Parse(has('f') ? "EnableDHCP=84,SetGateways=2,Rename=5" : "");
 }
 
 bool TakesLong(IniFile& file) {
@@ -157,11 +156,11 @@ std::string ListOf(IniFile& file) {
         events.SuppressesReboot();
         events.SendSections();
         config::Analyze(builder);
-        REQUIRE(fake::TheMachine().changes.empty());
+        REQUIRE(native::ActionsOf(native::TheMachine().trace.Entries()).empty());
         RequireWellFormed(builder.Commands());
-        return fake::TextOf(builder.Commands());
+        return native::TextOf(builder.Commands());
     } catch (const err::CGeneralError&) {
-        return fake::ErrorText();
+        return native::ErrorText();
     }
 }
 
@@ -198,8 +197,13 @@ private:
     std::string path_;
 };
 
+void RequireProperEnd() {
+    REQUIRE(native::TheMachine().files.size() == 1);
+    REQUIRE(native::TheMachine().loadedLibraries == 0);
+}
+
 void RequireProperAnswer(const std::string& path) {
-    fake::Machine& machine = fake::TheMachine();
+    native::Machine& machine = native::TheMachine();
     machine.files = {path};
     Host host(path);
     REQUIRE(GetToolboxAPI()->DoMagic(&host, &host) == 1);
@@ -207,28 +211,18 @@ void RequireProperAnswer(const std::string& path) {
             host.reply == "Result=Failure Status-Module=Tovrune Status-Code=3 " ||
             host.reply.starts_with("Result=Failure Status-Module=Win32 Status-Code="));
     REQUIRE((host.reply == "Result=Reboot ") == machine.files.contains(path));
-    REQUIRE(machine.files.size() == 1);
-    REQUIRE(machine.heldPassword.empty());
-    REQUIRE(machine.loadedLibraries == 0);
+    RequireProperEnd();
 }
 
-/// The same where one call fails: the failure is answered, and nothing is held on to.
-void RequireProperEnd(const std::string& path, std::size_t failing) {
-    fake::Machine& machine = fake::TheMachine();
+/// The same where one query fails, which is answered.
+void RequireProperFailure(const std::string& path, std::size_t failing) {
+    native::Machine& machine = native::TheMachine();
     machine.files = {path};
-    std::size_t calls = 0;
-    machine.onEveryCall = [&calls, failing] {
-        if (++calls == failing) {
-            throw sys::CWmiError("failed", 1, 5, 0);
-        }
-    };
+    machine.faults = machine::FaultPlan::Parse("ExecQuery#" + std::to_string(failing));
     Host host(path);
     GetToolboxAPI()->DoMagic(&host, &host);
-    machine.onEveryCall = nullptr;
-    REQUIRE(calls < failing || host.reply.find("Result=Failure") != std::string::npos);
-    REQUIRE(machine.files.size() == 1);
-    REQUIRE(machine.heldPassword.empty());
-    REQUIRE(machine.loadedLibraries == 0);
+    REQUIRE(machine.faults.Fired() == 0 || host.reply.find("Result=Failure") != std::string::npos);
+    RequireProperEnd();
 }
 
 }  // namespace
@@ -248,8 +242,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     REQUIRE(ListOf(file) == list);
     SetUpMachine(text);
     RequireProperAnswer(memory.Path());
-    constexpr std::size_t kCalls = 64;
+    constexpr std::size_t kQueries = 16;
     SetUpMachine(text);
-    RequireProperEnd(memory.Path(), 1 + size % kCalls);
+    RequireProperFailure(memory.Path(), 1 + size % kQueries);
     return 0;
 }

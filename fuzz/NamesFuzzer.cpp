@@ -13,7 +13,7 @@
 #include "common/sys/Domain.h"
 #include "common/util/Strings.h"
 #include "fuzz/Require.h"
-#include "tests/native/FakeMachine.h"
+#include "machine/native/Machine.h"
 
 namespace {
 
@@ -122,7 +122,9 @@ void CheckAddress(const std::string& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fake::Reset().hostNames = {{"host", "10.0.0.1"}, {"nowhere", ""}};
+    machine::State state;
+    state.hosts = {{"host", {"10.0.0.1"}}, {"nowhere", {}}};
+    native::Reset(std::move(state));
     const std::vector<std::string> lines =
         Split(std::string(reinterpret_cast<const char*>(data), size), '\n');
     CheckNames(lines[0], lines.size() > 1 ? lines[1] : "");

@@ -1,78 +1,16 @@
 #include "common/sys/Domain.h"
 
-// In the order in which they need each other.
-#include <windows.h>
-
-#include <oleauto.h>
-
-#include <activeds.h>
-#include <lm.h>
-#include <ntsecapi.h>
-
-#define SECURITY_WIN32
-#include <security.h>
-
-#include <vector>
-
 #include "common/err/GeneralError.h"
-#include "common/lang/Handle.h"
-#include "common/sys/ComPointers.h"
+#include "common/sys/DomainSystem.h"
 #include "common/sys/WmiMethods.h"
 #include "common/sys/WmiQueries.h"
 #include "common/util/Strings.h"
-#include "common/util/WideText.h"
 
 namespace sys {
 
 namespace {
 
-struct LsaPolicyTraits {
-    using Type = LSA_HANDLE;
-    static Type None() noexcept { return nullptr; }
-    static void Close(Type handle) noexcept { LsaClose(handle); }
-};
-using LsaPolicy = lang::UniqueHandle<LsaPolicyTraits>;
-
-struct LsaBufferTraits {
-    using Type = void*;
-    static Type None() noexcept { return nullptr; }
-    static void Close(Type buffer) noexcept { LsaFreeMemory(buffer); }
-};
-using LsaBuffer = lang::UniqueHandle<LsaBufferTraits>;
-
-struct NetApiBufferTraits {
-    using Type = BYTE*;
-    static Type None() noexcept { return nullptr; }
-    static void Close(Type buffer) noexcept { NetApiBufferFree(buffer); }
-};
-using NetApiBuffer = lang::UniqueHandle<NetApiBufferTraits>;
-
-std::string Narrow(const LSA_UNICODE_STRING& text) {
-    return util::Narrow({text.Buffer, text.Length / sizeof(wchar_t)});
-}
-
 // Messages are searched for as they are: the blanks at their beginnings and ends belong to them.
-
-LsaPolicy OpenPolicy() {
-    LSA_OBJECT_ATTRIBUTES attributes{};
-    LsaPolicy policy;
-    const NTSTATUS status =
-        LsaOpenPolicy(nullptr, &attributes, POLICY_VIEW_LOCAL_INFORMATION, policy.Receive());
-    if (status != 0) {
-        throw DomainError(" - IsDomainMember returned error ", 73, status,
-                          static_cast<std::int32_t>(LsaNtStatusToWinError(status)));
-    }
-    return policy;
-}
-
-/// The policy's information of that class; none when the query fails, which is ignored.
-LsaBuffer QueryPolicy(const LsaPolicy& policy, POLICY_INFORMATION_CLASS informationClass) {
-    LsaBuffer buffer;
-    if (LsaQueryInformationPolicy(policy.Get(), informationClass, buffer.Receive()) != 0) {
-        buffer.Release();  // nothing was handed out
-    }
-    return buffer;
-}
 
 /// Throws unless a join or unjoin has worked: 0, or 1 where a restart completes it.
 void CheckJoinResult(std::uint32_t result, const char* message, std::int32_t category) {
@@ -81,19 +19,6 @@ void CheckJoinResult(std::uint32_t result, const char* message, std::int32_t cat
         throw DomainError(message, code < 0 ? 735 : 728, category, code);
     }
 }
-
-/// Erases its text when the scope ends.
-class SecretWideText {
-public:
-    explicit SecretWideText(const std::string& narrow) : text_(util::Widen(narrow)) {}
-    ~SecretWideText() { util::SecureErase(text_); }
-    SecretWideText(const SecretWideText&) = delete;
-    SecretWideText& operator=(const SecretWideText&) = delete;
-    const wchar_t* Get() const noexcept { return text_.c_str(); }
-
-private:
-    std::wstring text_;
-};
 
 constexpr const char* kLdap = "LDAP://";
 constexpr const char* kComputers = "CN=Computers";  // where a domain keeps computers by default
@@ -120,36 +45,6 @@ std::string DestinationPath(const std::string& unit, const std::string& unitDn) 
     return kLdap + name;
 }
 
-/// Moves the object. Returns the text of what failed, null when nothing did.
-const char* MoveObject(const std::string& source, const std::string& destination,
-                       const std::string& account, const std::string& password, HRESULT& result) {
-    const Bstr wideSource{std::string_view(source)};  // automation takes a BSTR
-    const std::wstring wideDestination = util::Widen(destination);
-    const std::wstring wideAccount = util::Widen(account);
-    const SecretWideText widePassword(password);
-
-    CoInitialize(nullptr);
-    const char* failure = nullptr;
-    {
-        ComPointer<IADsContainer> container;
-        result = ADsOpenObject(wideDestination.c_str(), wideAccount.c_str(), widePassword.Get(),
-                               ADS_SECURE_AUTHENTICATION, IID_IADsContainer,
-                               reinterpret_cast<void**>(container.Receive()));
-        if (FAILED(result)) {
-            failure = "Unable to bind to destination OU";
-        } else {
-            ComPointer<IDispatch> moved;
-            result = container->MoveHere(wideSource.Get(), nullptr, moved.Receive());
-            container.Reset();
-            if (FAILED(result)) {
-                failure = "Unable to locate computer at source OU";
-            }
-        }
-    }
-    CoUninitialize();
-    return failure;
-}
-
 }  // namespace
 
 Domain::~Domain() {
@@ -167,33 +62,8 @@ void Domain::ForgetPassword() noexcept {
 }
 
 bool Domain::IsDomainMember() {
-    if (skipRefresh_) {
-        return member_;
-    }
-    LsaPolicy policy = OpenPolicy();
-    if (const LsaBuffer buffer = QueryPolicy(policy, PolicyPrimaryDomainInformation)) {
-        const auto* const primary = static_cast<const POLICY_PRIMARY_DOMAIN_INFO*>(buffer.Get());
-        member_ = primary->Sid != nullptr;
-        if (member_) {
-            domain_ = Narrow(primary->Name);
-        }
-    }
-    if (const LsaBuffer buffer = QueryPolicy(policy, PolicyDnsDomainInformation)) {
-        const auto* const dns = static_cast<const POLICY_DNS_DOMAIN_INFO*>(buffer.Get());
-        if (dns->DnsDomainName.Length != 0) {
-            member_ = true;
-            dnsDomain_ = Narrow(dns->DnsDomainName);
-        }
-    }
-    if (!member_) {
-        NetApiBuffer workstation;
-        NetWkstaGetInfo(nullptr, 100, workstation.Receive());
-        if (!workstation) {
-            policy.Release();  // left open: one handle each time that the service is silent
-            return member_;
-        }
-        const auto* const info = reinterpret_cast<const WKSTA_INFO_100*>(workstation.Get());
-        workgroup_ = util::Narrow(reinterpret_cast<const wchar_t*>(info->wki100_langroup));
+    if (!skipRefresh_) {
+        readMembership({member_, domain_, dnsDomain_, workgroup_});
     }
     return member_;
 }
@@ -218,17 +88,7 @@ const std::string& Domain::GetOu(std::string& out, bool asDn) {
     }
     BuildCurrentAccount();
     ou_.clear();
-    ULONG size = 0;
-    GetComputerObjectNameA(NameFullyQualifiedDN, nullptr, &size);
-    if (size != 0) {
-        // The name is written one byte into the buffer: longer by that byte and by a terminator.
-        std::vector<char> buffer(std::size_t{size} + 2);
-        if (GetComputerObjectNameA(NameFullyQualifiedDN, buffer.data() + 1, &size) == 0) {
-            throw DomainError("GetOu() failed calling GetComputerObjectName()", 247, 0,
-                              static_cast<std::int32_t>(GetLastError()));
-        }
-        ExtractOuPath(buffer.data() + 1, ou_, asDn);
-    }
+    ExtractOuPath(readComputerObjectName(), ou_, asDn);
     out = ou_;
     return out;
 }
@@ -286,10 +146,10 @@ bool Domain::MoveOu(const std::string& destination) {
     std::string destinationDn;
     BuildDn(dnsDomain_, current, currentDn);
     BuildDn(dnsDomain_, destination, destinationDn);
-    HRESULT result = S_OK;
-    const char* const failure =
-        MoveObject(SourcePath(computer, current, currentDn),
-                   DestinationPath(destination, destinationDn), account_, password_, result);
+    std::int32_t result = 0;
+    const char* const failure = moveComputerObject(SourcePath(computer, current, currentDn),
+                                                   DestinationPath(destination, destinationDn),
+                                                   account_, password_, result);
     if (failure != nullptr) {
         throw DomainError(failure, 469, 1, result);
     }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "common/err/GeneralError.h"
+#include "common/sys/RegistryText.h"
 
 namespace sys {
 
@@ -148,6 +149,16 @@ void Registry::Close() {
         throw KeyError("Close() - RegCloseKey failed", 184, kCloseFailed);
     }
     open_ = false;
+}
+
+std::string readLocalMachineText(const std::string& subkey, const std::string& name) {
+    Registry key;
+    key.SetSubkey(subkey);
+    key.OpenForReading(0);
+    std::string value;
+    key.ReadString(name, value);
+    key.Close();
+    return value;
 }
 
 }  // namespace sys

@@ -1,11 +1,18 @@
 #include "common/sys/WmiConnection.h"
 
+#include "common/err/GeneralError.h"
 #include "common/sys/ComError.h"
+#include "common/sys/Wmi.h"
 #include "common/sys/WmiValues.h"
 
 namespace sys {
 
 namespace {
+
+/// The failure as an error, with the thread's last Windows error.
+CWmiError MakeWmiError(const WmiFailure& failure, HRESULT result) {
+    return {failure.message, failure.line, result, GetLastError()};
+}
 
 /// A step of the set-up ends it when its HRESULT is negative.
 bool Stops(HRESULT result) noexcept {
@@ -50,25 +57,63 @@ HRESULT ScopedWmiComInit::Connect() {
                              EOAC_NONE);
 }
 
-CWmiError MakeWmiError(const WmiFailure& failure, HRESULT result) {
-    return {failure.message, failure.line, result, GetLastError()};
-}
+namespace {
 
-void WmiRow::Read(const wchar_t* property, const std::function<void(const VARIANT&)>& convert) {
-    Variant value;
-    lastResult_ = object_.Get(property, 0, value.Receive(), nullptr, nullptr);
-    if (SUCCEEDED(lastResult_)) {
-        convert(value.Get());
+class ObjectRow final : public WmiRow {
+public:
+    explicit ObjectRow(IWbemClassObject& object) : object_(object) {}
+
+    bool ReadText(const wchar_t* property, std::string& text) override {
+        return Read(property, [&text](const VARIANT& value) {
+            text = TextOf(value);
+            return true;
+        });
     }
-}
+    bool ReadInteger(const wchar_t* property, std::uint32_t& integer) override {
+        return Read(property, [&integer](const VARIANT& value) {
+            integer = IntegerOf(value);
+            return true;
+        });
+    }
+    void ReadBoolean(const wchar_t* property, bool& flag) override {
+        Read(property, [&flag](const VARIANT& value) {
+            flag = BooleanOf(value);
+            return true;
+        });
+    }
+    void ReadTexts(const wchar_t* property, std::vector<std::string>& texts) override {
+        Read(property, [&texts](const VARIANT& value) {
+            for (std::string& text : TextsOf(value)) {
+                texts.push_back(std::move(text));
+            }
+            return true;
+        });
+    }
+    bool ReadFirstText(const wchar_t* property, std::string& text) override {
+        return Read(property, [&text](const VARIANT& value) {
+            // Attached as it is: null is no empty list here.
+            const SafeArrayView array(value);
+            if (array.Size() > 0) {
+                text = array.Text(0);
+            }
+            return array.Size() > 0;
+        });
+    }
 
-void WmiRow::ReadText(const wchar_t* property, std::string& text) {
-    Read(property, [&text](const VARIANT& value) { text = TextOf(value); });
-}
+    /// The HRESULT of the last read.
+    HRESULT LastResult() const noexcept { return lastResult_; }
 
-void WmiRow::ReadAddress(const wchar_t* property, ipc::IPv4Address& address) {
-    Read(property, [&address](const VARIANT& value) { address.Resolve(TextOf(value)); });
-}
+private:
+    /// What `convert` says of the property; false where it cannot be read.
+    bool Read(const wchar_t* property, const std::function<bool(const VARIANT&)>& convert) {
+        Variant value;
+        lastResult_ = object_.Get(property, 0, value.Receive(), nullptr, nullptr);
+        return SUCCEEDED(lastResult_) && convert(value.Get());
+    }
+
+    IWbemClassObject& object_;
+    HRESULT lastResult_ = S_OK;
+};
 
 Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
                   const std::string& text, WmiRows rows,
@@ -97,7 +142,7 @@ Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
         if (returned == 0 || !object) {
             return last;
         }
-        WmiRow row(*object.Get());
+        ObjectRow row(*object.Get());
         visit(row);
         last = row.LastResult();
         if (rows == WmiRows::kFirst) {
@@ -106,47 +151,42 @@ Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
     }
 }
 
-void WmiInParameters::Put(const wchar_t* name, Variant& value) {
-    const HRESULT result = object_.Put(name, 0, &value.Get(), 0);
-    if (FAILED(result)) {
-        throw MakeWmiError(failure_, result);
+class ObjectParameters final : public WmiInParameters {
+public:
+    ObjectParameters(IWbemClassObject& object, const WmiFailure& failure)
+        : object_(object), failure_(failure) {}
+
+    void PutText(const wchar_t* name, const std::string& text) override {
+        Variant value = Variant::FromText(text);
+        Put(name, value);
     }
-}
-
-void WmiInParameters::PutText(const wchar_t* name, const std::string& text) {
-    Variant value = Variant::FromText(text);
-    Put(name, value);
-}
-
-void WmiInParameters::PutSecret(const wchar_t* name, const std::string& text) {
-    struct ErasingVariant {
-        Variant value;
-        ~ErasingVariant() { value.EraseText(); }
-    } secret{Variant::FromText(text)};
-    Put(name, secret.value);
-}
-
-void WmiInParameters::PutInteger(const wchar_t* name, std::int32_t value) {
-    Variant integer = Variant::FromInteger(value);
-    Put(name, integer);
-}
-
-void WmiInParameters::PutTexts(const wchar_t* name, const std::vector<std::string>& texts) {
-    Variant value = Variant::FromTexts(texts);
-    Put(name, value);
-}
-
-void WmiInParameters::PutAddresses(const wchar_t* name,
-                                   const std::vector<ipc::IPv4Address>& addresses) {
-    std::vector<std::string> texts;
-    texts.reserve(addresses.size());
-    for (const ipc::IPv4Address& address : addresses) {
-        texts.push_back(address.ToString());
+    void PutSecret(const wchar_t* name, const std::string& text) override {
+        struct ErasingVariant {
+            Variant value;
+            ~ErasingVariant() { value.EraseText(); }
+        } secret{Variant::FromText(text)};
+        Put(name, secret.value);
     }
-    PutTexts(name, texts);
-}
+    void PutInteger(const wchar_t* name, std::int32_t value) override {
+        Variant integer = Variant::FromInteger(value);
+        Put(name, integer);
+    }
+    void PutTexts(const wchar_t* name, const std::vector<std::string>& texts) override {
+        Variant value = Variant::FromTexts(texts);
+        Put(name, value);
+    }
 
-namespace {
+private:
+    void Put(const wchar_t* name, Variant& value) {
+        const HRESULT result = object_.Put(name, 0, &value.Get(), 0);
+        if (FAILED(result)) {
+            throw MakeWmiError(failure_, result);
+        }
+    }
+
+    IWbemClassObject& object_;
+    const WmiFailure& failure_;
+};
 
 class MethodCall {
 public:
@@ -165,7 +205,7 @@ public:
             // A class that declares no in-parameters here is not the class this module knows.
             Check(inDefinition ? inDefinition->SpawnInstance(0, inParameters.Receive())
                                : static_cast<HRESULT>(WBEM_E_INVALID_METHOD_PARAMETERS));
-            WmiInParameters parameters(*inParameters.Get(), method_.failure);
+            ObjectParameters parameters(*inParameters.Get(), method_.failure);
             fill(parameters);
         }
         return Execute(objectPath, inParameters.Get());
@@ -194,8 +234,6 @@ private:
     const WmiMethod& method_;
 };
 
-}  // namespace
-
 std::uint32_t CallMethod(const ScopedWmiComInit& connection, const WmiMethod& method,
                          const std::string& objectPath,
                          const std::function<void(WmiInParameters&)>& fill) {
@@ -207,6 +245,36 @@ std::uint32_t CallMethod(const ScopedWmiComInit& connection, const WmiMethod& me
     } catch (const ComError& error) {
         throw MakeWmiError(method.failure, error.Result());
     }
+}
+
+}  // namespace
+
+Result RunWmiQuery(const WmiQuery& query, const std::string& text, WmiRows rows,
+                   const std::function<void(WmiRow&)>& visit) {
+    return ForEachRow(ScopedWmiComInit(), query, text, rows, visit);
+}
+
+std::uint32_t RunWmiMethod(const WmiMethod& method, const std::string& objectPath,
+                           const std::function<void(WmiInParameters&)>& fill) {
+    return CallMethod(ScopedWmiComInit(), method, objectPath, fill);
+}
+
+std::uint32_t RunComputerMethod(const WmiMethod& method,
+                                const std::function<void(WmiInParameters&)>& fill) {
+    const ScopedWmiComInit connection;
+    const WmiQuery query = {kComputerNameQuery, method.failure};
+    std::string name;
+    Result result = S_OK;
+    try {
+        result = ForEachRow(connection, query, query.text, WmiRows::kFirst,
+                            [&name](WmiRow& row) { row.ReadText(L"Name", name); });
+    } catch (const ComError& error) {
+        result = error.Result();
+    }
+    if (FAILED(result)) {
+        throw MakeWmiError(method.failure, result);
+    }
+    return CallMethod(connection, method, ComputerPath(name), fill);
 }
 
 }  // namespace sys

@@ -1,7 +1,6 @@
 #include "common/sys/WmiMethods.h"
 
-#include "common/sys/ComError.h"
-#include "common/sys/WmiConnection.h"
+#include "common/sys/Wmi.h"
 
 namespace sys {
 
@@ -11,30 +10,10 @@ namespace {
 constexpr const wchar_t* kAdapterClass = L"Win32_NetWorkAdapterConfiguration";
 constexpr const wchar_t* kComputerClass = L"Win32_ComputerSystem";
 
-using Fill = std::function<void(WmiInParameters&)>;
-
-std::uint32_t CallAdapter(const WmiMethod& method, std::uint32_t index, const Fill& fill) {
-    return CallMethod(ScopedWmiComInit(), method,
-                      "Win32_NetworkAdapterConfiguration.Index=" + std::to_string(index), fill);
-}
-
-/// The computer's object is named by its current name, asked for over the same connection. Failing
-/// to get it is the method's failure.
-std::uint32_t CallComputer(const WmiMethod& method, const Fill& fill) {
-    const ScopedWmiComInit connection;
-    const WmiQuery query = {"select Name from Win32_ComputerSystem", method.failure};
-    std::string name;
-    Result result = S_OK;
-    try {
-        result = ForEachRow(connection, query, query.text, WmiRows::kFirst,
-                            [&name](WmiRow& row) { row.ReadText(L"Name", name); });
-    } catch (const ComError& error) {
-        result = error.Result();
-    }
-    if (FAILED(result)) {
-        throw MakeWmiError(method.failure, result);
-    }
-    return CallMethod(connection, method, "Win32_ComputerSystem.Name=\"" + name + "\"", fill);
+std::uint32_t CallAdapter(const WmiMethod& method, std::uint32_t index,
+                          const std::function<void(WmiInParameters&)>& fill) {
+    return RunWmiMethod(method, "Win32_NetworkAdapterConfiguration.Index=" + std::to_string(index),
+                        fill);
 }
 
 }  // namespace
@@ -43,7 +22,7 @@ std::uint32_t renameComputer(const std::string& newName, const std::string& user
                              const std::string& password) {
     static constexpr WmiMethod kMethod = {
         kComputerClass, L"Rename", {"Wmi method failed to set computer name", 1219}};
-    return CallComputer(kMethod, [&](WmiInParameters& in) {
+    return RunComputerMethod(kMethod, [&](WmiInParameters& in) {
         in.PutText(L"Name", newName);
         in.PutText(L"UserName", userName);
         in.PutSecret(L"Password", password);
@@ -89,9 +68,9 @@ std::uint32_t setDnsSuffixSearchOrder(const std::vector<std::string>& suffixes) 
                                           L"SetDNSSuffixSearchOrder",
                                           {"Wmi method failed to configure DNS suffixes", 1680}};
     // A static method: the class itself is the object.
-    return CallMethod(
-        ScopedWmiComInit(), kMethod, "Win32_NetWorkAdapterConfiguration",
-        [&](WmiInParameters& in) { in.PutTexts(L"DNSDomainSuffixSearchOrder", suffixes); });
+    return RunWmiMethod(kMethod, "Win32_NetWorkAdapterConfiguration", [&](WmiInParameters& in) {
+        in.PutTexts(L"DNSDomainSuffixSearchOrder", suffixes);
+    });
 }
 
 std::uint32_t joinDomainOrWorkgroup(const std::string& name, const std::string& userName,
@@ -101,7 +80,7 @@ std::uint32_t joinDomainOrWorkgroup(const std::string& name, const std::string& 
         kComputerClass,
         L"JoinDomainOrWorkgroup",
         {"Wmi method failed to join the domain or workgroup", 1858}};
-    return CallComputer(kMethod, [&](WmiInParameters& in) {
+    return RunComputerMethod(kMethod, [&](WmiInParameters& in) {
         in.PutText(L"Name", name);
         in.PutText(L"UserName", userName);
         in.PutSecret(L"Password", password);
@@ -116,7 +95,7 @@ std::uint32_t unjoinDomainOrWorkgroup(const std::string& userName, const std::st
         kComputerClass,
         L"UnjoinDomainOrWorkgroup",
         {"Wmi method failed to unjoin the domain or workgroup", 2008}};
-    return CallComputer(kMethod, [&](WmiInParameters& in) {
+    return RunComputerMethod(kMethod, [&](WmiInParameters& in) {
         in.PutText(L"UserName", userName);
         in.PutSecret(L"Password", password);
         in.PutInteger(L"FUnjoinOptions", unjoinOptions);

@@ -1,49 +1,30 @@
 #include "common/sys/WmiQueries.h"
 
-#include "common/sys/WmiConnection.h"
-#include "common/sys/WmiValues.h"
+#include "common/sys/Wmi.h"
 
 namespace sys {
 
 namespace {
 
+// A query's line tells in a report, beside the source "Wmi", which query failed. It is data: it
+// does not move with the code, and no other query or method has it. A new query takes a number
+// above the last one here and below the first one in WmiMethods.cpp; a new method one above the
+// last one there.
+
 using Visit = std::function<void(WmiRow&)>;
 
 Result QueryMachine(const WmiQuery& query, WmiRows rows, const Visit& visit) {
-    return ForEachRow(ScopedWmiComInit(), query, query.text, rows, visit);
+    return RunWmiQuery(query, query.text, rows, visit);
 }
 
 Result QueryAdapter(const WmiQuery& query, std::uint32_t index, const Visit& visit) {
-    return ForEachRow(ScopedWmiComInit(), query, query.text + std::to_string(index),
-                      WmiRows::kFirst, visit);
-}
-
-void ReadFirstAddress(WmiRow& row, const wchar_t* property, ipc::IPv4Address& address) {
-    // Attached as it is: for these two properties null is no empty list.
-    row.Read(property, [&address](const VARIANT& value) {
-        const SafeArrayView array(value);
-        if (array.Size() > 0) {
-            address.Resolve(array.Text(0));
-        }
-    });
-}
-
-void ReadAddresses(WmiRow& row, const wchar_t* property, std::vector<ipc::IPv4Address>& addresses) {
-    row.Read(property, [&addresses](const VARIANT& value) {
-        for (const ipc::IPv4Address& address : AddressesOf(value)) {
-            addresses.push_back(address);
-        }
-    });
-}
-
-void ReadInteger(WmiRow& row, const wchar_t* property, std::uint32_t& integer) {
-    row.Read(property, [&integer](const VARIANT& value) { integer = IntegerOf(value); });
+    return RunWmiQuery(query, query.text + std::to_string(index), WmiRows::kFirst, visit);
 }
 
 }  // namespace
 
 Result getComputerName(std::string& name) {
-    static constexpr WmiQuery kQuery = {"select Name from Win32_ComputerSystem",
+    static constexpr WmiQuery kQuery = {kComputerNameQuery,
                                         {"Wmi query failed to get computer name", 101}};
     return QueryMachine(kQuery, WmiRows::kFirst,
                         [&name](WmiRow& row) { row.ReadText(L"Name", name); });
@@ -55,8 +36,10 @@ Result getIpEnabledAdapters(std::vector<std::uint32_t>& indexes) {
         "select Index, SettingID from Win32_NetworkAdapterConfiguration where IPEnabled=true",
         {"Wmi query failed to IP enabled devices", 165}};
     return QueryMachine(kQuery, WmiRows::kAll, [&indexes](WmiRow& row) {
-        row.Read(L"Index",
-                 [&indexes](const VARIANT& value) { indexes.push_back(IntegerOf(value)); });
+        std::uint32_t index = 0;
+        if (row.ReadInteger(L"Index", index)) {
+            indexes.push_back(index);
+        }
     });
 }
 
@@ -64,9 +47,8 @@ Result getDhcpEnabled(std::uint32_t index, bool& enabled) {
     static constexpr WmiQuery kQuery = {
         "select DHCPEnabled from Win32_NetworkAdapterConfiguration where Index=",
         {"Wmi DHCP enabled query failed", 225}};
-    return QueryAdapter(kQuery, index, [&enabled](WmiRow& row) {
-        row.Read(L"DHCPEnabled", [&enabled](const VARIANT& value) { enabled = BooleanOf(value); });
-    });
+    return QueryAdapter(kQuery, index,
+                        [&enabled](WmiRow& row) { row.ReadBoolean(L"DHCPEnabled", enabled); });
 }
 
 Result getIpAddressAndMask(std::uint32_t index, ipc::IPv4Address& address, ipc::IPv4Address& mask) {
@@ -74,8 +56,8 @@ Result getIpAddressAndMask(std::uint32_t index, ipc::IPv4Address& address, ipc::
         "select IPAddress, IPSubnet from Win32_NetworkAdapterConfiguration where Index=",
         {"Wmi query failed to get ip address and mask", 297}};
     return QueryAdapter(kQuery, index, [&](WmiRow& row) {
-        ReadFirstAddress(row, L"IPAddress", address);
-        ReadFirstAddress(row, L"IPSubnet", mask);
+        row.ReadFirstAddress(L"IPAddress", address);
+        row.ReadFirstAddress(L"IPSubnet", mask);
     });
 }
 
@@ -86,12 +68,8 @@ Result getDnsServersAndSuffixes(std::uint32_t index, std::vector<ipc::IPv4Addres
         "Win32_NetworkAdapterConfiguration where Index=",
         {"Wmi query failed to get DNS servers and suffixes", 455}};
     return QueryAdapter(kQuery, index, [&](WmiRow& row) {
-        ReadAddresses(row, L"DNSServerSearchOrder", servers);
-        row.Read(L"DNSDomainSuffixSearchOrder", [&suffixes](const VARIANT& value) {
-            for (std::string& suffix : TextsOf(value)) {
-                suffixes.push_back(std::move(suffix));
-            }
-        });
+        row.ReadAddresses(L"DNSServerSearchOrder", servers);
+        row.ReadTexts(L"DNSDomainSuffixSearchOrder", suffixes);
     });
 }
 
@@ -118,7 +96,7 @@ Result getGateways(std::uint32_t index, std::vector<ipc::IPv4Address>& gateways)
         "select DefaultIPGateway from Win32_NetworkAdapterConfiguration where Index=",
         {"Wmi query failed to get gateways", 667}};
     return QueryAdapter(kQuery, index, [&gateways](WmiRow& row) {
-        ReadAddresses(row, L"DefaultIPGateway", gateways);
+        row.ReadAddresses(L"DefaultIPGateway", gateways);
     });
 }
 
@@ -164,7 +142,7 @@ Result getStaticRoutes(std::vector<RouteRecord>& routes) {
         row.ReadAddress(L"Destination", route.destination);
         row.ReadAddress(L"Mask", route.mask);
         row.ReadAddress(L"NextHop", route.nextHop);
-        ReadInteger(row, L"Metric1", route.metric);
+        row.ReadInteger(L"Metric1", route.metric);
         routes.push_back(route);
     });
 }

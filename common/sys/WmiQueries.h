@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "common/ipc/IpAddress.h"
+#include "common/sys/Wmi.h"
 
 /// What this module reads through Windows Management Instrumentation ("root\cimv2"). Every function
 /// opens its own connection and closes it before it returns.
@@ -29,8 +30,6 @@ struct RouteRecord {
     ipc::IPv4Address nextHop;
     std::uint32_t metric = 0;
 };
-
-using Result = std::int32_t;  // an HRESULT
 
 Result getComputerName(std::string& name);
 Result getIpEnabledAdapters(std::vector<std::uint32_t>& indexes);

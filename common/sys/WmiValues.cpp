@@ -232,9 +232,4 @@ std::vector<std::string> TextsOf(const VARIANT& value) {
     return texts;
 }
 
-std::vector<ipc::IPv4Address> AddressesOf(const VARIANT& value) {
-    const std::vector<std::string> texts = TextsOf(value);
-    return {texts.begin(), texts.end()};
-}
-
 }  // namespace sys

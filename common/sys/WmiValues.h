@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "common/ipc/IpAddress.h"
 #include "common/sys/ComPointers.h"
 
 /// What WMI delivers, turned into the module's own types.
@@ -53,6 +52,5 @@ private:
 
 /// The elements of a list property; none for an empty or null value.
 std::vector<std::string> TextsOf(const VARIANT& value);
-std::vector<ipc::IPv4Address> AddressesOf(const VARIANT& value);
 
 }  // namespace sys

@@ -40,4 +40,18 @@ std::string Describe(const Value& value) {
     return "null";
 }
 
+bool IsSecret(std::string_view propertyName) {
+    return EqualNoCase(propertyName, "Password");
+}
+
+std::string DescribeParameters(const Properties& parameters) {
+    std::string text;
+    for (const Property& property : parameters) {
+        text += text.empty() ? "" : ", ";
+        text += std::string(property.name) + "=" +
+                (IsSecret(property.name) ? "***" : Describe(property.value));
+    }
+    return text;
+}
+
 }  // namespace machine::cim

@@ -30,5 +30,9 @@ Property* FindProperty(Properties& properties, std::string_view name);
 
 // For the trace.
 std::string Describe(const Value& value);
+/// Whether the trace must not show what a property of this name holds.
+bool IsSecret(std::string_view propertyName);
+/// "Name="PC2", Password=***"
+std::string DescribeParameters(const Properties& parameters);
 
 }  // namespace machine::cim

@@ -10,6 +10,7 @@ using cim::Class;
 using cim::Describe;
 using cim::FindMethod;
 using cim::FindProperty;
+using cim::IsSecret;
 using cim::Method;
 using cim::Properties;
 using cim::Property;
@@ -20,10 +21,6 @@ namespace {
 constexpr LONG localFlavor = 0;  // WBEM_FLAVOR_ORIGIN_LOCAL
 
 }  // namespace
-
-bool IsSecret(std::string_view propertyName) {
-    return EqualNoCase(propertyName, "Password");
-}
 
 std::string InParametersOf(const Class& definition, const Method& method) {
     return "__PARAMETERS of " + std::string(definition.name) + "." + std::string(method.name);

@@ -93,9 +93,6 @@ private:
     const cim::Class* definition_;
 };
 
-// Whether the trace must not show what a property of this name holds.
-bool IsSecret(std::string_view propertyName);
-
 // The class of the objects that hold the in-parameters of a method, so that only those of the same
 // method are accepted for its call.
 std::string InParametersOf(const cim::Class& definition, const cim::Method& method);

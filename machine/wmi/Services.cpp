@@ -12,7 +12,7 @@ namespace machine::wmi {
 
 using cim::CheckTarget;
 using cim::Class;
-using cim::Describe;
+using cim::DescribeParameters;
 using cim::FindClass;
 using cim::FindMethod;
 using cim::FindObject;
@@ -42,16 +42,6 @@ bool IsServedNamespace(std::string resource) {
         }
     }
     return EqualNoCase(resource, R"(root\cimv2)");
-}
-
-std::string DescribeParameters(const Properties& parameters) {
-    std::string text;
-    for (const Property& property : parameters) {
-        text += text.empty() ? "" : ", ";
-        text += std::string(property.name) + "=" +
-                (IsSecret(property.name) ? "***" : Describe(property.value));
-    }
-    return text;
 }
 
 constexpr HRESULT CodeOf(WBEMSTATUS status) {

@@ -11,26 +11,22 @@
 
 namespace {
 
-using ConfigureRequest = fake::OnMachine;
+using ConfigureRequest = native::OnMachine;
 using toolbox_tests::RecordingHost;
 using toolbox_tests::ScratchFile;
 
 TEST_F(ConfigureRequest, AConfigErrorIsAnsweredBeforeItIsLoggedAndAnotherAfter) {
     const ScratchFile scratch("[Networking]\nComputerName=PC9", "site.ini");
     for (const bool isConfigError : {true, false}) {
-        machine.onCall["getComputerName"] = [isConfigError] {
-            if (isConfigError) {
-                throw config::ConfigError("x", "y", 1, config::ErrorKind::kProgramFailed);
-            }
-            throw sys::CWmiError("y", 1, 5, 0);
-        };
+        machine.faults = machine::FaultPlan::Parse(isConfigError ? "Rename=5" : "ExecQuery=5");
         RecordingHost host("Internal", "Configure");
         host.fields["Filename"] = scratch.Path();
         machine.files = {scratch.Path()};
         GetToolboxAPI()->DoMagic(&host, &host);
-        TakeChanges();
-        const std::string line = std::string("Log 0 Configure::HandleMessage(): caught ") +
-                                 (isConfigError ? "win32" : "general (win32)") + " error, err=5";
+        TakeActions();
+        const std::string line =
+            std::string("Log 0 Configure::HandleMessage(): caught ") +
+            (isConfigError ? "win32 error, err=4" : "general (win32) error, err=80070005");
         const std::size_t count = host.calls.size();
         EXPECT_EQ(host.calls[count - (isConfigError ? 4 : 3)], "SetField Result=Failure");
         EXPECT_EQ(host.calls[count - (isConfigError ? 3 : 4)], line);

@@ -3,17 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <cstdarg>
-#include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "common/logging/LogSink.h"
 #include "common/sys/NicDiscovery.h"
 #include "common/util/Strings.h"
-#include "tests/native/FakeMachine.h"
+#include "machine/native/Machine.h"
+#include "tests/native/CommandText.h"
+#include "tests/native/Machines.h"
 
-namespace fake {
+namespace native {
 
 /// Notes lines as "2 text".
 class RecordingLog : public logging::ILogSink {
@@ -28,51 +28,50 @@ public:
     }
 };
 
-/// A test on a new machine with four adapters, in the tree's order: 5 (no PCI device), 7 and 9 (PCI
-/// bus 2 and 3), 4 (no PCI device). A change that the machine was asked for and the test has not
-/// taken fails the test.
+/// The texts of actions on the computer.
+inline std::string Renaming(const std::string& name, const std::string& user = {},
+                            const std::string& password = {}) {
+    return "Rename (Name=\"" + name + "\", Password=" + password + ", UserName=\"" + user + "\")";
+}
+inline std::string Joining(const std::string& name, const std::string& user,
+                           const std::string& password, const std::string& unit, int options) {
+    return "JoinDomainOrWorkgroup (Name=\"" + name + "\", Password=" + password + ", UserName=\"" +
+           user + "\", AccountOU=\"" + unit + "\", FJoinOptions=" + std::to_string(options) + ")";
+}
+inline std::string JoiningGroup(const std::string& name, const std::string& user = {},
+                                const std::string& password = {}) {
+    return Joining(name, user, password, "", 0);
+}
+
+/// A test on a new machine with those adapters. An action that the test has not taken fails it.
 class OnMachine : public testing::Test {
 protected:
-    OnMachine() : machine(fake::Reset()) {
-        machine.adapters = {fake::Adapter(), fake::PciAdapter(7, 2), fake::PciAdapter(9, 3),
-                            fake::Adapter()};
-        machine.adapters[0].index = 5;
-        machine.adapters[0].pnpDeviceId = "ROOT\\VIRTUAL\\0000";
-        machine.adapters[3].index = 4;
+    OnMachine() : machine(Reset(FourAdapters())) {
         // The tree is made once in the life of a process, from what the first test has set up.
         sys::getNicList();
-        machine.queries.clear();
+        machine.trace.Clear();
     }
 
-    void TearDown() override { EXPECT_EQ(TakeChanges(), ""); }
+    void TearDown() override { EXPECT_EQ(TakeActions(), ""); }
 
-    /// Makes the machine a member of CORP, corp.example, with its object in East/Sales.
+    /// Makes the machine a member of corp.example, with its object in East/Sales.
     void MakeMember() {
-        machine.member = true;
-        machine.domain = "CORP";
-        machine.dnsDomain = "corp.example";
-        machine.unit = "East/Sales";
+        machine.state.membership = machine::Membership::OfDomain("CORP", "corp.example");
+        machine.state.domains[0].units[0].units[0].computers = {"PC1"};
     }
 
-    fake::Adapter& Adapter(std::uint32_t index) {
-        for (fake::Adapter& adapter : machine.adapters) {
-            if (adapter.index == index) {
-                return adapter;
-            }
-        }
-        throw std::out_of_range("no such adapter");
+    machine::Adapter& Adapter(std::uint32_t index) {
+        return *machine::FindAdapter(machine.state, index);
     }
 
-    /// What the machine was asked to change since the last call, joined by "; ".
-    std::string TakeChanges() {
-        std::string text;
-        for (const std::string& change : std::exchange(machine.changes, {})) {
-            text += (text.empty() ? "" : "; ") + change;
-        }
-        return text;
+    /// What the machine was asked to change since the last call.
+    std::string TakeActions() {
+        const std::string actions = ActionsOf(machine.trace.Entries());
+        machine.trace.Clear();
+        return actions;
     }
 
-    fake::Machine& machine;
+    Machine& machine;
 };
 
-}  // namespace fake
+}  // namespace native

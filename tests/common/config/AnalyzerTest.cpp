@@ -7,12 +7,14 @@
 
 #include "common/config/Factory.h"
 #include "tests/common/config/EventWords.h"
-#include "tests/native/CommandText.h"
 #include "tests/native/OnMachine.h"
 
 namespace {
 
-using fake::OnMachine;
+using native::Joining;
+using native::JoiningGroup;
+using native::OnMachine;
+using native::Renaming;
 
 struct AnalysisCase {
     const char* what;
@@ -27,7 +29,7 @@ protected:
         config::ConfigBuilder builder(log);
         config_tests::Send(builder, events);
         config::Analyze(builder);
-        return fake::TextOf(builder.Commands());
+        return native::TextOf(builder.Commands());
     }
 
     static void Expect(const std::vector<AnalysisCase>& cases) {
@@ -38,16 +40,16 @@ protected:
 };
 
 TEST_F(Analysis, DropsWhatHasNothingToDoAndKeepsTheOrder) {
-    machine.routes = {fake::Route("10.0.0.0", "255.0.0.0", "10.1.1.1", 5)};
+    machine.state.routes = {{"10.0.0.0", "255.0.0.0", "10.1.1.1", 5}};
     const std::string route = "+ROUTE ADDRESS(10.0.0.0) MASK(255.0.0.0) RGW(10.1.1.1) METRIC(5) - ";
     Expect({
         {"nothing", "", ""},
         {"all there already", "NAME(pc1) WORKGROUP(workgroup) OU(East) " + route, ""},
         {"some", "NAME(pc1) WORKGROUP(B) " + route + "OU(East) WORKGROUP(workgroup) WORKGROUP(A)",
-         "JoinWorkgroup(B, :); JoinWorkgroup(A, :)"},
+         JoiningGroup("B") + "; " + JoiningGroup("A")},
         {"an adapter's commands stay, needed or not", "+NIC(x) DHCP -",
-         "ConfigureNic n/n/n index 7 {enableDhcp(7)}"},
-        {"routes that none asked for", "+ROUTE -", "RunCommand(route DELETE 10.0.0.0)"},
+         "ConfigureNic n/n/n index 7 {EnableDHCP 7}"},
+        {"routes that none asked for", "+ROUTE -", "route DELETE 10.0.0.0"},
     });
 }
 
@@ -74,46 +76,48 @@ TEST_F(Analysis, BindsAdapterSectionsToAdapters) {
         {"a device off the PCI bus, which has no place, is found at 0/0/0",
          "+NIC(a) BUS(0) DEVICE(0) FUNCTION(0) -", bound("0/0/0", "5")},
     });
-    EXPECT_TRUE(machine.queries.empty());  // the tree is not made again
+    EXPECT_EQ(machine.trace.Size(), 0U);  // the tree is not made again
 }
 
 TEST_F(Analysis, PausesOnceAfterStaticAddressing) {
     const std::string ip = "+IP ADDRESS(10.0.0.1) MASK(255.0.0.0) - ";
-    const std::string set = "enableStatic(7, 10.0.0.1, 255.0.0.0)";
+    const std::string set = "EnableStatic 7 {10.0.0.1}, {255.0.0.0}";
     Expect({
         {"before the gateways", "+NIC(a) STATIC " + ip + "GW(10.0.0.2) -",
-         "ConfigureNic n/n/n index 7 {" + set + "; Pause(8000); setGateways(7, 10.0.0.2)}"},
+         "ConfigureNic n/n/n index 7 {" + set + "; sleep 8000; SetGateways 7 {10.0.0.2}}"},
         {"after the first", "+NIC(a) STATIC " + ip + "STATIC " + ip + "-",
-         "ConfigureNic n/n/n index 7 {" + set + "; Pause(8000); " + set + "}"},
+         "ConfigureNic n/n/n index 7 {" + set + "; sleep 8000; " + set + "}"},
         {"behind DHCP", "+NIC(a) DHCP STATIC " + ip + "-",
-         "ConfigureNic n/n/n index 7 {enableDhcp(7); " + set + "; Pause(8000)}"},
+         "ConfigureNic n/n/n index 7 {EnableDHCP 7; " + set + "; sleep 8000}"},
         {"not for DHCP", "+NIC(a) DHCP - +NIC(b) STATIC " + ip + "-",
-         "ConfigureNic n/n/n index 7 {enableDhcp(7)}; ConfigureNic n/n/n index 9 "
-         "{enableStatic(9, 10.0.0.1, 255.0.0.0); Pause(8000)}"},
+         "ConfigureNic n/n/n index 7 {EnableDHCP 7}; ConfigureNic n/n/n index 9 "
+         "{EnableStatic 9 {10.0.0.1}, {255.0.0.0}; sleep 8000}"},
     });
 }
 
 TEST_F(Analysis, RenamesBeforeItJoinsAndMarksTheRestarts) {
-    const std::string join = "JoinDomainAndOu(d.e, , :)";
-    const std::string rename = "renameComputer(PC9, :)";
+    const std::string join = Joining("d.e", "d.e\\", "", "", 1);
+    const std::string rename = Renaming("PC9");
     const std::string nic = "ConfigureNic n/n/n index 7 {}";
     Expect({
         {"join first", "DOMAIN(d.e) +NIC(a) - NAME(PC9)",
          rename + "; Reboot; " + nic + "; " + join + "; Reboot"},
         {"side by side", "DOMAIN(d.e) NAME(PC9)", rename + "; Reboot; " + join + "; Reboot"},
         {"the first of each", "NAME(A) DOMAIN(d.e) NAME(B) DOMAIN(f.g)",
-         "renameComputer(A, :); Reboot; " + join +
-             "; renameComputer(B, :); JoinDomainAndOu(f.g, , :); Reboot"},
+         Renaming("A") + "; Reboot; " + join + "; " + Renaming("B") + "; " +
+             Joining("f.g", "f.g\\", "", "", 1) + "; Reboot"},
         {"a rename that is dropped", "DOMAIN(d.e) NAME(pc1)", join + "; Reboot"},
         {"rename alone", "NAME(PC9) +NIC(a) -", rename + "; " + nic + "; Reboot"},
-        {"another workgroup", "WORKGROUP(SALES)", "JoinWorkgroup(SALES, :)"},
+        {"another workgroup", "WORKGROUP(SALES)", JoiningGroup("SALES")},
         {"rename and workgroup", "WORKGROUP(SALES) NAME(PC9)",
-         "JoinWorkgroup(SALES, :); " + rename + "; Reboot"},
+         JoiningGroup("SALES") + "; " + rename + "; Reboot"},
     });
     MakeMember();
     Expect({
-        {"out of the domain", "WORKGROUP(SALES)", "JoinWorkgroup(SALES, :); Reboot"},
-        {"to another unit", "OU(West)", "MoveOu(West, :)"},
+        {"out of the domain", "WORKGROUP(SALES)", JoiningGroup("SALES") + "; Reboot"},
+        {"to another unit", "OU(West) USER(joe) PASSWORD(secret)",
+         "bind LDAP://OU=West,DC=corp,DC=example as corp.example\\joe; move "
+         "LDAP://CN=PC1,OU=Sales,OU=East,DC=corp,DC=example"},
     });
 }
 
@@ -130,9 +134,10 @@ TEST_F(Analysis, IsThePlatformVariantsOfTheOneFactory) {
                        "DOMAIN(d.e) NAME(PC9) +NIC(a) STATIC +IP ADDRESS(10.0.0.1) "
                        "MASK(255.0.0.0) - -");
     standard.GetAnalyzer().Analyze(builder.Commands());
-    EXPECT_EQ(fake::TextOf(builder.Commands()),
-              "JoinDomainAndOu(d.e, , :); renameComputer(PC9, :); ConfigureNic n/n/n index 7 "
-              "{enableStatic(7, 10.0.0.1, 255.0.0.0)}; Reboot");
+    EXPECT_EQ(native::TextOf(builder.Commands()),
+              Joining("d.e", "d.e\\", "", "", 1) + "; " + Renaming("PC9") +
+                  "; ConfigureNic n/n/n index 7 "
+                  "{EnableStatic 7 {10.0.0.1}, {255.0.0.0}}; Reboot");
 }
 
 }  // namespace

@@ -10,12 +10,14 @@
 #include "common/config/command/JoinWorkgroup.h"
 #include "common/err/GeneralError.h"
 #include "tests/common/config/EventWords.h"
-#include "tests/native/CommandText.h"
 #include "tests/native/OnMachine.h"
 
 namespace {
 
-using fake::OnMachine;
+using native::Joining;
+using native::JoiningGroup;
+using native::OnMachine;
+using native::Renaming;
 
 struct RuleCase {
     std::string events;
@@ -30,9 +32,9 @@ protected:
         try {
             config_tests::Send(builder, events);
         } catch (...) {
-            return fake::ErrorText();
+            return native::ErrorText();
         }
-        return fake::TextOf(builder.Commands());
+        return native::TextOf(builder.Commands());
     }
 
     static void ExpectCommands(const std::vector<RuleCase>& cases) {
@@ -109,60 +111,69 @@ TEST_F(Rules, EachScopeAcceptsItsKindsAndNoOther) {
 TEST_F(Rules, DefaultScopeOffTheDomain) {
     ExpectCommands({
         {"", ""},
-        {"NAME(PC9)", "renameComputer(PC9, :)"},
-        {"WORKGROUP(SALES) USER(joe) PASSWORD(p)", "JoinWorkgroup(SALES, joe:p)"},
-        {"WORKGROUP(WORKGROUP)", "JoinWorkgroup(WORKGROUP, :)"},  // the current one
+        {"NAME(PC9)", Renaming("PC9")},
+        {"WORKGROUP(SALES) USER(joe) PASSWORD(p)", JoiningGroup("SALES", "joe", "p")},
+        {"WORKGROUP(WORKGROUP)", JoiningGroup("WORKGROUP")},  // the current one
         {"DOMAIN(d.e) OU(East/Sales) USER(joe) PASSWORD(p) NAME(PC9) USER(joe) PASSWORD(q)",
-         "JoinDomainAndOu(d.e, East/Sales, joe:p); renameComputer(PC9, joe:q)"},
-        {"DOMAIN(d.e) OU(East) OU(West)", "JoinDomainAndOu(d.e, West, :)"},
+         Joining("d.e", "d.e\\joe", "p", "OU=Sales,OU=East,DC=d,DC=e", 1) + "; " +
+             Renaming("PC9", "joe", "q")},
+        {"DOMAIN(d.e) OU(East) OU(West)", Joining("d.e", "d.e\\", "", "OU=West,DC=d,DC=e", 1)},
         {"DOMAIN(a) WORKGROUP(b) OU(c)",
-         "JoinDomainAndOu(a, , :); JoinWorkgroup(b, :); MoveOu(c, :)"},
-        {"OU(East) USER(joe) PASSWORD(p) OU(West)", "MoveOu(East, joe:p); MoveOu(West, :)"},
-        {"OU(East) USER(a) USER(b) PASSWORD(p) PASSWORD(q)", "MoveOu(East, b:q)"},
-        {"USER(joe) PASSWORD(p) NAME(PC9)", "renameComputer(PC9, :)"},
-        {"NAME(PC9) +ROUTE - USER(joe) PASSWORD(p)", "renameComputer(PC9, :); SetStaticRoute"},
+         Joining("a", "a\\", "", "", 1) + "; " + JoiningGroup("b") + "; MoveOu"},
+        {"USER(joe) PASSWORD(p) NAME(PC9)", Renaming("PC9")},
+        {"NAME(PC9) +ROUTE - USER(joe) PASSWORD(p)", Renaming("PC9") + "; SetStaticRoute"},
     });
 }
 
 TEST_F(Rules, DefaultScopeOfADomainMember) {
     MakeMember();
+    const std::string move =
+        "bind LDAP://OU=West,DC=corp,DC=example as corp.example\\joe; move "
+        "LDAP://CN=PC1,OU=Sales,OU=East,DC=corp,DC=example";
     ExpectCommands({
         {"DOMAIN(Corp.EXAMPLE)", ""},
-        {"DOMAIN(corp) OU(West) USER(joe)", "MoveOu(West, joe:)"},
-        {"DOMAIN(other.example) OU(West)", "JoinDomainAndOu(other.example, West, :)"},
-        {"WORKGROUP(SALES)", "JoinWorkgroup(SALES, :)"},
+        {"DOMAIN(corp) OU(West) USER(joe) PASSWORD(secret)", move},
+        {"OU(West) USER(a) USER(joe) PASSWORD(p) PASSWORD(secret) OU(East)",
+         move + "; bind LDAP://OU=East,DC=corp,DC=example as corp.example\\ threw Domain:469("
+                "-2147023570) Unable to bind to destination OU"},
+        {"DOMAIN(other.example) OU(West)",
+         Joining("other.example", "other.example\\", "", "OU=West,DC=other,DC=example", 33)},
+        {"WORKGROUP(SALES)", JoiningGroup("SALES")},
+        {"WORKGROUP(SALES) USER(joe) PASSWORD(p)",
+         "UnjoinDomainOrWorkgroup (Password=p, UserName=\"corp.example\\joe\", "
+         "FUnjoinOptions=0); " +
+             JoiningGroup("SALES", "joe", "p")},
     });
-    machine.member = false;  // the names of the domain that it has left do not count
-    ExpectCommands({{"DOMAIN(CORP)", "JoinDomainAndOu(CORP, , :)"}});
-    machine.onCall["IsDomainMember"] = [] {
-        throw sys::DomainError(" - IsDomainMember returned error ", 73, 5, 1722);
-    };
-    ExpectCommands({{"DOMAIN(x)", "Domain:73(1722)  - IsDomainMember returned error "}});
+    // The names of the domain that it has left do not count.
+    machine.state.membership = machine::Membership::OfWorkgroup("WORKGROUP");
+    ExpectCommands({{"DOMAIN(CORP)", Joining("CORP", "CORP\\", "", "", 1)}});
+    machine.faults = machine::FaultPlan::Parse("LsaOpenPolicy=5");
+    ExpectCommands({{"DOMAIN(x)", "Domain:73(5)  - IsDomainMember returned error "}});
 }
 
 TEST_F(Rules, NicScope) {
     ExpectNicCommands({
-        {"DHCP", "enableDhcp(99)"},
+        {"DHCP", "EnableDHCP 5"},
         {"STATIC GW(10.0.0.1) GW(10.0.0.1) GW(10.0.0.3)",
-         "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty; setGateways(99, "
-         "10.0.0.1,10.0.0.1,10.0.0.3)"},
+         "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty; SetGateways 5 "
+         "{10.0.0.1, 10.0.0.1, 10.0.0.3}"},
         {"GW(10.0.0.1)", kGatewayError},
         {"STATIC DHCP GW(10.0.0.1)", kGatewayError},
         {"DHCP STATIC +IP ADDRESS(1.2.3.4) MASK(255.0.0.0) - GW(10.0.0.1)",
-         "enableDhcp(99); enableStatic(99, 1.2.3.4, 255.0.0.0); setGateways(99, 10.0.0.1)"},
+         "EnableDHCP 5; EnableStatic 5 {1.2.3.4}, {255.0.0.0}; SetGateways 5 {10.0.0.1}"},
         {"DNS(10.0.0.1) DNS(10.0.0.2) SUFFIX(a.b) SUFFIX(C.d) DNS(10.0.0.3)",
-         "setDnsServerSearchOrder(99, 10.0.0.1,10.0.0.2); setDnsSuffixSearchOrder(a.b,C.d); "
-         "setDnsServerSearchOrder(99, 10.0.0.3)"},
+         "SetDNSServerSearchOrder 5 {10.0.0.1, 10.0.0.2}; SetDNSSuffixSearchOrder {a.b, C.d}; "
+         "SetDNSServerSearchOrder 5 {10.0.0.3}"},
         {"DNS(0.0.0.0)", ""},
-        {"DNS(1.1.1.1) DNS(0.0.0.0) DNS(2.2.2.2)", "setDnsServerSearchOrder(99, 1.1.1.1,2.2.2.2)"},
-        {"DNS( 0.0.0.0) DNS()", "setDnsServerSearchOrder(99, 255.255.255.255,255.255.255.255)"},
+        {"DNS(1.1.1.1) DNS(0.0.0.0) DNS(2.2.2.2)", "SetDNSServerSearchOrder 5 {1.1.1.1, 2.2.2.2}"},
+        {"DNS( 0.0.0.0) DNS()", "SetDNSServerSearchOrder 5 {255.255.255.255, 255.255.255.255}"},
         {"DNS(nobody.example)", kHostError},
     });
     ExpectCommands({
         {"+NIC(x) BUS(2) DEVICE(31) FUNCTION(7)", "ConfigureNic 2/31/7 index n {}"},
         {"+NIC(x) BUS(0x10) DEVICE(12x) FUNCTION(-1)", "ConfigureNic 0/12/n index n {}"},
         {"+NIC(x) BUS(1) - +NIC(y) BUS(2) DHCP -",
-         "ConfigureNic 1/n/n index n {}; ConfigureNic 2/n/n index n {enableDhcp(99)}"},
+         "ConfigureNic 1/n/n index n {}; ConfigureNic 2/n/n index n {EnableDHCP 5}"},
     });
 }
 
@@ -174,7 +185,7 @@ TEST_F(Rules, NicScopeNeedsItsCommandLast) {
         try {
             const config::NicRule rule(builder);
         } catch (...) {
-            error = fake::ErrorText();
+            error = native::ErrorText();
         }
         EXPECT_EQ(error, "common\\config\\BuilderRule:216(0) Configure commands are corrupted");
         builder.AppendCommand(
@@ -183,19 +194,18 @@ TEST_F(Rules, NicScopeNeedsItsCommandLast) {
 }
 
 TEST_F(Rules, IpInterfaceScope) {
-    machine.hostNames["pc.example"] = "10.9.9.9";
-    machine.hostNames["none.example"] = "";
+    machine.state.hosts = {{"pc.example", {"10.9.9.9"}}, {"none.example", {}}};
     ExpectNicCommands({
         {"STATIC +IP ADDRESS(10.0.0.1) MASK(255.0.0.0) ADDRESS(10.0.0.2) -",
-         "enableStatic(99, 10.0.0.1,10.0.0.2, 255.0.0.0)"},
+         "EnableStatic 5 {10.0.0.1, 10.0.0.2}, {255.0.0.0}"},
         {"STATIC +IP ADDRESS(pc.example) ADDRESS(none.example) MASK(x.y)", kHostError},
         {"STATIC +IP ADDRESS(pc.example) ADDRESS(none.example) MASK() MASK(1.2.3.999)",
-         "enableStatic(99, 10.9.9.9,0.0.0.0, 255.255.255.255,255.255.255.255)"},
+         "EnableStatic 5 {10.9.9.9, 0.0.0.0}, {255.255.255.255, 255.255.255.255}"},
         {"STATIC +IP MASK(255.0.0.0)",
          "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty"},
         {"STATIC +IP ADDRESS(10.0.0.1)",
          "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty"},
-        {"DHCP +IP -", "enableDhcp(99)"},
+        {"DHCP +IP -", "EnableDHCP 5"},
         {"DHCP +IP ADDRESS(10.0.0.1)", kNotStaticError},
         {"DHCP +IP NAME(x)", kNotStaticError},  // before the kind is looked at
         {"STATIC GW(10.0.0.1) +IP ADDRESS(10.0.0.1)", kNotStaticError},
@@ -204,10 +214,8 @@ TEST_F(Rules, IpInterfaceScope) {
 }
 
 TEST_F(Rules, StaticRouteScope) {
-    machine.hostNames["gate.example"] = "10.1.1.9";
-    const auto add = [](const char* route) {
-        return std::string("RunCommand(route -p ADD ") + route + ")";
-    };
+    machine.state.hosts = {{"gate.example", {"10.1.1.9"}}};
+    const auto add = [](const char* route) { return std::string("route -p ADD ") + route; };
     ExpectCommands({
         {"+ROUTE -", "SetStaticRoute"},
         {"+ROUTE ADDRESS(10.0.0.0) MASK(255.0.0.0) RGW(10.1.1.1) FIELD4(x) METRIC(5) -",
@@ -220,9 +228,10 @@ TEST_F(Rules, StaticRouteScope) {
         {"+ROUTE ADDRESS(3.0.0.0) - +ROUTE - +ROUTE ADDRESS(2.0.0.0) -",
          add("2.0.0.0 mask 255.255.255.255 255.255.255.255 METRIC 0") + "; " +
              add("3.0.0.0 mask 255.255.255.255 255.255.255.255 METRIC 0")},
-        {"+ROUTE - WORKGROUP(A) +ROUTE -", "SetStaticRoute; JoinWorkgroup(A, :); SetStaticRoute"},
+        {"+ROUTE - WORKGROUP(A) +ROUTE -",
+         "SetStaticRoute; " + JoiningGroup("A") + "; SetStaticRoute"},
         {"+NIC(x) +ROUTE - DHCP - +NIC(y) +ROUTE -",
-         "ConfigureNic n/n/n index n {enableDhcp(99)}; SetStaticRoute; ConfigureNic n/n/n index n "
+         "ConfigureNic n/n/n index n {EnableDHCP 5}; SetStaticRoute; ConfigureNic n/n/n index n "
          "{}; SetStaticRoute"},
         {"+ROUTE ADDRESS(nobody.example)", "SetStaticRoute"},  // never finished
         {"+ROUTE ADDRESS(nobody.example) -", kHostError},
@@ -236,11 +245,11 @@ TEST_F(Rules, UnbalancedScopes) {
         {"+NIC(x) - - -", kEndError},
         {"- +DHCP", kValueError},
         {"- +NIC(x) DHCP +IP -ROUTE DNS(1.2.3.4) -NAME",
-         "ConfigureNic n/n/n index n {enableDhcp(99); setDnsServerSearchOrder(99, 1.2.3.4)}"},
-        {"+NIC(x) -IP NAME(PC9)", "ConfigureNic n/n/n index n {}; renameComputer(PC9, :)"},
+         "ConfigureNic n/n/n index n {EnableDHCP 5; SetDNSServerSearchOrder 5 {1.2.3.4}}"},
+        {"+NIC(x) -IP NAME(PC9)", "ConfigureNic n/n/n index n {}; " + Renaming("PC9")},
         {"+NIC(x) +NIC(y) DHCP - DHCP",
-         "ConfigureNic n/n/n index n {enableDhcp(99)}; ConfigureNic n/n/n index n "
-         "{enableDhcp(99)}"},
+         "ConfigureNic n/n/n index n {EnableDHCP 5}; ConfigureNic n/n/n index n "
+         "{EnableDHCP 5}"},
     });
 }
 

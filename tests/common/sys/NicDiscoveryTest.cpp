@@ -8,7 +8,7 @@
 
 #include "common/err/GeneralError.h"
 #include "common/util/Strings.h"
-#include "tests/native/FakeMachine.h"
+#include "tests/native/OnMachine.h"
 
 namespace {
 
@@ -71,38 +71,37 @@ std::string TextOf(sys::NicList& list) {
 class Discovery : public testing::Test {
 protected:
     std::string Discovered() {
-        machine.queries.clear();
+        machine.trace.Clear();
         sys::NicList list;
         sys::fillNicList(list);
         return TextOf(list);
     }
 
     /// The line of the only adapter.
-    std::string Adapter(const fake::Adapter& adapter) {
-        machine.adapters = {adapter};
+    std::string Line(const machine::Adapter& adapter) {
+        machine.state.adapters = {adapter};
         const std::string text = Discovered().substr(5);
         return text.substr(0, text.find('\n'));
     }
 
-    fake::Machine& machine = fake::Reset();
+    native::Machine& machine = native::Reset({});
 };
 
-fake::Adapter CompleteAdapter() {
-    fake::Adapter adapter = fake::PciAdapter(7, 2);
+machine::Adapter CompleteAdapter() {
+    machine::Adapter adapter = native::PciAdapter(7, 2);
     adapter.dhcpEnabled = true;
     adapter.macAddress = "00:11:22:33:44:55";
     adapter.adapterType = "Ethernet 802.3";
     adapter.manufacturer = "Maker";
     adapter.caption = "[00000007] Fast Ethernet";
-    adapter.addresses = {"10.0.0.1", "10.0.0.2"};
-    adapter.masks = {"255.0.0.0", "255.255.0.0"};
+    adapter.ipAddress = {{"10.0.0.1", "10.0.0.2"}};
+    adapter.ipSubnet = {{"255.0.0.0", "255.255.0.0"}};
     adapter.dnsDomain = "corp.example";
     adapter.dnsHostName = "pc1";
-    adapter.gateways = {"10.0.0.254", "10.0.0.253"};
-    adapter.dnsServers = {"10.0.0.53", "10.0.0.54"};
-    adapter.dnsSuffixes = {"corp.example", "example"};
+    adapter.gateways = {{"10.0.0.254", "10.0.0.253"}};
+    adapter.dnsServers = {{"10.0.0.53", "10.0.0.54"}};
     adapter.settingId = "{GUID}";
-    adapter.nameServer = "10.0.0.53";
+    adapter.staticDns = {"10.0.0.53"};
     return adapter;
 }
 
@@ -111,9 +110,10 @@ TEST_F(Discovery, OfAMachineWithoutAdapters) {
 }
 
 TEST_F(Discovery, ReadsAWholeAdapterInOrder) {
-    machine.adapters = {CompleteAdapter()};
-    machine.routes = {fake::Route("10.0.0.0", "255.0.0.0", "10.1.1.1", 5),
-                      fake::Route("0.0.0.0", "0.0.0.0", "10.1.1.1", 0xFFFFFFFF)};
+    machine.state.adapters = {CompleteAdapter()};
+    machine.state.dnsSuffixes = {"corp.example", "example"};
+    machine.state.routes = {{"10.0.0.0", "255.0.0.0", "10.1.1.1", 5},
+                            {"0.0.0.0", "0.0.0.0", "10.1.1.1", -1}};
     EXPECT_EQ(Discovered(),
               "list\n"
               "adapter 7 pci 8086 100 at 2/0/0 dhcp [00:11:22:33:44:55|Ethernet 802.3|Maker|Fast "
@@ -124,43 +124,34 @@ TEST_F(Discovery, ReadsAWholeAdapterInOrder) {
               "gateways\ngateway 10.0.0.254\ngateway 10.0.0.253\n"
               "static dns\nserver 10.0.0.53\nserver 10.0.0.54\nsuffix corp.example\n"
               "suffix example\n");
-    const std::string device = "PCI\\VEN_8086&DEV_100E&SUBSYS_1\\7";
-    const std::vector<std::string> queries = {
-        "getIpEnabledAdapters()",
-        "getPnpDeviceId(7)",
-        "readLocationInformation(" + device + ")",
-        "getDhcpEnabled(7)",
-        "getMacAddress(7)",
-        "getAdapterTypeAndManufacturer(7)",
-        "getCaption(7)",
-        "getIpAddressAndMask(7)",
-        "getDnsDomainAndHostName(7)",
-        "getStaticRoutes()",
-        "getGateways(7)",
-        "getDnsServersAndSuffixes(7)",
-        "getSettingId(7)",
-        "readNameServer({GUID})",
-    };
-    EXPECT_EQ(machine.queries, queries);
+    std::string asked;
+    for (const machine::TraceEntry& call : machine.trace) {
+        const std::string& text = call.arguments.back().second;
+        asked +=
+            (call.function == "ExecQuery" ? text.substr(7, text.find(" from") - 7) : text) + "|";
+    }
+    EXPECT_EQ(
+        asked,
+        "Index, SettingID|PNPDeviceID|LocationInformation|DHCPEnabled|MACAddress|AdapterType, "
+        "Manufacturer|Caption|IPAddress, IPSubnet|DNSDomain, DNSHostName|Destination, Mask, "
+        "NextHop, Metric1|DefaultIPGateway|DNSServerSearchOrder, DNSDomainSuffixSearchOrder|"
+        "SettingID|NameServer|");
 }
 
 TEST_F(Discovery, KeepsTheMachinesOrderAndLittleOfWhatIsNotPci) {
-    fake::Adapter bare = CompleteAdapter();
+    machine::Adapter bare = CompleteAdapter();
     bare.index = 12;
     bare.pnpDeviceId = "ROOT\\NET\\0000";
-    fake::Adapter second = fake::PciAdapter(3, 1);
-    fake::Adapter nameless;
+    machine::Adapter nameless;
     nameless.index = 20;
-    machine.adapters = {bare, second, nameless, fake::PciAdapter(1, 4)};
-    machine.routes = {fake::Route("10.0.0.0", "255.0.0.0", "10.1.1.1", 5)};
+    machine.state.adapters = {bare, native::PciAdapter(3, 1), nameless, native::PciAdapter(1, 4)};
+    machine.state.routes = {{"10.0.0.0", "255.0.0.0", "10.1.1.1", 5}};
     const std::string rest =
         " 0.0.0.0 0.0.0.0 [|]\nroute 10.0.0.0 255.0.0.0 10.1.1.1 5\ngateways\ndns\n";
     EXPECT_EQ(
         Discovered(),
         "list\nadapter 12 0 0 at 0/0/0 [|||]\nadapter 3 pci 8086 100 at 1/0/0 [|||]\nip" + rest +
             "adapter 20 0 0 at 0/0/0 [|||]\nadapter 1 pci 8086 100 at 4/0/0 [|||]\nip" + rest);
-    EXPECT_EQ(std::count(machine.queries.begin(), machine.queries.end(), "getCaption(12)"), 0);
-    EXPECT_EQ(std::count(machine.queries.begin(), machine.queries.end(), "getStaticRoutes()"), 2);
 }
 
 TEST_F(Discovery, CutsCaptions) {
@@ -176,9 +167,9 @@ TEST_F(Discovery, CutsCaptions) {
         {"a ]b", "b"},
     };
     for (const auto& [caption, kept] : cases) {
-        fake::Adapter adapter = fake::PciAdapter(7, 2);
+        machine::Adapter adapter = native::PciAdapter(7, 2);
         adapter.caption = caption;
-        EXPECT_EQ(Adapter(adapter), "adapter 7 pci 8086 100 at 2/0/0 [|||" + kept + "]") << caption;
+        EXPECT_EQ(Line(adapter), "adapter 7 pci 8086 100 at 2/0/0 [|||" + kept + "]") << caption;
     }
 }
 
@@ -195,9 +186,9 @@ TEST_F(Discovery, ReadsDeviceIdsAsDecimalNumbers) {
         {"", " 0 0"},
     };
     for (const auto& [id, numbers] : cases) {
-        fake::Adapter adapter = fake::PciAdapter(7, 0);
+        machine::Adapter adapter = native::PciAdapter(7, 0);
         adapter.pnpDeviceId = id;
-        EXPECT_EQ(Adapter(adapter), "adapter 7" + numbers + " at 0/0/0 [|||]") << id;
+        EXPECT_EQ(Line(adapter), "adapter 7" + numbers + " at 0/0/0 [|||]") << id;
     }
 }
 
@@ -215,38 +206,35 @@ TEST_F(Discovery, ReadsThePlaceFromItsEnd) {
         {"1,2,99999999999999999999", "1/2/65535"},
     };
     for (const auto& [location, place] : cases) {
-        fake::Adapter adapter = fake::PciAdapter(7, 2);
-        adapter.locationInformation = location;
-        EXPECT_EQ(Adapter(adapter), "adapter 7 pci 8086 100 at " + place + " [|||]") << location;
+        machine::Adapter adapter = native::PciAdapter(7, 2);
+        adapter.pciLocation = location;
+        EXPECT_EQ(Line(adapter), "adapter 7 pci 8086 100 at " + place + " [|||]") << location;
     }
-    fake::Adapter placeless = fake::PciAdapter(7, 2);
-    placeless.locationInformation.reset();
-    EXPECT_THROW(Adapter(placeless), sys::RegistryError);
+    machine::Adapter placeless = native::PciAdapter(7, 2);
+    placeless.pciLocation.reset();
+    EXPECT_THROW(Line(placeless), sys::RegistryError);
 }
 
 TEST_F(Discovery, KnowsServersThatWereSetByHand) {
-    struct StaticCase {
-        const char* what;
-        std::string settingId;
-        std::optional<std::string> nameServer;
-        bool isStatic;
-    };
-    const StaticCase cases[] = {
-        {"a server", "{GUID}", "10.0.0.53", true}, {"a blank", "{GUID}", " ", true},
-        {"no server", "{GUID}", "", false},        {"no value", "{GUID}", std::nullopt, false},
-        {"no interface", "", "10.0.0.53", false},
-    };
-    for (const StaticCase& test : cases) {
-        machine.adapters = {fake::PciAdapter(7, 2)};
-        machine.adapters[0].settingId = test.settingId;
-        machine.adapters[0].nameServer = test.nameServer;
-        EXPECT_EQ(Discovered().find("static dns") != std::string::npos, test.isStatic) << test.what;
+    const std::string kInterfaces =
+        "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Interfaces\\";
+    machine.state.registry = {
+        {kInterfaces + "{A}", {machine::RegistryValue::Text("NameServer", "10.0.0.53")}},
+        {kInterfaces + "{B}", {machine::RegistryValue::Text("NameServer", " ")}},
+        {kInterfaces + "{C}", {machine::RegistryValue::Text("NameServer", "")}}};
+    const std::pair<const char*, bool> cases[] = {
+        {"{A}", true}, {"{B}", true}, {"{C}", false}, {"{D}", false}, {"", false}};
+    for (const auto& [settingId, isStatic] : cases) {
+        machine.state.adapters = {native::PciAdapter(7, 2)};
+        machine.state.adapters[0].settingId = settingId;
+        EXPECT_EQ(Discovered().find("static dns") != std::string::npos, isStatic) << settingId;
     }
 }
 
 TEST_F(Discovery, FindsAnAdapterByItsPlace) {
-    machine.adapters = {fake::PciAdapter(7, 2), fake::PciAdapter(8, 2), fake::PciAdapter(9, 3)};
-    machine.adapters[2].locationInformation = "PCI bus 3, device 4, function 5";
+    machine.state.adapters = {native::PciAdapter(7, 2), native::PciAdapter(8, 2),
+                              native::PciAdapter(9, 3)};
+    machine.state.adapters[2].pciLocation = "PCI bus 3, device 4, function 5";
     sys::NicList list;
     EXPECT_EQ(sys::findNicIndexByPciLocation(list, 2, 0, 0), -1);
     sys::fillNicList(list);
@@ -257,41 +245,34 @@ TEST_F(Discovery, FindsAnAdapterByItsPlace) {
     }
 }
 
-TEST_F(Discovery, ReadsSixtyFourAdaptersAndTenThousandRoutesOncePerAdapter) {
-    machine.routes.assign(10000, fake::Route("10.0.0.0", "255.0.0.0", "10.1.1.1", 5));
+TEST_F(Discovery, ReadsManyRoutesOncePerAdapter) {
+    machine.state.routes.assign(1000, {"10.0.0.0", "255.0.0.0", "10.1.1.1", 5});
     for (std::uint32_t index = 0; index < 64; ++index) {
-        machine.adapters.push_back(fake::PciAdapter(index, static_cast<int>(index)));
+        machine.state.adapters.push_back(native::PciAdapter(index, static_cast<int>(index)));
     }
     sys::NicList list;
     sys::fillNicList(list);
-    EXPECT_EQ(list.Size(), 1 + 64 * (4 + 10000U));
-    EXPECT_EQ(machine.queries.size(), 1 + 64 * 12U);
+    EXPECT_EQ(list.Size(), 1 + 64 * (4 + 1000U));
 }
 
 TEST_F(Discovery, MakesTheProcessesTreeOnceItCanBeRead) {
-    machine.adapters = {CompleteAdapter(), fake::PciAdapter(9, 3)};
-    machine.routes = {fake::Route("10.0.0.0", "255.0.0.0", "10.1.1.1", 5)};
+    machine.state.adapters = {CompleteAdapter(), native::PciAdapter(9, 3)};
+    machine.state.routes = {{"10.0.0.0", "255.0.0.0", "10.1.1.1", 5}};
     const std::string whole = Discovered();
-    const std::size_t calls = machine.queries.size();
-    for (std::size_t failing = 1; failing <= calls; ++failing) {
-        machine.queries.clear();
-        machine.onEveryCall = [&] {
-            if (machine.queries.size() == failing) {
-                throw sys::CWmiError("failed", 1, -5, 0);
-            }
-        };
+    const std::size_t queries = machine.trace.Count("ExecQuery");
+    for (std::size_t failing = 1; failing <= queries; ++failing) {
+        machine.faults = machine::FaultPlan::Parse("ExecQuery#" + std::to_string(failing));
         EXPECT_THROW(sys::getNicList(), sys::CWmiError) << failing;
-        EXPECT_EQ(machine.queries.size(), failing);
     }
-    machine.onEveryCall = nullptr;
+    machine.faults = {};
     sys::NicList& list = sys::getNicList();
     EXPECT_EQ(TextOf(list), whole);
 
-    machine.queries.clear();
-    machine.adapters.clear();
+    machine.trace.Clear();
+    machine.state.adapters.clear();
     EXPECT_EQ(&sys::getNicList(), &list);
     EXPECT_EQ(TextOf(list), whole);  // never refreshed
-    EXPECT_TRUE(machine.queries.empty());
+    EXPECT_EQ(machine.trace.Size(), 0U);
 }
 
 }  // namespace
