@@ -1,4 +1,4 @@
-// The 8 methods on the simulated machine: which object they are called on, what they pass, what
+// The methods on the simulated machine: which object they are called on, what they pass, what
 // comes back, and what is reported when any of their platform calls fails.
 #include "common/sys/WmiMethods.h"
 

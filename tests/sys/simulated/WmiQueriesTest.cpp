@@ -1,4 +1,4 @@
-// The 13 queries on the simulated machine: what they ask for, what they make of the answer, and
+// The queries on the simulated machine: what they ask for, what they make of the answer, and
 // what is left of them when any of their platform calls fails.
 #include "common/sys/WmiQueries.h"
 

@@ -1,4 +1,4 @@
-// The 13 queries and 8 methods against the system's own WMI. What it should say about the adapters
+// The queries and methods against the system's own WMI. What it should say about the adapters
 // comes from GetAdaptersAddresses, which knows them by another road.
 #include <winsock2.h>
 
