@@ -20,9 +20,10 @@ using Calls = std::vector<machine::TraceEntry>;
 
 /// Beside queries, connections and reads.
 constexpr std::string_view counted[] = {
-    "ExecMethod",    "LsaOpenPolicy",      "NetWkstaGetInfo", "GetComputerObjectNameA",
-    "ADsOpenObject", "LoadLibraryA",       "Decrypt",         "CreateProcessA",
-    "Sleep",         "GetFileAttributesA", "CreateFileA"};
+    "ExecMethod",      "RegOpenKeyExA",      "LsaOpenPolicy",
+    "NetWkstaGetInfo", "CreateProcessA",     "GetComputerObjectNameA",
+    "ADsOpenObject",   "LoadLibraryA",       "Decrypt",
+    "Sleep",           "GetFileAttributesA", "CreateFileA"};
 
 std::size_t Count(const Calls& calls, std::string_view function) {
     return static_cast<std::size_t>(
