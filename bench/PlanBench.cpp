@@ -14,7 +14,7 @@
 #include "common/config/ConfigBuilder.h"
 #include "common/config/Event.h"
 #include "common/config/command/SetStaticRoute.h"
-#include "common/sys/NicDiscovery.h"
+#include "common/sys/nic/NicDiscovery.h"
 #include "machine/native/Machine.h"
 #include "tests/native/Machines.h"
 

@@ -19,7 +19,7 @@
 #include "common/config/command/Sleep.h"
 #include "common/err/GeneralError.h"
 #include "common/sys/CryptoDll.h"
-#include "common/sys/NicDiscovery.h"
+#include "common/sys/nic/NicDiscovery.h"
 #include "common/util/Strings.h"
 #include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"

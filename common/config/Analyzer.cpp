@@ -16,7 +16,7 @@
 #include "common/config/command/Reboot.h"
 #include "common/config/command/SetStatic.h"
 #include "common/config/command/Sleep.h"
-#include "common/sys/NicDiscovery.h"
+#include "common/sys/nic/NicDiscovery.h"
 
 namespace config {
 

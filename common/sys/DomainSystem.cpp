@@ -17,8 +17,8 @@
 #include "common/err/GeneralError.h"
 #include "common/lang/Handle.h"
 #include "common/sys/ComPointers.h"
+#include "common/sys/WideText.h"
 #include "common/util/Strings.h"
-#include "common/util/WideText.h"
 
 namespace sys {
 
@@ -45,8 +45,8 @@ struct NetApiBufferTraits {
 };
 using NetApiBuffer = lang::UniqueHandle<NetApiBufferTraits>;
 
-std::string Narrow(const LSA_UNICODE_STRING& text) {
-    return util::Narrow({text.Buffer, text.Length / sizeof(wchar_t)});
+std::string TextOf(const LSA_UNICODE_STRING& text) {
+    return Narrow({text.Buffer, text.Length / sizeof(wchar_t)});
 }
 
 // Messages are searched for as they are: the blanks at their beginnings and ends belong to them.
@@ -75,8 +75,8 @@ LsaBuffer QueryPolicy(const LsaPolicy& policy, POLICY_INFORMATION_CLASS informat
 /// Erases its text when the scope ends.
 class SecretWideText {
 public:
-    explicit SecretWideText(const std::string& narrow) : text_(util::Widen(narrow)) {}
-    ~SecretWideText() { util::SecureErase(text_); }
+    explicit SecretWideText(const std::string& narrow) : text_(Widen(narrow)) {}
+    ~SecretWideText() { SecureErase(text_); }
     SecretWideText(const SecretWideText&) = delete;
     SecretWideText& operator=(const SecretWideText&) = delete;
     const wchar_t* Get() const noexcept { return text_.c_str(); }
@@ -93,14 +93,14 @@ void readMembership(const Membership& membership) {
         const auto* const primary = static_cast<const POLICY_PRIMARY_DOMAIN_INFO*>(buffer.Get());
         membership.isMember = primary->Sid != nullptr;
         if (membership.isMember) {
-            membership.domain = Narrow(primary->Name);
+            membership.domain = TextOf(primary->Name);
         }
     }
     if (const LsaBuffer buffer = QueryPolicy(policy, PolicyDnsDomainInformation)) {
         const auto* const dns = static_cast<const POLICY_DNS_DOMAIN_INFO*>(buffer.Get());
         if (dns->DnsDomainName.Length != 0) {
             membership.isMember = true;
-            membership.dnsDomain = Narrow(dns->DnsDomainName);
+            membership.dnsDomain = TextOf(dns->DnsDomainName);
         }
     }
     if (!membership.isMember) {
@@ -111,8 +111,7 @@ void readMembership(const Membership& membership) {
             return;
         }
         const auto* const info = reinterpret_cast<const WKSTA_INFO_100*>(workstation.Get());
-        membership.workgroup =
-            util::Narrow(reinterpret_cast<const wchar_t*>(info->wki100_langroup));
+        membership.workgroup = Narrow(reinterpret_cast<const wchar_t*>(info->wki100_langroup));
     }
 }
 
@@ -135,8 +134,8 @@ const char* moveComputerObject(const std::string& source, const std::string& des
                                const std::string& account, const std::string& password,
                                std::int32_t& result) {
     const Bstr wideSource{std::string_view(source)};  // automation takes a BSTR
-    const std::wstring wideDestination = util::Widen(destination);
-    const std::wstring wideAccount = util::Widen(account);
+    const std::wstring wideDestination = Widen(destination);
+    const std::wstring wideAccount = Widen(account);
     const SecretWideText widePassword(password);
 
     CoInitialize(nullptr);

@@ -3,8 +3,8 @@
 #include <stdexcept>
 
 #include "common/sys/ComError.h"
+#include "common/sys/WideText.h"
 #include "common/util/Strings.h"
-#include "common/util/WideText.h"
 
 namespace sys {
 
@@ -150,7 +150,7 @@ std::string TextOf(const VARIANT& value) {
         return {};
     }
     const Variant text = ChangeToText(value);
-    return util::Narrow({text.Get().bstrVal, SysStringLen(text.Get().bstrVal)});
+    return Narrow({text.Get().bstrVal, SysStringLen(text.Get().bstrVal)});
 }
 
 bool BooleanOf(const VARIANT& value) noexcept {
@@ -218,7 +218,7 @@ SafeArrayView::~SafeArrayView() {
 
 std::string SafeArrayView::Text(std::size_t position) const {
     BSTR const text = texts_[position];
-    return util::Narrow({text, SysStringLen(text)});
+    return Narrow({text, SysStringLen(text)});
 }
 
 std::vector<std::string> TextsOf(const VARIANT& value) {

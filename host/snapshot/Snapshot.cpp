@@ -8,7 +8,7 @@
 
 #include "common/err/GeneralError.h"
 #include "common/sys/Domain.h"
-#include "common/sys/NicRegistry.h"
+#include "common/sys/nic/NicRegistry.h"
 #include "common/sys/WmiQueries.h"
 #include "host/snapshot/ReadFailure.h"
 

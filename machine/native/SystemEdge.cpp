@@ -1,15 +1,10 @@
 // What the module asks the simulated machine for beside WMI.
-#include <algorithm>
-
 #include "common/err/GeneralError.h"
-#include "common/ipc/IpAddress.h"
-#include "common/ipc/WinSock.h"
-#include "common/lang/Pause.h"
 #include "common/proc/RunCommand.h"
 #include "common/sys/DllProxy.h"
 #include "common/sys/DomainSystem.h"
+#include "common/sys/Pause.h"
 #include "common/sys/RegistryText.h"
-#include "common/util/FileUtils.h"
 #include "machine/Cipher.h"
 #include "machine/Text.h"
 #include "machine/model/Directory.h"
@@ -112,35 +107,12 @@ void DllProxy::GetProcAddress(void*& slot, const char* name) {
     slot = reinterpret_cast<void*>(&Decrypt);
 }
 
-}  // namespace sys
-
-namespace ipc {
-
-void ResolveHostName(const std::string& name, std::uint32_t& address) {
-    const Call call("gethostbyname", {{"name", name}});
-    const auto& hosts = TheMachine().state.hosts;
-    const auto found = std::ranges::find_if(hosts, [&name](const machine::HostName& host) {
-        return machine::EqualNoCase(host.name, name);
-    });
-    if (found == hosts.end()) {
-        throw CIPAddressError("common\\ipc\\IpAddress", "IPAddress::Connect Name Resolution Error",
-                              159, 11001);
-    }
-    if (!found->addresses.empty()) {
-        address = IPv4Address(found->addresses.front()).NetworkOrder();
-    }
-}
-
-}  // namespace ipc
-
-namespace lang {
-
 void Pause(std::uint32_t milliseconds) {
     const Call call("Sleep", {{"milliseconds", std::to_string(milliseconds)}});
     TheMachine().clock += milliseconds;
 }
 
-}  // namespace lang
+}  // namespace sys
 
 namespace proc {
 
@@ -157,40 +129,3 @@ std::int32_t RunCommand(const std::string& commandLine) {
 }
 
 }  // namespace proc
-
-namespace util {
-
-bool FileExists(const std::string& path) {
-    return TheMachine().files.contains(path);
-}
-
-void MoveFile(const std::string& source, const std::string& destination) {
-    TheMachine().files.erase(source);
-    TheMachine().files.insert(destination);
-}
-
-void DeleteFile(const std::string& path) {
-    TheMachine().files.erase(path);
-}
-
-bool IsSameFile(const std::string& left, const std::string& right) {
-    return left == right;
-}
-
-bool StandsAt(const std::string& path, const std::string& target) {
-    return path == target;
-}
-
-std::string ExecutablePath() {
-    return "C:\\agent\\agent.exe";
-}
-
-SplitPath Split(const std::string& path) {
-    const std::size_t separator = path.find_last_of("\\/");
-    if (separator == std::string::npos) {
-        return {{}, path};
-    }
-    return {path.substr(0, separator), path.substr(separator + 1)};
-}
-
-}  // namespace util

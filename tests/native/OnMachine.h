@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "common/logging/LogSink.h"
-#include "common/sys/NicDiscovery.h"
+#include "common/sys/nic/NicDiscovery.h"
 #include "common/util/Strings.h"
 #include "machine/native/Machine.h"
 #include "tests/native/CommandText.h"

@@ -1,12 +1,12 @@
 #include "common/config/command/Sleep.h"
 
-#include "common/lang/Pause.h"
+#include "common/sys/Pause.h"
 #include "common/util/Strings.h"
 
 namespace config::command {
 
 void Sleep::Execute() {
-    lang::Pause(milliseconds_);
+    sys::Pause(milliseconds_);
 }
 
 std::string Sleep::GetDescription() {

@@ -1,4 +1,4 @@
-#include "common/sys/NicDiscovery.h"
+#include "common/sys/nic/NicDiscovery.h"
 
 #include <gtest/gtest.h>
 

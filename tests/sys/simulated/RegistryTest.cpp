@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "common/err/GeneralError.h"
-#include "common/sys/NicRegistry.h"
+#include "common/sys/nic/NicRegistry.h"
 #include "tests/sys/simulated/Sweep.h"
 
 namespace {

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "common/sys/ComPointers.h"
+#include "common/sys/WideText.h"
 #include "common/sys/WmiValues.h"
-#include "common/util/WideText.h"
 #include "tests/sys/support/Outcome.h"
 
 namespace {
@@ -177,17 +177,17 @@ TEST(WmiValues, BooleansAndIntegers) {
 TEST(WideText, EveryByteOfTheCodePageSurvivesTheWayThereAndBack) {
     for (int byte = 0; byte < 256; ++byte) {
         const std::string narrow(1, static_cast<char>(byte));
-        const std::wstring wide = util::Widen(narrow);
+        const std::wstring wide = sys::Widen(narrow);
         // The few bytes that the code page does not define have no way back.
         BOOL replaced = FALSE;
         WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), 1, nullptr, 0, nullptr,
                             &replaced);
-        EXPECT_TRUE(replaced != FALSE || util::Narrow(wide) == narrow) << byte;
+        EXPECT_TRUE(replaced != FALSE || sys::Narrow(wide) == narrow) << byte;
     }
-    EXPECT_EQ(util::Widen("a\0b"s), L"a\0b"s);
-    EXPECT_EQ(util::Narrow(L"a\0b"s), "a\0b"s);
-    EXPECT_EQ(util::Narrow(L"\x4E2D"), "?") << "not in the code page";
-    EXPECT_STREQ(util::WideToMBCSString(L"owned").Get(), "owned");
+    EXPECT_EQ(sys::Widen("a\0b"s), L"a\0b"s);
+    EXPECT_EQ(sys::Narrow(L"a\0b"s), "a\0b"s);
+    EXPECT_EQ(sys::Narrow(L"\x4E2D"), "?") << "not in the code page";
+    EXPECT_STREQ(sys::WideToMBCSString(L"owned").Get(), "owned");
     const sys::Bstr narrow(std::string_view("sch\xF6n"));
     EXPECT_EQ(std::wstring(narrow.Get(), SysStringLen(narrow.Get())), L"sch\x00F6n");
     const sys::Bstr empty{std::string_view()};
@@ -199,7 +199,7 @@ TEST(WideText, ErasingOverwritesEverythingThatTheTextOwns) {
     std::wstring secret = L"a secret that is too long to be kept inside the object";
     const wchar_t* const memory = secret.data();
     const std::size_t length = secret.size();
-    util::SecureErase(secret);
+    sys::SecureErase(secret);
     EXPECT_TRUE(secret.empty());
     EXPECT_EQ(secret.data(), memory) << "the memory was given back before it was overwritten";
     EXPECT_EQ(std::wstring(memory, length), std::wstring(length, L'\0'));

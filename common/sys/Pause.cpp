@@ -1,11 +1,11 @@
-#include "common/lang/Pause.h"
+#include "common/sys/Pause.h"
 
 #include <windows.h>
 
-namespace lang {
+namespace sys {
 
 void Pause(std::uint32_t milliseconds) {
     ::Sleep(milliseconds);
 }
 
-}  // namespace lang
+}  // namespace sys

@@ -1,4 +1,4 @@
-#include "common/sys/NicRegistry.h"
+#include "common/sys/nic/NicRegistry.h"
 
 #include "common/sys/RegistryText.h"
 

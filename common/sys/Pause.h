@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-namespace lang {
+namespace sys {
 
 /// Suspends the calling thread (the platform's Sleep).
 void Pause(std::uint32_t milliseconds);
 
-}  // namespace lang
+}  // namespace sys

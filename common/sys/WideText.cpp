@@ -1,10 +1,11 @@
-#include "common/util/WideText.h"
+#include "common/sys/WideText.h"
 
 #include <windows.h>
 
-namespace util {
+namespace sys {
 
-// The conversions refuse an empty text and set the thread's last error, which somebody may report.
+// The conversions refuse an empty text and set the thread's last error, which a later report would
+// show.
 
 WideToMBCSString::WideToMBCSString(std::wstring_view wide) {
     if (wide.empty()) {
@@ -39,4 +40,4 @@ void SecureErase(std::wstring& text) noexcept {
     text.clear();
 }
 
-}  // namespace util
+}  // namespace sys

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "common/sys/NicInfo.h"
+#include "common/sys/nic/NicInfo.h"
 
 namespace sys {
 

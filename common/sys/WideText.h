@@ -5,7 +5,7 @@
 #include <string_view>
 
 /// Conversions at the boundaries that speak wide text. The system code page (CP_ACP) throughout.
-namespace util {
+namespace sys {
 
 /// Owns a narrow copy of a wide text for the life of the object.
 class WideToMBCSString {
@@ -24,4 +24,4 @@ std::wstring Widen(std::string_view narrow);
 /// Overwrites all the memory that the string owns and leaves it empty.
 void SecureErase(std::wstring& text) noexcept;
 
-}  // namespace util
+}  // namespace sys

@@ -1,4 +1,4 @@
-#include "common/sys/NicInfo.h"
+#include "common/sys/nic/NicInfo.h"
 
 namespace sys {
 

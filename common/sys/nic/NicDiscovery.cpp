@@ -1,4 +1,4 @@
-#include "common/sys/NicDiscovery.h"
+#include "common/sys/nic/NicDiscovery.h"
 
 #include <algorithm>
 #include <memory>
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "common/err/GeneralError.h"
-#include "common/sys/NicRegistry.h"
+#include "common/sys/nic/NicRegistry.h"
 #include "common/util/Strings.h"
 
 namespace sys {
