@@ -28,6 +28,8 @@ public:
     ImportTable& operator=(ImportTable&&) = delete;
 
     HMODULE Image() const { return image_; }
+    // The image keeps what stands in its table now, as long as it is loaded.
+    void Leave() noexcept { replaced_.clear(); }
 
 private:
     struct Slot {

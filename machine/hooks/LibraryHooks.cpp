@@ -2,8 +2,6 @@
 // libraries are real.
 #include <windows.h>
 
-#include <cstdlib>
-#include <new>
 #include <string>
 
 #include "machine/Call.h"
@@ -29,42 +27,8 @@ std::uintptr_t IdentityOf(HMODULE module) {
     return reinterpret_cast<std::uintptr_t>(module);
 }
 
-// Allocates as the module's runtime does, from the C runtime that all images share, whatever
-// operator new the program around this library has.
-template <typename Value>
-struct SharedAllocator {
-    using value_type = Value;
-
-    SharedAllocator() = default;
-    template <typename Other>
-    explicit SharedAllocator(const SharedAllocator<Other>&) {}
-
-    Value* allocate(std::size_t count) {
-        void* block = std::malloc(count * sizeof(Value));
-        if (block == nullptr) {
-            throw std::bad_alloc();
-        }
-        return static_cast<Value*>(block);
-    }
-    void deallocate(Value* block, std::size_t) { std::free(block); }
-    bool operator==(const SharedAllocator&) const { return true; }
-};
-
-using SharedString = std::basic_string<char, std::char_traits<char>, SharedAllocator<char>>;
-static_assert(sizeof(SharedString) == sizeof(std::string));
-
-// Gives a string of the module a new text.
-void Assign(std::string& target, const std::string& text) {
-    const bool isUnallocated = target.capacity() == std::string().capacity();
-    if (text.size() > target.capacity() && isUnallocated) {
-        reinterpret_cast<SharedString&>(target).assign(text.data(), text.size());
-    } else {
-        target = text;
-    }
-}
-
 // The stand-in for the library's function. The module and this library share the string type's
-// layout.
+// layout and the C runtime's memory.
 int Decrypt(const std::string& enciphered, std::string& plain) {
     const ServingCore core;
     if (!core) {
@@ -78,7 +42,7 @@ int Decrypt(const std::string& enciphered, std::string& plain) {
     if (const auto fault = call.Fault()) {
         return result(static_cast<int>(*fault));
     }
-    Assign(plain, Decipher(enciphered));
+    plain = Decipher(enciphered);
     return result(0);
 }
 

@@ -6,8 +6,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <map>
-#include <stdexcept>
 
 #include "common/util/Strings.h"
 #include "machine/ImportTable.h"
@@ -23,8 +21,8 @@ ModuleHeap* ModuleHeap::active_ = nullptr;
 #define Caller() _ReturnAddress()
 #endif
 
-/// What stands in the module's import table in place of the C runtime's functions. Without a
-/// watcher they are those functions.
+/// What stands in the module's import table in the place of functions that give and take memory.
+/// Without a watcher they are those functions.
 struct ModuleHeap::Hooks {
     static void* Note(void* block, std::size_t size, const void* caller) {
         if (active_ != nullptr && block != nullptr) {
@@ -38,14 +36,10 @@ struct ModuleHeap::Hooks {
         }
         return block;
     }
+    static bool IsRefused() { return active_ != nullptr && active_->FailsNow(); }
 
     static void* Malloc(std::size_t size) {
-#ifndef TOOLBOX_CHECKED
-        if (active_ != nullptr && active_->FailsNow()) {
-            return nullptr;
-        }
-#endif
-        return Note(std::malloc(size), size, Caller());
+        return IsRefused() ? nullptr : Note(std::malloc(size), size, Caller());
     }
     static void* Calloc(std::size_t count, std::size_t size) {
         return Note(std::calloc(count, size), count * size, Caller());
@@ -54,46 +48,29 @@ struct ModuleHeap::Hooks {
         Forget(block);
         return Note(std::realloc(block, size), size, Caller());
     }
-    static void Free(void* block) {
-        std::free(Forget(block));
-    }
+    static void Free(void* block) { std::free(Forget(block)); }
 
-    // The guard allocator takes every block from here.
-    static void* WINAPI Reserve(void* address, SIZE_T size, DWORD kind, DWORD protection) {
-        if (active_ != nullptr && active_->FailsNow()) {
-            return nullptr;
-        }
-        return VirtualAlloc(address, size, kind, protection);
+    // The checked build's; they are of the allocator that every image shares.
+    static inline void* (*guardAllocate)(std::size_t, std::size_t);
+    static inline void (*guardFree)(void*);
+    static void* GuardAllocate(std::size_t size, std::size_t alignment) {
+        return IsRefused() ? nullptr : Note(guardAllocate(size, alignment), size, Caller());
     }
-
-    static void* Find(const std::string& function) {
-        static const std::map<std::string, void*> rows = {
-            {"malloc", reinterpret_cast<void*>(&Malloc)},
-            {"calloc", reinterpret_cast<void*>(&Calloc)},
-            {"realloc", reinterpret_cast<void*>(&Realloc)},
-            {"free", reinterpret_cast<void*>(&Free)},
-#ifdef TOOLBOX_CHECKED
-            {"VirtualAlloc", reinterpret_cast<void*>(&Reserve)},
-#endif
-        };
-        const auto found = rows.find(function);
-        return found == rows.end() ? nullptr : found->second;
-    }
+    static void GuardFree(void* block) { guardFree(Forget(block)); }
 };
 
 ModuleHeap::ModuleHeap(HMODULE image) : image_(image) {
-    for (const machine::Import& import : machine::ListImports(image)) {
-        void* const replacement = Hooks::Find(import.function);
-        if (replacement == nullptr) {
-            continue;
-        }
-        DWORD protection = 0;
-        if (VirtualProtect(import.place, sizeof(void*), PAGE_READWRITE, &protection) == 0) {
-            throw std::runtime_error("the import table cannot be written");
-        }
-        *import.place = replacement;
-        VirtualProtect(import.place, sizeof(void*), protection, &protection);
-    }
+    const machine::Hook hooks[] = {
+        {"malloc", reinterpret_cast<void*>(&Hooks::Malloc)},
+        {"calloc", reinterpret_cast<void*>(&Hooks::Calloc)},
+        {"realloc", reinterpret_cast<void*>(&Hooks::Realloc)},
+        {"free", reinterpret_cast<void*>(&Hooks::Free)},
+        {"GuardAllocate", reinterpret_cast<void*>(&Hooks::GuardAllocate),
+         reinterpret_cast<void**>(&Hooks::guardAllocate)},
+        {"GuardFree", reinterpret_cast<void*>(&Hooks::GuardFree),
+         reinterpret_cast<void**>(&Hooks::guardFree)},
+    };
+    machine::ImportTable(image, hooks).Leave();
     active_ = this;
 }
 

@@ -11,7 +11,7 @@
 
 namespace e2e {
 
-/// Watches the C runtime's memory functions that the image imports, from construction on and
+/// Watches the memory functions that the image imports, from construction on and
 /// through its unloading; one at a time, on one thread. The image keeps what replaces them: it must
 /// be unloaded before the program ends, and a later load of it starts afresh.
 class ModuleHeap {
@@ -21,9 +21,8 @@ public:
     ModuleHeap(const ModuleHeap&) = delete;
     ModuleHeap& operator=(const ModuleHeap&) = delete;
 
-    /// Blocks allocated since construction and not freed. In the checked build the guard allocator
-    /// serves operator new and accounts for it itself.
-    /// A line each, in order: "24 bytes, allocated at +0x1234 in the module".
+    /// Blocks allocated since construction and not freed, a line each, in order: "24 bytes,
+    /// allocated at +0x1234 in the module".
     std::vector<std::string> Outstanding() const;
 
     /// The calls of operator new that reach its source of memory, counted from 1 since here, fail
