@@ -1,0 +1,249 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "machine/MachineFile.h"
+#include "tests/host/configure/Support.h"
+
+namespace {
+
+using namespace configure_tests;
+using host_tests::Outcome;
+using testing::HasSubstr;
+using testing::Not;
+
+machine::State OneAdapter() {
+    machine::State state;
+    state.computerName = "BOX";
+    state.hostName = "BOX";
+    state.dnsSuffixes = {"corp.example"};
+    machine::Adapter& adapter = state.adapters.emplace_back(machine::DefaultState().adapters[1]);
+    adapter.index = 7;
+    adapter.dhcpLease.reset();
+    adapter.ipAddress = machine::TextList{"10.0.0.20"};
+    adapter.gateways = machine::TextList{"10.0.0.254"};
+    adapter.staticDns = {"10.0.0.1"};
+    adapter.dnsServers = adapter.staticDns;
+    return state;
+}
+
+constexpr const char* kOffice = R"([TCP/IP]
+Description=Back office
+DHCP=False
+Address=10.0.0.20
+Netmask=255.255.0.0
+Gateway=10.0.0.254
+DNS-Server-Count=2
+DNS-Server0=10.0.0.1
+DNS-Server1=10.0.0.2
+DNS-SuffixSearchOrder=corp.example
+Static-Route-Count=-1
+DHCP=True
+Speed=1000
+[Printers]
+Default=2
+Duplex=yes
+)";
+
+class Report : public testing::Test {
+protected:
+    Outcome Run(const std::string& config, const machine::State& machine,
+                const Arguments& more = {}) {
+        files_.Write("site.ini", config);
+        files_.Write("box.json", machine::FormatState(machine));
+        return Configure(With({"site.ini", "--machine", "box.json"}, more));
+    }
+
+    Files files_;
+};
+
+TEST_F(Report, SaysOfEverySettingWhatBecomesOfItAndWhy) {
+    const Outcome plan = Run(kOffice, OneAdapter(), {"--plan"});
+    EXPECT_EQ(plan.exitCode, 2U);
+    EXPECT_EQ(plan.notes, "");
+    EXPECT_EQ(plan.data, R"(Plan for site.ini on box.json
+site.ini:2  Adapter        PCI 3/0/0 "Ethernet 2" (index 7)
+  * Back office                         the next free PCI adapter
+site.ini:4  IP addresses   PCI 3/0/0 "Ethernet 2" (index 7)
+  = 10.0.0.20/255.255.255.0 -> 10.0.0.20/255.255.0.0  )"
+                         R"(skipped although it differs: the module compares the first address alone
+    waits 8 s after static addressing
+site.ini:6  Gateways       PCI 3/0/0 "Ethernet 2" (index 7)
+  = 10.0.0.254                          already set
+site.ini:8  DNS servers    PCI 3/0/0 "Ethernet 2" (index 7)
+  ~ 10.0.0.1 -> 10.0.0.1, 10.0.0.2      SetDNSServerSearchOrder
+site.ini:10  DNS suffixes   PCI 3/0/0 "Ethernet 2" (index 7)
+  = corp.example                        already set
+site.ini:11  Not used
+  x Static-Route-Count                  the module reads it and nothing follows from it here
+site.ini:12  Not used
+  x DHCP                                the key stands in line 3 already, and the first one counts
+site.ini:13  Not used
+  x Speed                               the module does not look for this key here
+site.ini:15  [Printers]
+  x 2 keys                              the module does not read this section
+Plan: 1 change, 2 already right, 1 skipped, 4 without effect. Restart: no.
+Machine, before and after:
+  PCI 3/0/0 "Ethernet 2" (index 7)
+    ~ DNS servers: 10.0.0.1 -> 10.0.0.1, 10.0.0.2
+    ~ DNS servers set by hand: 10.0.0.1 -> 10.0.0.1, 10.0.0.2
+Reply: Result=Success
+)");
+}
+
+TEST_F(Report, FailuresNameTheirPlace) {
+    const machine::State machine = OneAdapter();
+    machine::State bare = machine;
+    bare.adapters.clear();
+    machine::State unaddressed = machine;
+    unaddressed.adapters[0].ipAddress.reset();
+    const std::string routes =
+        "[NicEntry1]\nDescription=x\nDHCP=true\nDNS-Server-Count=0\nDNS-SuffixSearchOrder=a.b\n"
+        "Static-Route-Count=2\nRoute0=10.1.0.0,255.255.0.0,10.0.0.9,,1,\n"
+        "Route1=10.2.0.0,255.255.0.0,10.0.0.9,,1,\n";
+    struct Case {
+        const char* fault;
+        const machine::State& machine;
+        std::string config;
+        const char* failed;
+        const char* code;
+    };
+    const Case cases[] = {
+        {"ConnectServer", machine, kOffice,
+         "Failed: looking at the machine; nothing was executed\n"
+         "  call: ConnectServer: 0x80041003",
+         "code: -2147217405 (0x80041003), WMI: access denied"},
+        {"RegQueryValueExA=5", machine, kOffice,
+         "Failed: looking at the machine; nothing was executed\n"
+         "  call: RegQueryValueExA \"LocationInformation\" of "
+         "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Enum\\PCI\\",
+         ": error 5\n  adapter: PCI 3/0/0 \"Ethernet 2\" (index 7)\n  code: 0 (0x0)"},
+        {"", unaddressed, kOffice,
+         "  call: Get \"IPAddress\" of \"select IPAddress, IPSubnet from "
+         "Win32_NetworkAdapterConfiguration where Index=7\": null\n"
+         "  adapter: PCI 3/0/0 \"Ethernet 2\" (index 7)\n",
+         "the module failed: Invalid argument passed to attach()"},
+        {"LoadLibraryA", machine, "[Networking]\nDomainUsername=eravbw\nComputerName=PC7\n",
+         "Failed: reading the configuration; nothing was executed\n  call: LoadLibraryA", "126"},
+        {"MoveFileA=5", machine, kOffice,
+         "Failed: putting the file away; every command before it was executed\n"
+         "  call: MoveFileA: FALSE, error 5",
+         "code: 5 (0x5)"},
+        {"ExecMethod#1", machine, kOffice,
+         "Failed: SetDns (adapter index 7)\n  call: ExecMethod "
+         "Win32_NetworkAdapterConfiguration.Index=7.SetDNSServerSearchOrder: 0x80041001",
+         "  adapter: PCI 3/0/0"},
+        {"SetDNSServerSearchOrder=91", machine, kOffice,
+         "Failed: SetDns (adapter index 7)\n  call: SetDNSServerSearchOrder\n",
+         "  code: 91 (0x5B), access denied\n  status code of the reply: 4 (0x4)\n"
+         "  done: nothing\n  not attempted: DNS suffixes (site.ini:10)\n"
+         "Machine: nothing changed.\n"},
+        {"route#2=7", machine, routes,
+         "Failed: SetStaticRoute\n  call: route -p ADD 10.2.0.0 mask 255.255.0.0 10.0.0.9 METRIC 1",
+         "code: 7 (0x7), the program's exit code"},
+        {"", bare, kOffice, "Failed: ConfigureNic\n", "no PCI adapter left"},
+        {"", machine, "[TCP/IP]\nDescription=x\nDHCP=true\nDNS-Server-Count=100001\n",
+         "Failed: reading the configuration", "87 (0x57), a count in the file is out of range"},
+    };
+    for (const Case& tried : cases) {
+        const Arguments faults =
+            *tried.fault == '\0' ? Arguments{} : Arguments{"--fail", tried.fault};
+        const Outcome outcome = Run(tried.config, tried.machine, faults);
+        EXPECT_NE(outcome.exitCode, 0U) << tried.fault;
+        EXPECT_THAT(outcome.data, HasSubstr(tried.failed)) << tried.fault;
+        EXPECT_THAT(outcome.data, HasSubstr(tried.code)) << tried.fault;
+        EXPECT_THAT(outcome.data, HasSubstr("\n  done: ")) << tried.fault;
+        EXPECT_THAT(outcome.data, HasSubstr("\n  not attempted: ")) << tried.fault;
+        EXPECT_EQ(outcome.notes, "") << tried.fault;
+    }
+}
+
+TEST_F(Report, WhatIsReadAfterACommandIsNotBlamedOnIt) {
+    // The query for the suffixes follows the method that sets the servers.
+    Run(kOffice, OneAdapter(), {"--trace", "after.jsonl"});
+    std::istringstream lines(ReadFile("after.jsonl"));
+    std::size_t point = 0;
+    bool methodSeen = false;
+    for (std::string line; point == 0 && std::getline(lines, line);) {
+        const Json call = Json::parse(line);
+        methodSeen = methodSeen || call["function"] == "IWbemServices::ExecMethod";
+        if (methodSeen && call["function"] == "IWbemServices::ExecQuery") {
+            point = call["faultPoint"];
+        }
+    }
+    ASSERT_NE(point, 0U);
+    const Outcome run = Run(kOffice, OneAdapter(), {"--fail", "call:" + std::to_string(point)});
+    EXPECT_THAT(run.data, HasSubstr("Failed: reading a present setting after SetDns"));
+    EXPECT_THAT(run.data, HasSubstr("  done: DNS servers (site.ini:8)\n"
+                                    "  not attempted: DNS suffixes (site.ini:10)\n"));
+}
+
+TEST_F(Report, TheRestartStoryLooksAhead) {
+    machine::State machine = OneAdapter();
+    machine.domains = machine::DefaultState().domains;
+    const std::string join =
+        "[Networking]\nDomainUsername=eravbw\nDomainPassword=6-rZ-avbW\nWorkgroup=false\n"
+        "DNSDomain=corp.example\nComputerName=PC7\n";
+    const Outcome run = Run(join, machine);
+    EXPECT_EQ(run.exitCode, 3U);
+    EXPECT_THAT(run.data, HasSubstr(R"(site.ini:5  Domain
+  > workgroup WORKGROUP -> domain corp.example  after the restart
+site.ini:6  Computer name
+  ~ BOX -> PC7                          Rename
+Run: 1 change, 0 already right, 1 after the restart. Restart: yes.
+)"));
+    EXPECT_THAT(run.data, HasSubstr(R"(Restart:
+  takes effect with it: computer name PC7
+  the file stays and is sent again; then:
+    site.ini:5  Domain: workgroup WORKGROUP -> domain corp.example     JoinDomainOrWorkgroup)"));
+    EXPECT_THAT(run.data, HasSubstr("\n  and the module asks for one more restart\nReply: "));
+}
+
+TEST_F(Report, ARestartThatIsNotReportedIsToldAllTheSame) {
+    const Outcome run = Run("[Global]\nRebootAfterConfig=FALSE\n[Networking]\nComputerName=PC7\n" +
+                                std::string(kOffice),
+                            OneAdapter());
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_THAT(run.data,
+                HasSubstr("the run stopped for one, and the module calls that a failure"));
+    EXPECT_THAT(run.data, HasSubstr("Restart: needed, and not reported."));
+    EXPECT_THAT(run.data, HasSubstr("RebootAfterConfig is false: the file is put away"));
+    EXPECT_THAT(run.data, HasSubstr("Reply: Result=Failure, Status-Module=Tovrune, Status-Code=3"));
+    // The marker stands at the end: the adapter's settings had their turn.
+    EXPECT_THAT(run.data, Not(HasSubstr("not attempted")));
+}
+
+TEST_F(Report, AConfigurationThatNeverSettlesIsFound) {
+    // Each of the two adapters wants the machine's routes to be its own.
+    machine::State machine = OneAdapter();
+    machine.adapters[0].dhcpLease = machine::DhcpLease{{"10.0.0.20"}, {"255.0.0.0"}, {}, {}, ""};
+    machine::Adapter second = machine.adapters[0];
+    second.index = 8;
+    second.connectionName = "Ethernet 3";
+    machine.adapters.push_back(second);
+    const std::string section =
+        "\nDescription=x\nDHCP=true\nDNS-Server-Count=0\n"
+        "DNS-SuffixSearchOrder=a.b\nStatic-Route-Count=1\nRoute0=10.";
+    const Outcome run =
+        Run("[NicEntry1]" + section + "1.0.0,255.255.0.0,10.0.0.9,,1,\n[NicEntry2]" + section +
+                "2.0.0,255.255.0.0,10.0.0.9,,1,\n",
+            machine, {"--until-done"});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_THAT(run.data,
+                HasSubstr("Never settles: a further run would not leave the machine as it "
+                          "is.\n  again: Static routes"));
+}
+
+TEST_F(Report, FivePassesAreEnough) {
+    // The unjoin is answered and does nothing, so that every pass asks for another restart.
+    machine::State member = OneAdapter();
+    member.membership = machine::Membership::OfDomain("CORP", "corp.example");
+    const Outcome run = Run("[Networking]\nWorkgroup=true\nDomain=LAB\n", member,
+                            {"--until-done", "--fail", "JoinDomainOrWorkgroup=0"});
+    EXPECT_EQ(run.exitCode, 1U);
+    EXPECT_THAT(run.data, HasSubstr("\nPass 5\n"));
+    EXPECT_THAT(run.data, Not(HasSubstr("\nPass 6\n")));
+    EXPECT_THAT(run.data,
+                HasSubstr("Does not settle: after 5 passes the module still asks for a restart."));
+}
+
+}  // namespace

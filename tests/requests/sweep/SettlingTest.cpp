@@ -1,0 +1,152 @@
+// Random configurations on random machines, presented again and again with a restart between. What
+// "check" finds no error in runs without one and comes to an end: requests that change nothing.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "host/check/FileCheck.h"
+#include "machine/MachineFile.h"
+#include "tests/host/check/RandomFile.h"
+#include "tests/requests/cases/CaseFile.h"
+#include "tests/requests/harness/Actions.h"
+#include "tests/requests/sweep/Subject.h"
+#include "tests/requests/sweep/Summary.h"
+
+namespace sweep {
+namespace {
+
+#ifdef TOOLBOX_CHECKED
+constexpr unsigned pairs = 120;  // the guard allocator takes its time
+constexpr int mostFailing = 8;
+#else
+constexpr unsigned pairs = 400;
+constexpr int mostFailing = 25;
+#endif
+constexpr int mostRequests = 8;
+
+/// Inside or outside a domain, with adapters enough for every section and with some routes.
+machine::State RandomMachine(check_tests::RandomFile& random) {
+    machine::State state = cases::LoadBaseMachine(random.Below(3) == 0 ? "member" : "workgroup");
+    for (std::uint32_t index = 20; index < 24; ++index) {
+        machine::Adapter adapter = state.adapters[static_cast<std::size_t>(random.Below(2))];
+        adapter.index = index;
+        adapter.settingId = "{6C7F1A52-90B4-4C1E-9D57-0A1B2C3D4E" + std::to_string(index) + "}";
+        adapter.pnpDeviceId = "PCI\\VEN_8086&DEV_100E\\" + std::to_string(index);
+        state.adapters.push_back(adapter);
+    }
+    state.routes.clear();
+    for (const char* const destination : {"10.9.0.0", "10.77.0.0", "10.78.0.0"}) {
+        if (random.Below(2) == 0) {
+            state.routes.push_back({destination, "255.255.0.0", "10.0.0.9", 1 + random.Below(5)});
+        }
+    }
+    state.system.adapterChangesNeedRestart = random.Below(5) == 0;
+    state.system.comSecuritySet = random.Below(5) == 0;
+    return state;
+}
+
+/// Whether the request did something that took effect. A pause does nothing, and what the machine
+/// refuses may be tried for ever. 1 means a restart for a method and a refusal for route.
+bool HadEffect(const requests::RunResult& run) {
+    const std::vector<std::string> actions = requests::ListActions(run.calls);
+    return std::ranges::any_of(actions, [](const std::string& action) {
+        return action.ends_with("-> 0") ||
+               (action.ends_with("-> 1") && !action.starts_with("route ")) ||
+               (action.starts_with("move ") && action.ends_with("-> S_OK"));
+    });
+}
+
+/// What "check" says of a file, and what it cannot: the machine's domain may refuse.
+struct Forecast {
+    bool hasErrors = false;
+    bool maySwing = false;  // sections set the machine's suffixes in turn
+    bool needsADomain = false;
+};
+
+Forecast Foresee(const Subject& subject, const std::string& file) {
+    const host::check::CheckedFile checked = host::check::CheckFile(file);
+    Forecast forecast;
+    forecast.hasErrors = checked.findings.Errors() > 0;
+    for (const host::check::Finding& finding : checked.findings.List()) {
+        forecast.maySwing |= finding.code == std::string("suffix-conflict");
+    }
+    forecast.needsADomain = subject.machine.membership.member ||
+                            subject.text.find("Workgroup=False") != std::string::npos ||
+                            subject.text.find("DomainUsername") != std::string::npos;
+    return forecast;
+}
+
+struct Course {
+    bool settled = false;
+    std::string caught;  // the lines with which the module says that it has caught an error
+};
+
+void Check(const requests::RunResult& run, const Subject& subject, Trial& trial) {
+    EXPECT_EQ(run.escaped, "");
+    EXPECT_EQ(run.result, 1);
+    EXPECT_EQ(run.unexpected, std::vector<std::string>());
+    EXPECT_EQ(run.comBlocks, 0U);
+    EXPECT_EQ(trial.MemoryLeaks(), std::vector<std::string>());
+    EXPECT_EQ(trial.TakeLeaks(), std::vector<std::string>());
+    EXPECT_EQ(requests::FindSecret(run, subject.machine), "");
+    const bool isReboot = run.reply == std::map<std::string, std::string>{{"Result", "Reboot"}};
+    EXPECT_EQ(trial.File().WhereIsIt(), isReboot ? "kept" : "put away");
+}
+
+Course Follow(const Subject& subject, Trial& trial) {
+    Course course;
+    int quiet = 0;
+    for (int request = 0; request < mostRequests && quiet < 2; ++request) {
+        const machine::State before = trial.Machine().GetState();
+        const requests::RunResult run = trial.Run();
+        Check(run, subject, trial);
+        for (const std::string& line : run.log) {
+            course.caught += line.find("caught") == std::string::npos ? "" : line + "\n";
+        }
+        const bool changed = HadEffect(run) || trial.Machine().GetState() != before;
+        EXPECT_FALSE(changed && quiet > 0) << "a request changes something behind one that did not";
+        quiet = changed ? 0 : quiet + 1;
+        trial.Machine().Restart();
+    }
+    course.settled = quiet == 2;
+    return course;
+}
+
+TEST(Settling, RandomConfigurationsOnRandomMachines) {
+    check_tests::RandomFile random(20'000);
+    int good = 0;
+    int failed = 0;
+    int unsettled = 0;
+    for (unsigned pair = 0; pair < pairs && !HasFailure(); ++pair) {
+        NotePoint("pair " + std::to_string(pair));
+        const Subject subject{"random", random.Make(), std::nullopt, RandomMachine(random)};
+        Trial trial(subject);
+        const Forecast forecast = Foresee(subject, trial.File().Present());
+        if (forecast.hasErrors && failed >= mostFailing) {
+            continue;
+        }
+        const Course course = Follow(subject, trial);
+        unsettled += course.settled ? 0 : 1;
+        if (forecast.hasErrors) {
+            failed += course.caught.empty() ? 0 : 1;
+        } else {
+            EXPECT_TRUE(course.settled || forecast.maySwing);
+            EXPECT_TRUE(course.caught.empty() || forecast.needsADomain) << course.caught;
+            good += forecast.needsADomain ? 0 : 1;
+        }
+        if (HasFailure()) {
+            std::printf("%s\n%s\n", subject.text.c_str(),
+                        machine::FormatState(subject.machine).c_str());
+        }
+    }
+    std::printf("%u pairs: %d good, %d with errors that the module meets, %d that never settle\n",
+                pairs, good, failed, unsettled);
+    EXPECT_GE(good, mostFailing);
+    EXPECT_EQ(failed, mostFailing);
+}
+
+}  // namespace
+}  // namespace sweep
