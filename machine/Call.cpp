@@ -14,7 +14,6 @@ const DWORD insideSlot = TlsAlloc();
 std::size_t Enter(Core& core) {
     EnterCriticalSection(core.Lock());
     TlsSetValue(insideSlot, &core);
-    core.CollectRouteChildren();
     return core.trace.Size();
 }
 

@@ -54,11 +54,14 @@ bool Core::ComIsInitialised() const {
     });
 }
 
-void Core::CollectRouteChildren() {
-    // In the order started: a later command saw what an earlier one left.
-    while (!routeChildren.empty() && routeChildren.front().Ended()) {
-        routeChildren.front().Apply(state);
-        routeChildren.erase(routeChildren.begin());
+RouteChild* Core::FindRouteChild(HANDLE process) {
+    const auto found = std::ranges::find(routeChildren, process, &RouteChild::Process);
+    return found == routeChildren.end() ? nullptr : &*found;
+}
+
+void Core::RunRouteChildren() {
+    for (RouteChild& child : routeChildren) {
+        child.Run(state);
     }
 }
 

@@ -6,7 +6,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
@@ -60,18 +59,19 @@ public:
     std::map<std::uintptr_t, std::unique_ptr<std::byte[]>> buffers;  // of LSA and NetApi
     // By interface pointer; those already released too.
     std::unordered_map<const void*, std::unique_ptr<ComObjectBase>> objects;
-    std::vector<RouteChild> routeChildren;
-    HandleSet standardHandles;  // given out by GetStdHandle
+    std::vector<RouteChild> routeChildren;  // whose handles are not closed yet
+    HandleSet standardHandles;              // given out by GetStdHandle
     std::vector<std::unique_ptr<ImportTable>> images;
-    std::filesystem::path routeProgram;
     std::string programFile;  // empty: the real one
 
     // A handle value that the process can have no real handle of.
     std::uintptr_t NewHandle();
     void RecordUnexpected(std::string what);
     bool ComIsInitialised() const;
-    // Takes over the effects of route programs that have ended.
-    void CollectRouteChildren();
+    // The route program behind the handle; null when there is none.
+    RouteChild* FindRouteChild(HANDLE process);
+    // Lets the route programs do what nobody has waited for, in the order started.
+    void RunRouteChildren();
 
     CRITICAL_SECTION* Lock() { return &lock_; }
 

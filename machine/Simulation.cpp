@@ -16,20 +16,6 @@ namespace {
 
 constexpr std::uint64_t restartTakes = 60'000;  // milliseconds
 
-std::filesystem::path DefaultRouteProgram() {
-    std::wstring file(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length =
-            GetModuleFileNameW(nullptr, file.data(), static_cast<DWORD>(file.size()));
-        if (length < file.size()) {
-            file.resize(length);
-            break;
-        }
-        file.resize(file.size() * 2);
-    }
-    return std::filesystem::path(file).replace_filename(L"simulated-route.exe");
-}
-
 // The lock of a core for the time of an access from outside.
 class Locked {
 public:
@@ -69,7 +55,6 @@ Simulation::Simulation(State state) {
     Real();
     AllHooks();
     core_ = std::make_shared<Core>();
-    core_->routeProgram = DefaultRouteProgram();
     core_->comSecuritySet = state.system.comSecuritySet;
     core_->state = std::move(state);
     Core::SetActive(core_);
@@ -102,13 +87,13 @@ void Simulation::Detach(HMODULE image) {
 
 const State& Simulation::GetState() {
     const Locked locked(*core_);
-    core_->CollectRouteChildren();
+    core_->RunRouteChildren();
     return core_->state;
 }
 
 void Simulation::SetState(State state) {
     const Locked locked(*core_);
-    core_->CollectRouteChildren();
+    core_->RunRouteChildren();
     core_->state = std::move(state);
 }
 
@@ -156,10 +141,7 @@ std::chrono::nanoseconds Simulation::TimeInCalls() const {
 void Simulation::Restart() {
     Call call(*core_, "restart of the machine", {}, Failing::Never);
     // What the module did not wait for is done before the machine goes down.
-    for (const RouteChild& child : core_->routeChildren) {
-        child.WaitForEnd();
-    }
-    core_->CollectRouteChildren();
+    core_->RunRouteChildren();
     core_->clock += restartTakes;
     ApplyRestart(core_->state);
     core_->comSecuritySet = core_->state.system.comSecuritySet;
@@ -182,11 +164,6 @@ bool Simulation::IsInApartment() const {
 void Simulation::SetProgramFile(std::string path) {
     const Locked locked(*core_);
     core_->programFile = std::move(path);
-}
-
-void Simulation::SetRouteProgram(std::filesystem::path program) {
-    const Locked locked(*core_);
-    core_->routeProgram = std::move(program);
 }
 
 }  // namespace machine

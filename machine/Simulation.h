@@ -18,7 +18,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -49,7 +48,7 @@ public:
     void Attach(HMODULE image);
     void Detach(HMODULE image);
 
-    // The machine as it is now, the effects of ended child processes included.
+    // The machine as it is now, the effects of every started route program included.
     const State& GetState();
     void SetState(State state);
 
@@ -86,10 +85,6 @@ public:
 
     // What GetModuleFileNameA calls the running program; by default its real path.
     void SetProgramFile(std::string path);
-
-    // The program that stands for "route"; by default simulated-route.exe beside the running
-    // program.
-    void SetRouteProgram(std::filesystem::path program);
 
 private:
     std::shared_ptr<Core> core_;

@@ -1,4 +1,4 @@
-// Child processes: real ones, but for "route", whose place a program of this project takes.
+// Child processes: real ones, but for "route", which is answered inside this process.
 #include <windows.h>
 
 #include "machine/Call.h"
@@ -9,15 +9,6 @@
 
 namespace machine {
 namespace {
-
-// The program that a command line starts with, quotes taken off.
-std::string_view ProgramOf(std::string_view commandLine) {
-    commandLine = Trim(commandLine);
-    if (commandLine.starts_with('"')) {
-        return commandLine.substr(1, commandLine.find('"', 1) - 1);
-    }
-    return commandLine.substr(0, commandLine.find_first_of(" \t"));
-}
 
 bool IsRoute(const char* application, const char* commandLine) {
     const std::string given = OrEmpty(application != nullptr ? application : commandLine);
@@ -58,28 +49,28 @@ struct ProcessRequest {
     }
 };
 
+/// Where a child of that request writes to; null where it inherits no such handle.
+HANDLE InheritedOutput(const ProcessRequest& request) {
+    DWORD flags = 0;
+    const bool isHandedOn = request.inheritHandles != FALSE &&
+                            (request.startup->dwFlags & STARTF_USESTDHANDLES) != 0 &&
+                            GetHandleInformation(request.startup->hStdOutput, &flags) != FALSE &&
+                            (flags & HANDLE_FLAG_INHERIT) != 0;
+    return isHandedOn ? request.startup->hStdOutput : nullptr;
+}
+
 // The system's own route program is never started, on a real Windows machine either.
-BOOL StartRoute(Call& call, ProcessRequest request) {
-    const std::string program = call->routeProgram.string();
-    if (Real().GetFileAttributesA(program.c_str()) == INVALID_FILE_ATTRIBUTES) {
-        call.Unexpected("the program that stands for route is missing: " + program);
-        return call.Boolean(false, ERROR_FILE_NOT_FOUND);
-    }
-    if ((request.flags & CREATE_UNICODE_ENVIRONMENT) != 0) {
-        call.Unexpected("a UTF-16 environment for route");
-        return call.Boolean(false, ERROR_INVALID_PARAMETER);
-    }
-    RouteChild child(call->state, call->faults.OnOutcome(
-                                      "route", {{"command line", OrEmpty(request.commandLine)}}));
-    std::string environment = child.Environment(static_cast<const char*>(request.environment));
-    request.application = program.c_str();
-    request.environment = environment.data();
-    const BOOL result = call.RealBoolean(request.Create());
-    if (result != FALSE) {
-        child.Started(request.information->hProcess);
-        call->routeChildren.push_back(std::move(child));
-    }
-    return result;
+BOOL StartRoute(Call& call, const ProcessRequest& request) {
+    const std::string commandLine =
+        OrEmpty(request.commandLine != nullptr ? request.commandLine : request.application);
+    RouteChild child(commandLine, call->faults.OnOutcome("route", {{"command line", commandLine}}),
+                     InheritedOutput(request));
+    const HANDLE self = GetCurrentProcess();
+    HANDLE thread = nullptr;
+    Real().DuplicateHandle(self, child.Process(), self, &thread, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    *request.information = {child.Process(), thread, GetCurrentProcessId(), GetCurrentThreadId()};
+    call->routeChildren.push_back(std::move(child));
+    return call.Boolean(true);
 }
 
 BOOL ServeCreateProcessA(Core& core, LPCSTR application, LPSTR commandLine,
@@ -110,9 +101,11 @@ DWORD ServeWaitForSingleObject(Core& core, HANDLE handle, DWORD milliseconds) {
         call.Note("WAIT_FAILED", true, *fault);
         return WAIT_FAILED;
     }
+    if (call->FindRouteChild(handle) != nullptr) {
+        call->RunRouteChildren();  // an earlier one has had the time too
+    }
     const DWORD result =
         call.Unlocked([&] { return Real().WaitForSingleObject(handle, milliseconds); });
-    call->CollectRouteChildren();
     const bool failed = result == WAIT_FAILED;
     call.Note(result == WAIT_OBJECT_0  ? "WAIT_OBJECT_0"
               : result == WAIT_TIMEOUT ? "WAIT_TIMEOUT"
@@ -126,7 +119,13 @@ BOOL ServeGetExitCodeProcess(Core& core, HANDLE process, LPDWORD code) {
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
     }
-    const BOOL result = call.RealBoolean(Real().GetExitCodeProcess(process, code));
+    const RouteChild* const route = call->FindRouteChild(process);
+    if (route != nullptr) {
+        *code = route->ExitCode();
+    }
+    const BOOL result = route != nullptr
+                            ? call.Boolean(true)
+                            : call.RealBoolean(Real().GetExitCodeProcess(process, code));
     if (result != FALSE) {
         call.AddArgument("code", std::to_string(*code));
         call.SetOutcome(*code);
@@ -138,6 +137,9 @@ BOOL ServeTerminateProcess(Core& core, HANDLE process, UINT code) {
     Call call(core, "TerminateProcess", {{"code", std::to_string(code)}});
     if (const auto fault = call.Fault()) {
         return call.Boolean(false, *fault);
+    }
+    if (RouteChild* const route = call->FindRouteChild(process)) {
+        return call.Boolean(route->Terminate(code), ERROR_ACCESS_DENIED);
     }
     return call.RealBoolean(Real().TerminateProcess(process, code));
 }

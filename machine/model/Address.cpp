@@ -2,26 +2,26 @@
 
 #include <charconv>
 
-#include "machine/Text.h"
-
 namespace machine::model {
 
 std::optional<std::uint32_t> ParseAddress(std::string_view text) {
-    const auto parts = Split(text, '.');
-    if (parts.size() != 4) {
-        return std::nullopt;
-    }
+    constexpr int kOctets = 4;
+    const char* const last = text.data() + text.size();
+    const char* next = text.data();
     std::uint32_t address = 0;
-    for (const std::string& part : parts) {
+    for (int i = 0; i < kOctets; ++i) {
+        if (i > 0 && (next == last || *next++ != '.')) {
+            return std::nullopt;
+        }
         std::uint8_t octet = 0;
-        const char* last = part.data() + part.size();
-        const auto [end, error] = std::from_chars(part.data(), last, octet);
-        if (error != std::errc() || end != last) {
+        const auto [end, error] = std::from_chars(next, last, octet);
+        if (error != std::errc()) {
             return std::nullopt;
         }
         address = address << 8 | octet;
+        next = end;
     }
-    return address;
+    return next == last ? std::optional(address) : std::nullopt;
 }
 
 std::string FormatAddress(std::uint32_t address) {

@@ -1,132 +1,109 @@
 #include "machine/route/RouteChild.h"
 
-#include <atomic>
-#include <cstring>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "machine/RealCalls.h"
 #include "machine/Text.h"
-#include "machine/WideText.h"
 #include "machine/route/RouteCommand.h"
-#include "machine/route/RouteExchange.h"
 
 namespace machine {
 namespace {
 
-constexpr std::uint32_t answerCapacity = 256;
-
-std::string NewName() {
-    static std::atomic<std::uint32_t> count = 0;
-    return "Local\\toolbox-simulated-route-" + std::to_string(GetCurrentProcessId()) + "-" +
-           std::to_string(++count);
+std::vector<std::string> ArgumentsOf(std::string_view commandLine) {
+    const std::string_view program = ProgramOf(commandLine);
+    commandLine.remove_prefix(
+        static_cast<std::size_t>(program.data() + program.size() - commandLine.data()));
+    if (commandLine.starts_with('"')) {
+        commandLine.remove_prefix(1);
+    }
+    std::vector<std::string> arguments = Split(commandLine, ' ');
+    std::erase(arguments, "");
+    return arguments;
 }
 
-std::string OrdersFor(const State& state, std::optional<std::uint32_t> forcedExitCode) {
-    std::string orders = forcedExitCode ? "exit " + std::to_string(*forcedExitCode) : "run";
-    for (const PersistedRoute& route : state.routes) {
-        orders += "\n" + FormatRoute(route);
-    }
-    return orders;
-}
-
-// The process's own environment as a block of narrow texts.
-std::string OwnEnvironment() {
-    std::string block;
-    wchar_t* strings = GetEnvironmentStringsW();
-    for (const wchar_t* text = strings; text != nullptr && *text != L'\0';
-         text += std::wcslen(text) + 1) {
-        block += Narrow(text);
-        block += '\0';
-    }
-    FreeEnvironmentStringsW(strings);
-    return block;
+HANDLE DuplicateOf(HANDLE handle) {
+    const HANDLE self = GetCurrentProcess();
+    HANDLE duplicate = nullptr;
+    Real().DuplicateHandle(self, handle, self, &duplicate, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    return duplicate;
 }
 
 }  // namespace
 
-RouteChild::RouteChild(const State& state, std::optional<std::uint32_t> forcedExitCode)
-    : name_(NewName()) {
-    const std::string orders = OrdersFor(state, forcedExitCode);
-    const auto size = static_cast<DWORD>(sizeof(RouteExchange) + orders.size() + answerCapacity);
-    mapping_ =
-        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size, name_.c_str());
-    view_ = mapping_ == nullptr
-                ? nullptr
-                : static_cast<char*>(MapViewOfFile(mapping_, FILE_MAP_ALL_ACCESS, 0, 0, size));
-    if (view_ == nullptr) {
-        const std::error_code error(static_cast<int>(GetLastError()), std::system_category());
-        Close();
-        throw std::system_error(error, "no memory to share with the route program");
+std::string_view ProgramOf(std::string_view commandLine) {
+    commandLine = Trim(commandLine);
+    if (commandLine.starts_with('"')) {
+        return commandLine.substr(1, commandLine.find('"', 1) - 1);
     }
-    auto* exchange = reinterpret_cast<RouteExchange*>(view_);
-    *exchange = {RouteExchange::expectedMagic, static_cast<std::uint32_t>(orders.size()),
-                 answerCapacity, 0};
-    std::memcpy(exchange->Orders(), orders.data(), orders.size());
+    return commandLine.substr(0, commandLine.find_first_of(" \t"));
+}
+
+RouteChild::RouteChild(std::string commandLine, std::optional<std::uint32_t> forcedExitCode,
+                       HANDLE output)
+    : commandLine_(std::move(commandLine)),
+      forcedExitCode_(forcedExitCode),
+      process_(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
+      output_(output == nullptr ? nullptr : DuplicateOf(output)) {
+    if (process_ == nullptr) {
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                                "no handle for the route program");
+    }
 }
 
 RouteChild::~RouteChild() {
-    Close();
+    if (output_ != nullptr) {
+        Real().CloseHandle(output_);
+    }
 }
 
 RouteChild::RouteChild(RouteChild&& other) noexcept
-    : name_(std::move(other.name_)),
-      mapping_(std::exchange(other.mapping_, nullptr)),
-      view_(std::exchange(other.view_, nullptr)),
-      process_(std::exchange(other.process_, nullptr)) {}
+    : commandLine_(std::move(other.commandLine_)),
+      forcedExitCode_(other.forcedExitCode_),
+      process_(std::exchange(other.process_, nullptr)),
+      output_(std::exchange(other.output_, nullptr)),
+      exitCode_(other.exitCode_) {}
 
 RouteChild& RouteChild::operator=(RouteChild&& other) noexcept {
-    std::swap(name_, other.name_);
-    std::swap(mapping_, other.mapping_);
-    std::swap(view_, other.view_);
+    std::swap(commandLine_, other.commandLine_);
+    std::swap(forcedExitCode_, other.forcedExitCode_);
     std::swap(process_, other.process_);
+    std::swap(output_, other.output_);
+    std::swap(exitCode_, other.exitCode_);
     return *this;
 }
 
-void RouteChild::Close() noexcept {
-    if (view_ != nullptr) {
-        UnmapViewOfFile(view_);
+void RouteChild::Run(State& state) {
+    if (HasEnded()) {
+        return;
     }
-    for (const HANDLE handle : {mapping_, process_}) {
-        if (handle != nullptr) {
-            Real().CloseHandle(handle);
-        }
+    if (forcedExitCode_) {
+        End(*forcedExitCode_);
+        return;
     }
-}
-
-std::string RouteChild::Environment(const char* given) const {
-    std::string block;
-    if (given == nullptr) {
-        block = OwnEnvironment();
-    } else {
-        for (; *given != '\0'; given += std::strlen(given) + 1) {
-            block.append(given, std::strlen(given) + 1);
-        }
+    const RouteOutcome outcome = RunRoute(ArgumentsOf(commandLine_), state.routes);
+    if (output_ != nullptr) {
+        DWORD written = 0;
+        Real().WriteFile(output_, outcome.output.data(), static_cast<DWORD>(outcome.output.size()),
+                         &written, nullptr);
     }
-    block += std::string(routeVariable) + "=" + name_ + '\0';
-    return block;  // the string's own terminator ends the block
+    End(static_cast<std::uint32_t>(outcome.exitCode));
 }
 
-void RouteChild::Started(HANDLE process) {
-    const HANDLE self = GetCurrentProcess();
-    Real().DuplicateHandle(self, process, self, &process_, 0, FALSE, DUPLICATE_SAME_ACCESS);
-}
-
-bool RouteChild::Ended() const {
-    return process_ == nullptr || Real().WaitForSingleObject(process_, 0) != WAIT_TIMEOUT;
-}
-
-void RouteChild::WaitForEnd() const {
-    constexpr DWORD longest = 10'000;  // milliseconds
-    if (process_ != nullptr) {
-        Real().WaitForSingleObject(process_, longest);
+bool RouteChild::Terminate(std::uint32_t exitCode) {
+    if (HasEnded()) {
+        return false;
     }
+    End(exitCode);
+    return true;
 }
 
-void RouteChild::Apply(State& state) const {
-    auto* exchange = reinterpret_cast<RouteExchange*>(view_);
-    if (exchange->answerSize <= exchange->answerCapacity) {
-        ApplyChange(state.routes, ParseChange({exchange->Answer(), exchange->answerSize}));
+void RouteChild::End(std::uint32_t exitCode) {
+    exitCode_ = exitCode;
+    SetEvent(process_);
+    if (output_ != nullptr) {
+        Real().CloseHandle(std::exchange(output_, nullptr));
     }
 }
 

@@ -1,4 +1,5 @@
-// The parent's side of a simulated route program: what the child is told and what it reports back.
+// The simulated route program as its parent sees it: handles, a pipe, an exit code. Nothing is
+// started; the program's work is done inside this process.
 #pragma once
 
 #include <windows.h>
@@ -6,42 +7,45 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "machine/State.h"
 
 namespace machine {
 
-// A started route program whose effect is still to be taken over. Parent and child share a named
-// piece of memory, so nothing is left on disk whatever happens to either.
+// A started route program. It works when somebody waits for it and not before, so that a parent
+// that does not wait finds the routes as they were.
 class RouteChild {
 public:
-    // The state's routes, and the exit code that the child is to give instead of working, if any.
-    RouteChild(const State& state, std::optional<std::uint32_t> forcedExitCode);
+    // The code replaces the program's work, if there is one. The child writes to `output` (null:
+    // nowhere) and keeps a handle of its own for that, as an inherited one is. Throws
+    // std::system_error.
+    RouteChild(std::string commandLine, std::optional<std::uint32_t> forcedExitCode, HANDLE output);
     ~RouteChild();
     RouteChild(RouteChild&& other) noexcept;
     RouteChild& operator=(RouteChild&& other) noexcept;
 
-    // The environment block that leads the child to its orders: the given block, or the process's
-    // own environment for null, and the variable beside it.
-    std::string Environment(const char* given) const;
-    // Remembers the started process; the handle stays the caller's.
-    void Started(HANDLE process);
+    // What stands for the process: signalled at its end. Whoever is given it closes it.
+    HANDLE Process() const { return process_; }
 
-    // Whether the process has ended.
-    bool Ended() const;
-    // Waits for its end, for ten seconds at most.
-    void WaitForEnd() const;
-    // What the ended process did to the routes.
-    void Apply(State& state) const;
+    // Lets it do its work on the routes and end. Nothing when it has ended.
+    void Run(State& state);
+    // Ends it before that; false when it has ended.
+    bool Terminate(std::uint32_t exitCode);
+    // STILL_ACTIVE before its end.
+    std::uint32_t ExitCode() const { return exitCode_; }
 
 private:
-    void Close() noexcept;
+    bool HasEnded() const { return exitCode_ != STILL_ACTIVE; }
+    void End(std::uint32_t exitCode);
 
-    std::string name_;
-    HANDLE mapping_ = nullptr;
-    char* view_ = nullptr;
+    std::string commandLine_;
+    std::optional<std::uint32_t> forcedExitCode_;
     HANDLE process_ = nullptr;
+    HANDLE output_ = nullptr;
+    std::uint32_t exitCode_ = STILL_ACTIVE;
 };
+
+// The program that a command line starts with, quotes taken off.
+std::string_view ProgramOf(std::string_view commandLine);
 
 }  // namespace machine

@@ -12,7 +12,7 @@ namespace {
 constexpr int failureCode = 1;
 
 RouteOutcome Fail(std::string why) {
-    return {failureCode, std::move(why) + "\n", {}};
+    return {failureCode, std::move(why) + "\n"};
 }
 
 RouteOutcome Usage() {
@@ -28,13 +28,14 @@ std::optional<std::int32_t> ParseNumber(std::string_view text) {
     return error == std::errc() && end == last ? std::optional(number) : std::nullopt;
 }
 
-bool SameAddress(const std::string& left, const std::string& right) {
-    const auto address = model::ParseAddress(left);
-    return address ? address == model::ParseAddress(right) : left == right;
+/// Whether the text means the address, or else is the text itself.
+bool Means(const std::string& text, const std::optional<std::uint32_t>& address,
+           const std::string& otherwise) {
+    return address ? model::ParseAddress(text) == address : text == otherwise;
 }
 
-RouteOutcome Add(const std::vector<std::string>& arguments,
-                 const std::vector<PersistedRoute>& routes, bool persistent) {
+RouteOutcome Add(const std::vector<std::string>& arguments, std::vector<PersistedRoute>& routes,
+                 bool persistent) {
     PersistedRoute route{"", "255.255.255.255", "", 1};
     std::vector<std::string> places;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -71,41 +72,37 @@ RouteOutcome Add(const std::vector<std::string>& arguments,
     route.destination = model::FormatAddress(*destination);
     route.mask = model::FormatAddress(*mask);
     route.nextHop = model::FormatAddress(*gateway);
-    const bool exists = std::ranges::any_of(routes, [&route](const PersistedRoute& other) {
-        return SameAddress(other.destination, route.destination) &&
-               SameAddress(other.mask, route.mask) && SameAddress(other.nextHop, route.nextHop);
+    const bool exists = std::ranges::any_of(routes, [&](const PersistedRoute& other) {
+        return Means(other.destination, destination, {}) && Means(other.mask, mask, {}) &&
+               Means(other.nextHop, gateway, {});
     });
     if (exists) {
         return Fail("The route addition failed: The object already exists.");
     }
-    RouteOutcome outcome{0, " OK!\n", {}};
     if (persistent) {
-        outcome.change = {RouteChange::Kind::Add, route};
+        routes.push_back(std::move(route));
     }
-    return outcome;
+    return {0, " OK!\n"};
 }
 
 RouteOutcome Delete(const std::vector<std::string>& arguments,
-                    const std::vector<PersistedRoute>& routes) {
+                    std::vector<PersistedRoute>& routes) {
     if (arguments.size() != 1) {
         return Usage();
     }
-    const bool exists = std::ranges::any_of(routes, [&arguments](const PersistedRoute& route) {
-        return SameAddress(route.destination, arguments[0]);
+    const auto destination = model::ParseAddress(arguments[0]);
+    // Every route to the destination goes, whatever its mask and gateway.
+    const auto gone = std::erase_if(routes, [&](const PersistedRoute& route) {
+        return Means(route.destination, destination, arguments[0]);
     });
-    if (!exists) {
-        return Fail("The route deletion failed: Element not found.");
-    }
-    RouteOutcome outcome{0, " OK!\n", {}};
-    outcome.change.kind = RouteChange::Kind::Delete;
-    outcome.change.route.destination = arguments[0];
-    return outcome;
+    return gone == 0 ? Fail("The route deletion failed: Element not found.")
+                     : RouteOutcome{0, " OK!\n"};
 }
 
 }  // namespace
 
 RouteOutcome RunRoute(const std::vector<std::string>& arguments,
-                      const std::vector<PersistedRoute>& routes) {
+                      std::vector<PersistedRoute>& routes) {
     auto argument = arguments.begin();
     bool persistent = false;
     for (; argument != arguments.end() && argument->starts_with('-'); ++argument) {
@@ -124,56 +121,6 @@ RouteOutcome RunRoute(const std::vector<std::string>& arguments,
         return Add(rest, routes, persistent);
     }
     return EqualNoCase(verb, "delete") ? Delete(rest, routes) : Usage();
-}
-
-void ApplyChange(std::vector<PersistedRoute>& routes, const RouteChange& change) {
-    if (change.kind == RouteChange::Kind::Add) {
-        routes.push_back(change.route);
-    } else if (change.kind == RouteChange::Kind::Delete) {
-        // Every route to the destination goes, whatever its mask and gateway.
-        std::erase_if(routes, [&change](const PersistedRoute& route) {
-            return SameAddress(route.destination, change.route.destination);
-        });
-    }
-}
-
-std::string FormatRoute(const PersistedRoute& route) {
-    return route.destination + " " + route.mask + " " + route.nextHop + " " +
-           std::to_string(route.metric);
-}
-
-std::optional<PersistedRoute> ParseRoute(std::string_view line) {
-    const auto parts = Split(line, ' ');
-    const auto metric = parts.size() == 4 ? ParseNumber(parts[3]) : std::nullopt;
-    if (!metric) {
-        return std::nullopt;
-    }
-    return PersistedRoute{parts[0], parts[1], parts[2], *metric};
-}
-
-std::string FormatChange(const RouteChange& change) {
-    switch (change.kind) {
-        case RouteChange::Kind::Add:
-            return "add " + FormatRoute(change.route);
-        case RouteChange::Kind::Delete:
-            return "delete " + change.route.destination;
-        case RouteChange::Kind::None:
-            break;
-    }
-    return "none";
-}
-
-RouteChange ParseChange(std::string_view line) {
-    RouteChange change;
-    if (line.starts_with("add ")) {
-        if (const auto route = ParseRoute(line.substr(4))) {
-            change = {RouteChange::Kind::Add, *route};
-        }
-    } else if (line.starts_with("delete ")) {
-        change.kind = RouteChange::Kind::Delete;
-        change.route.destination = line.substr(7);
-    }
-    return change;
 }
 
 }  // namespace machine

@@ -1,4 +1,4 @@
-// Child processes: the stand-in for route, and real programs.
+// Child processes: route, which runs inside this process, and real programs.
 #include <gmock/gmock.h>
 
 #include "tests/machine/SimulatedTest.h"
@@ -25,6 +25,16 @@ protected:
         EXPECT_TRUE(CloseHandle(process.hThread));
         return code;
     }
+
+    void CloseAll() {
+        for (const HANDLE handle : {read_, process_.hProcess, process_.hThread}) {
+            EXPECT_TRUE(CloseHandle(handle));
+        }
+    }
+
+    HANDLE read_ = nullptr;
+    HANDLE write_ = nullptr;
+    PROCESS_INFORMATION process_ = {};
 };
 
 TEST_F(ProcessTest, RouteChangesTheModelUnlessThePlanChoosesItsExitCode) {
@@ -37,12 +47,46 @@ TEST_F(ProcessTest, RouteChangesTheModelUnlessThePlanChoosesItsExitCode) {
               (std::vector<PersistedRoute>{{"10.1.0.0", "255.255.0.0", "198.51.100.7", 3}}));
 }
 
-TEST_F(ProcessTest, OtherProgramsAreRealAndWithoutItsProgramRouteFailsLoudly) {
+TEST_F(ProcessTest, RouteWorksWhenItIsWaitedForAndEndsAsAProcessDoes) {
+    std::string commandLine = "route DELETE 10.20.0.0";
+    const auto start = [&](bool inherits) {
+        SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, inherits};
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof(startup);
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        EXPECT_TRUE(CreatePipe(&read_, &write_, &inheritable, 0));
+        startup.hStdOutput = write_;
+        EXPECT_TRUE(CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                   nullptr, &startup, &process_));
+        EXPECT_TRUE(CloseHandle(write_));
+    };
+    DWORD code = 0;
+    DWORD available = 0;
+
+    start(true);
+    EXPECT_TRUE(GetExitCodeProcess(process_.hProcess, &code));
+    EXPECT_EQ(code, DWORD{STILL_ACTIVE});
+    EXPECT_EQ(WaitForSingleObject(process_.hProcess, 0), WAIT_OBJECT_0);
+    EXPECT_TRUE(PeekNamedPipe(read_, nullptr, 0, nullptr, &available, nullptr));
+    EXPECT_EQ(available, std::string(" OK!\n").size());
+    EXPECT_FALSE(TerminateProcess(process_.hProcess, 9));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    CloseAll();
+
+    // Its own end of a pipe is not inherited: nothing comes, and nobody holds it.
+    start(false);
+    EXPECT_TRUE(TerminateProcess(process_.hProcess, 9));
+    EXPECT_EQ(WaitForSingleObject(process_.hProcess, INFINITE), WAIT_OBJECT_0);
+    EXPECT_TRUE(GetExitCodeProcess(process_.hProcess, &code));
+    EXPECT_EQ(code, 9U);
+    EXPECT_FALSE(PeekNamedPipe(read_, nullptr, 0, nullptr, &available, nullptr));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_BROKEN_PIPE});
+    CloseAll();
+}
+
+TEST_F(ProcessTest, OtherProgramsAreReal) {
     EXPECT_EQ(Run("cmd /c exit 5"), 5U);
     EXPECT_EQ(Run("no-such-program-anywhere"), 1000U + ERROR_FILE_NOT_FOUND);
-    simulation_.SetRouteProgram("no-such-folder/simulated-route.exe");
-    EXPECT_EQ(Run("route DELETE 10.20.0.0"), 1000U + ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(simulation_.TakeUnexpected().size(), 1U);
 }
 
 }  // namespace
