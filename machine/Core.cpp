@@ -59,10 +59,4 @@ RouteChild* Core::FindRouteChild(HANDLE process) {
     return found == routeChildren.end() ? nullptr : &*found;
 }
 
-void Core::RunRouteChildren() {
-    for (RouteChild& child : routeChildren) {
-        child.Run(state);
-    }
-}
-
 }  // namespace machine

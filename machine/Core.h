@@ -70,8 +70,6 @@ public:
     bool ComIsInitialised() const;
     // The route program behind the handle; null when there is none.
     RouteChild* FindRouteChild(HANDLE process);
-    // Lets the route programs do what nobody has waited for, in the order started.
-    void RunRouteChildren();
 
     CRITICAL_SECTION* Lock() { return &lock_; }
 

@@ -87,13 +87,11 @@ void Simulation::Detach(HMODULE image) {
 
 const State& Simulation::GetState() {
     const Locked locked(*core_);
-    core_->RunRouteChildren();
     return core_->state;
 }
 
 void Simulation::SetState(State state) {
     const Locked locked(*core_);
-    core_->RunRouteChildren();
     core_->state = std::move(state);
 }
 
@@ -140,8 +138,6 @@ std::chrono::nanoseconds Simulation::TimeInCalls() const {
 
 void Simulation::Restart() {
     Call call(*core_, "restart of the machine", {}, Failing::Never);
-    // What the module did not wait for is done before the machine goes down.
-    core_->RunRouteChildren();
     core_->clock += restartTakes;
     ApplyRestart(core_->state);
     core_->comSecuritySet = core_->state.system.comSecuritySet;

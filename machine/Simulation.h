@@ -48,7 +48,7 @@ public:
     void Attach(HMODULE image);
     void Detach(HMODULE image);
 
-    // The machine as it is now, the effects of every started route program included.
+    // The machine as it is now.
     const State& GetState();
     void SetState(State state);
 

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "common/util/Strings.h"
+#include "host/configure/Announcement.h"
 #include "host/configure/Reasons.h"
 #include "host/configure/Values.h"
 
@@ -12,29 +13,6 @@ namespace host::configure {
 namespace {
 
 using Kind = Setting::Kind;
-
-struct CommandKind {
-    const char* command;
-    Kind kind;
-};
-
-constexpr CommandKind kCommandKinds[] = {
-    {"ConfigureNic", Kind::kAdapter},        {"SetDhcp", Kind::kDhcp},
-    {"SetStatic", Kind::kAddresses},         {"SetGateway", Kind::kGateways},
-    {"SetDns", Kind::kDnsServers},           {"SetDnsSuffix", Kind::kDnsSuffixes},
-    {"SetStaticRoute", Kind::kRoutes},       {"JoinWorkgroup", Kind::kWorkgroup},
-    {"JoinDomain", Kind::kDomain},           {"MoveOu", Kind::kUnit},
-    {"ChangeCompName", Kind::kComputerName},
-};
-
-std::optional<Kind> KindOf(const std::string& command) {
-    for (const CommandKind& row : kCommandKinds) {
-        if (command == row.command) {
-            return row.kind;
-        }
-    }
-    return std::nullopt;
-}
 
 /// Which settings the run's steps belong to.
 class Assignment {

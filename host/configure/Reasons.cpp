@@ -46,9 +46,8 @@ std::string WhyExecuted(const Row& row, const Step& step) {
     if (!step.before) {
         return {};
     }
-    const std::optional<Texts> now = CurrentValues(*step.before, kind, row.index);
-    if (now != row.current) {
-        return "a step before it has left " + ListText(now);
+    if (step.before != row.current) {
+        return "a step before it has left " + ListText(*step.before);
     }
     if (row.current && Same(*row.current, row.wanted) && kind == Kind::kDnsSuffixes) {
         return "the letter case differs";

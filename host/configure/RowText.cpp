@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
 
 #include "common/util/Strings.h"
 #include "host/configure/Codes.h"
@@ -49,19 +50,32 @@ std::string Line(char sign, const std::string& text, const std::string& right) {
     return right.empty() ? line : Padded(line, 40) + right;
 }
 
-/// The call for a route, with what it gave; empty where there was none.
-std::string RouteCall(const Row& row, const std::string& verb, const std::string& route) {
-    const std::string start = "route " + verb + " " + route.substr(0, route.find(' '));
-    for (const ChangingCall& call : row.calls) {
-        if (call.name == start || call.name.starts_with(start + " ")) {
-            return call.value == 0 ? call.name : call.name + " gave " + CodeText(call.value);
+/// The calls of a row by how they begin: "route DELETE 10.0.0.0", "route -p ADD 10.0.0.0".
+class RouteCalls {
+public:
+    explicit RouteCalls(const Row& row) {
+        for (const ChangingCall& call : row.calls) {
+            calls_.try_emplace(call.name.substr(0, call.name.find(" mask ")), &call);
         }
     }
-    return {};
-}
+
+    /// The call for a route, with what it gave; empty where there was none.
+    std::string Text(const std::string& verb, const std::string& route) const {
+        const auto found = calls_.find("route " + verb + " " + route.substr(0, route.find(' ')));
+        if (found == calls_.end()) {
+            return {};
+        }
+        const ChangingCall& call = *found->second;
+        return call.value == 0 ? call.name : call.name + " gave " + CodeText(call.value);
+    }
+
+private:
+    std::unordered_map<std::string, const ChangingCall*> calls_;
+};
 
 /// Each route that goes, comes or stays, with its own call.
 void PrintRoutes(const Row& row, Output& output) {
+    const RouteCalls calls(row);
     Texts current = row.current.value_or(Texts());
     Texts wanted = row.wanted;
     std::sort(current.begin(), current.end());
@@ -77,11 +91,11 @@ void PrintRoutes(const Row& row, Output& output) {
                           std::back_inserter(kept));
     const std::string uncalled = row.fate == Fate::kFailed ? "not reached" : "left alone";
     for (const std::string& route : gone) {
-        const std::string call = RouteCall(row, "DELETE", route);
+        const std::string call = calls.Text("DELETE", route);
         output.Line(Line('-', route, call.empty() ? uncalled : call), Tone::kChange);
     }
     for (const std::string& route : added) {
-        const std::string call = RouteCall(row, "-p ADD", route);
+        const std::string call = calls.Text("-p ADD", route);
         output.Line(Line('+', route, call.empty() ? uncalled : call), Tone::kChange);
     }
     for (const std::string& route : kept) {

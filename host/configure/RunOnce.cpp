@@ -6,7 +6,9 @@
 
 #include "host/HostError.h"
 #include "host/Module.h"
+#include "host/configure/Announcement.h"
 #include "host/configure/PrivateFolder.h"
+#include "host/configure/Values.h"
 #include "host/configure/Violations.h"
 #include "host/snapshot/Snapshot.h"
 
@@ -95,13 +97,18 @@ Run RunOnSimulation(const std::string& modulePath, machine::Simulation& simulati
     run.before = simulation.GetState();
     const std::size_t callsBefore = simulation.GetTrace().Size();
     const std::size_t unexpectedBefore = simulation.Unexpected().size();
+    std::optional<std::uint32_t> adapter;
     LogSink log([&](LogLine line) {
         ReplaceAll(line.text, copy, file);
         HideAccount(line.text);
         watcher(line.text);
-        Mark mark{std::move(line), simulation.GetTrace().Size() - callsBefore, nullptr};
-        if (mark.line.level == kProgressLevel) {
-            mark.state = std::make_shared<const machine::State>(simulation.GetState());
+        Mark mark{std::move(line), simulation.GetTrace().Size() - callsBefore, std::nullopt};
+        if (const auto index = ReadAdapterIndex(mark.line)) {
+            adapter = index;
+        } else if (const auto announcement = ReadAnnouncement(mark.line)) {
+            const auto kind = KindOf(announcement->command);
+            mark.present =
+                kind ? CurrentValues(simulation.GetState(), *kind, adapter) : std::nullopt;
         }
         run.log.push_back(std::move(mark));
     });
@@ -128,7 +135,7 @@ Run RunOnThisMachine(const std::string& modulePath, const std::string& file,
     LogSink log([&](LogLine line) {
         HideAccount(line.text);
         watcher(line.text);
-        run.log.push_back({std::move(line), 0, nullptr});
+        run.log.push_back({std::move(line), 0, std::nullopt});
     });
     Send(module, file, log, run);
     run.after = snapshot::TakeSnapshot().state;

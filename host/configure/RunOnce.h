@@ -3,7 +3,7 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,8 +18,8 @@ namespace host::configure {
 struct Mark {
     LogLine line;
     std::size_t calls = 0;  ///< platform calls before it; 0 on a real machine
-    /// The machine at that moment; for lines of progress on a simulated machine, else null.
-    std::shared_ptr<const machine::State> state;
+    /// What the setting of an announced command is at that moment; none on a real machine.
+    std::optional<std::vector<std::string>> present;
 };
 
 struct Run {
@@ -38,9 +38,6 @@ struct Run {
 
 /// Told what the module is doing.
 using Watcher = std::function<void(const std::string&)>;
-
-/// The level at which the module logs what it is about to execute.
-constexpr std::uint32_t kProgressLevel = 2;
 
 /// Loads the module, lets it work on the simulated machine and unloads it, as a restart of the
 /// agent would. The module gets a copy of the file in a private folder and puts that away there;

@@ -1,45 +1,12 @@
 #include "host/configure/Steps.h"
 
-#include <algorithm>
-#include <charconv>
-#include <string_view>
-
 #include "common/logging/Phrases.h"
-#include "common/util/Strings.h"
+#include "host/configure/Announcement.h"
 #include "host/configure/FailureReading.h"
 
 namespace host::configure {
 
 namespace {
-
-constexpr std::string_view kNicIndex = logging::kAdapterIndex;
-
-std::uint32_t Number(std::string_view text) {
-    std::uint32_t number = 0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
-}
-
-/// What follows in a line with which `place` announces a command; nothing in another line.
-std::optional<std::string_view> Announced(std::string_view line, std::string_view place) {
-    constexpr std::string_view kAnnounces = logging::kAboutToExecute;
-    if (!line.starts_with(place) || !line.substr(place.size()).starts_with(kAnnounces)) {
-        return std::nullopt;
-    }
-    return line.substr(place.size() + kAnnounces.size());
-}
-
-/// "class config::command::SetDns (DNS Servers=...)"
-Step ReadCommand(std::string_view text) {
-    Step step;
-    const std::size_t description = std::min(text.find(" ("), text.size());
-    const std::string_view name = text.substr(0, description);
-    step.command = name.substr(name.rfind(':') + 1);
-    if (text.size() > description + 2) {
-        step.description = text.substr(description + 2, text.size() - description - 3);
-    }
-    return step;
-}
 
 std::optional<ChangingCall> ReadCall(const std::vector<machine::TraceEntry>& calls,
                                      std::size_t position, std::size_t end) {
@@ -89,26 +56,23 @@ std::vector<Step> ReadSteps(const Run& run) {
     std::optional<std::size_t> nic;
     std::optional<std::uint32_t> index;
     for (const Mark& mark : run.log) {
-        const std::string_view text = mark.line.text;
-        if (mark.line.level != kProgressLevel) {
-            continue;
-        }
-        if (text.starts_with(kNicIndex) && !steps.empty()) {
-            index = Number(text.substr(kNicIndex.size()));
+        if (const auto chosen = ReadAdapterIndex(mark.line); chosen && !steps.empty()) {
+            index = chosen;
             steps.back().index = index;
             continue;
         }
-        const auto ofNic = Announced(text, logging::kRunsAdapterCommand);
-        const auto announced = ofNic ? ofNic : Announced(text, logging::kRunsCommand);
-        if (!announced) {
+        std::optional<Announcement> announcement = ReadAnnouncement(mark.line);
+        if (!announcement) {
             continue;
         }
-        Step step = ReadCommand(*announced);
-        step.before = mark.state;
+        Step step;
+        step.command = std::move(announcement->command);
+        step.description = std::move(announcement->description);
+        step.before = mark.present;
         if (step.command == "ConfigureNic") {
             nic = nic ? *nic + 1 : 0;
             step.nic = nic;
-        } else if (ofNic) {
+        } else if (announcement->ofAdapter) {
             step.nic = nic;
             step.index = index;
         }

@@ -29,8 +29,8 @@ struct Step {
     std::optional<std::size_t> nic;
     std::optional<std::uint32_t> index;  ///< the adapter's WMI index
     std::vector<ChangingCall> calls;     ///< empty on a real machine
-    /// The machine just before; null on a real one.
-    std::shared_ptr<const machine::State> before;
+    /// What its setting was just before; none on a real machine.
+    std::optional<std::vector<std::string>> before;
     bool failed = false;
 };
 

@@ -84,11 +84,8 @@ BOOL ServeCloseHandle(Core& core, HANDLE handle) {
         return call.Boolean(false, *fault);
     }
     call->ledger.TakeBack(kind, identity);
-    if (call->FindRouteChild(handle) != nullptr) {
-        call->RunRouteChildren();  // it goes on without its parent
-        std::erase_if(call->routeChildren,
-                      [handle](const RouteChild& child) { return child.Process() == handle; });
-    }
+    std::erase_if(call->routeChildren,
+                  [handle](const RouteChild& child) { return child.Process() == handle; });
     return call.RealBoolean(Real().CloseHandle(handle));
 }
 

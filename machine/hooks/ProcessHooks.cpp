@@ -63,13 +63,14 @@ HANDLE InheritedOutput(const ProcessRequest& request) {
 BOOL StartRoute(Call& call, const ProcessRequest& request) {
     const std::string commandLine =
         OrEmpty(request.commandLine != nullptr ? request.commandLine : request.application);
-    RouteChild child(commandLine, call->faults.OnOutcome("route", {{"command line", commandLine}}),
-                     InheritedOutput(request));
+    const RouteChild child(call->state, commandLine,
+                           call->faults.OnOutcome("route", {{"command line", commandLine}}),
+                           InheritedOutput(request));
     const HANDLE self = GetCurrentProcess();
     HANDLE thread = nullptr;
     Real().DuplicateHandle(self, child.Process(), self, &thread, 0, FALSE, DUPLICATE_SAME_ACCESS);
     *request.information = {child.Process(), thread, GetCurrentProcessId(), GetCurrentThreadId()};
-    call->routeChildren.push_back(std::move(child));
+    call->routeChildren.push_back(child);
     return call.Boolean(true);
 }
 
@@ -101,8 +102,8 @@ DWORD ServeWaitForSingleObject(Core& core, HANDLE handle, DWORD milliseconds) {
         call.Note("WAIT_FAILED", true, *fault);
         return WAIT_FAILED;
     }
-    if (call->FindRouteChild(handle) != nullptr) {
-        call->RunRouteChildren();  // an earlier one has had the time too
+    if (RouteChild* const route = call->FindRouteChild(handle)) {
+        route->End();
     }
     const DWORD result =
         call.Unlocked([&] { return Real().WaitForSingleObject(handle, milliseconds); });

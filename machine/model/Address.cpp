@@ -1,27 +1,29 @@
 #include "machine/model/Address.h"
 
-#include <charconv>
+#include <utility>
 
 namespace machine::model {
 
 std::optional<std::uint32_t> ParseAddress(std::string_view text) {
-    constexpr int kOctets = 4;
-    const char* const last = text.data() + text.size();
-    const char* next = text.data();
+    constexpr std::uint32_t kMostOctet = 255;
     std::uint32_t address = 0;
-    for (int i = 0; i < kOctets; ++i) {
-        if (i > 0 && (next == last || *next++ != '.')) {
-            return std::nullopt;
-        }
-        std::uint8_t octet = 0;
-        const auto [end, error] = std::from_chars(next, last, octet);
-        if (error != std::errc()) {
-            return std::nullopt;
-        }
+    std::uint32_t octet = 0;
+    int octets = 0;
+    bool hasDigit = false;
+    const auto finishOctet = [&] {
         address = address << 8 | octet;
-        next = end;
+        ++octets;
+        return std::exchange(hasDigit, false) && std::exchange(octet, 0) <= kMostOctet;
+    };
+    for (const char character : text) {
+        if (character >= '0' && character <= '9' && octet <= kMostOctet) {
+            octet = octet * 10 + static_cast<std::uint32_t>(character - '0');
+            hasDigit = true;
+        } else if (character != '.' || !finishOctet()) {
+            return std::nullopt;
+        }
     }
-    return next == last ? std::optional(address) : std::nullopt;
+    return finishOctet() && octets == 4 ? std::optional(address) : std::nullopt;
 }
 
 std::string FormatAddress(std::uint32_t address) {

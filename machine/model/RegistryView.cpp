@@ -11,10 +11,22 @@ constexpr std::string_view deviceKeys = R"(SYSTEM\CurrentControlSet\Enum)";
 constexpr std::string_view interfaceKeys =
     R"(SYSTEM\CurrentControlSet\Services\Tcpip\Parameters\Interfaces)";
 
-std::vector<RegistryKey> DerivedKeys(const State& state) {
+/// What follows the last backslash that does not end the text.
+std::string_view LastPart(std::string_view path) {
+    while (path.ends_with('\\')) {
+        path.remove_suffix(1);
+    }
+    return path.substr(path.rfind('\\') + 1);
+}
+
+/// The keys that adapters have; those of that last part only, if there is one.
+std::vector<RegistryKey> DerivedKeys(const State& state, std::string_view lastPart) {
+    const auto isWanted = [lastPart](const std::optional<std::string>& name) {
+        return name && (lastPart.empty() || EqualNoCase(LastPart(*name), lastPart));
+    };
     std::vector<RegistryKey> keys;
     for (const Adapter& adapter : state.adapters) {
-        if (adapter.pnpDeviceId) {
+        if (isWanted(adapter.pnpDeviceId)) {
             RegistryKey key{JoinKeyPath(deviceKeys, *adapter.pnpDeviceId), {}};
             if (adapter.pciLocation) {
                 key.values.push_back(
@@ -22,7 +34,7 @@ std::vector<RegistryKey> DerivedKeys(const State& state) {
             }
             keys.push_back(std::move(key));
         }
-        if (adapter.settingId) {
+        if (isWanted(adapter.settingId)) {
             keys.push_back(
                 {JoinKeyPath(interfaceKeys, *adapter.settingId),
                  {RegistryValue::Text("NameServer", machine::Join(adapter.staticDns, ",")),
@@ -71,7 +83,8 @@ bool KeyExists(const State& state, std::string_view path) {
         return IsSameOrAbove(path, JoinKeyPath(key.path, ""));
     };
     return path.empty() || std::ranges::any_of(state.registry, holds) ||
-           std::ranges::any_of(DerivedKeys(state), holds);
+           std::ranges::any_of(DerivedKeys(state, LastPart(path)), holds) ||
+           std::ranges::any_of(DerivedKeys(state, {}), holds);
 }
 
 std::optional<RegistryValue> FindValue(const State& state, std::string_view path,
@@ -79,7 +92,7 @@ std::optional<RegistryValue> FindValue(const State& state, std::string_view path
     if (const RegistryValue* listed = FindIn(state.registry, path, name)) {
         return *listed;
     }
-    const auto derived = DerivedKeys(state);
+    const auto derived = DerivedKeys(state, LastPart(path));
     if (const RegistryValue* value = FindIn(derived, path, name)) {
         return *value;
     }

@@ -1,7 +1,7 @@
 #include "machine/route/RouteChild.h"
 
+#include <string>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 #include "machine/RealCalls.h"
@@ -23,13 +23,6 @@ std::vector<std::string> ArgumentsOf(std::string_view commandLine) {
     return arguments;
 }
 
-HANDLE DuplicateOf(HANDLE handle) {
-    const HANDLE self = GetCurrentProcess();
-    HANDLE duplicate = nullptr;
-    Real().DuplicateHandle(self, handle, self, &duplicate, 0, FALSE, DUPLICATE_SAME_ACCESS);
-    return duplicate;
-}
-
 }  // namespace
 
 std::string_view ProgramOf(std::string_view commandLine) {
@@ -40,71 +33,33 @@ std::string_view ProgramOf(std::string_view commandLine) {
     return commandLine.substr(0, commandLine.find_first_of(" \t"));
 }
 
-RouteChild::RouteChild(std::string commandLine, std::optional<std::uint32_t> forcedExitCode,
-                       HANDLE output)
-    : commandLine_(std::move(commandLine)),
-      forcedExitCode_(forcedExitCode),
-      process_(CreateEventA(nullptr, TRUE, FALSE, nullptr)),
-      output_(output == nullptr ? nullptr : DuplicateOf(output)) {
+RouteChild::RouteChild(State& state, std::string_view commandLine,
+                       std::optional<std::uint32_t> forcedExitCode, HANDLE output)
+    : process_(CreateEventA(nullptr, TRUE, TRUE, nullptr)) {
     if (process_ == nullptr) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
                                 "no handle for the route program");
     }
-}
-
-RouteChild::~RouteChild() {
-    if (output_ != nullptr) {
-        Real().CloseHandle(output_);
-    }
-}
-
-RouteChild::RouteChild(RouteChild&& other) noexcept
-    : commandLine_(std::move(other.commandLine_)),
-      forcedExitCode_(other.forcedExitCode_),
-      process_(std::exchange(other.process_, nullptr)),
-      output_(std::exchange(other.output_, nullptr)),
-      exitCode_(other.exitCode_) {}
-
-RouteChild& RouteChild::operator=(RouteChild&& other) noexcept {
-    std::swap(commandLine_, other.commandLine_);
-    std::swap(forcedExitCode_, other.forcedExitCode_);
-    std::swap(process_, other.process_);
-    std::swap(output_, other.output_);
-    std::swap(exitCode_, other.exitCode_);
-    return *this;
-}
-
-void RouteChild::Run(State& state) {
-    if (HasEnded()) {
+    if (forcedExitCode) {
+        exitCode_ = *forcedExitCode;
         return;
     }
-    if (forcedExitCode_) {
-        End(*forcedExitCode_);
-        return;
-    }
-    const RouteOutcome outcome = RunRoute(ArgumentsOf(commandLine_), state.routes);
-    if (output_ != nullptr) {
+    const RouteOutcome outcome = RunRoute(ArgumentsOf(commandLine), state.routes);
+    exitCode_ = static_cast<std::uint32_t>(outcome.exitCode);
+    if (output != nullptr) {
         DWORD written = 0;
-        Real().WriteFile(output_, outcome.output.data(), static_cast<DWORD>(outcome.output.size()),
+        Real().WriteFile(output, outcome.output.data(), static_cast<DWORD>(outcome.output.size()),
                          &written, nullptr);
     }
-    End(static_cast<std::uint32_t>(outcome.exitCode));
 }
 
 bool RouteChild::Terminate(std::uint32_t exitCode) {
-    if (HasEnded()) {
+    if (hasEnded_) {
         return false;
     }
-    End(exitCode);
-    return true;
-}
-
-void RouteChild::End(std::uint32_t exitCode) {
+    hasEnded_ = true;
     exitCode_ = exitCode;
-    SetEvent(process_);
-    if (output_ != nullptr) {
-        Real().CloseHandle(std::exchange(output_, nullptr));
-    }
+    return true;
 }
 
 }  // namespace machine

@@ -6,43 +6,34 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
+#include <string_view>
 
 #include "machine/State.h"
 
 namespace machine {
 
-// A started route program. It works when somebody waits for it and not before, so that a parent
-// that does not wait finds the routes as they were.
+// A started route program. It has done its work at once and is over for its parent when that waits
+// for it, not before: a parent that does not wait gets no exit code.
 class RouteChild {
 public:
-    // The code replaces the program's work, if there is one. The child writes to `output` (null:
-    // nowhere) and keeps a handle of its own for that, as an inherited one is. Throws
-    // std::system_error.
-    RouteChild(std::string commandLine, std::optional<std::uint32_t> forcedExitCode, HANDLE output);
-    ~RouteChild();
-    RouteChild(RouteChild&& other) noexcept;
-    RouteChild& operator=(RouteChild&& other) noexcept;
+    // Works on the routes and writes to `output` (null: nowhere). The code, if there is one, takes
+    // the place of all that. Throws std::system_error.
+    RouteChild(State& state, std::string_view commandLine,
+               std::optional<std::uint32_t> forcedExitCode, HANDLE output);
 
-    // What stands for the process: signalled at its end. Whoever is given it closes it.
+    // What stands for the process. Whoever is given it closes it.
     HANDLE Process() const { return process_; }
 
-    // Lets it do its work on the routes and end. Nothing when it has ended.
-    void Run(State& state);
-    // Ends it before that; false when it has ended.
+    void End() { hasEnded_ = true; }
+    // Ends it before anybody has waited; false when it has ended.
     bool Terminate(std::uint32_t exitCode);
     // STILL_ACTIVE before its end.
-    std::uint32_t ExitCode() const { return exitCode_; }
+    std::uint32_t ExitCode() const { return hasEnded_ ? exitCode_ : STILL_ACTIVE; }
 
 private:
-    bool HasEnded() const { return exitCode_ != STILL_ACTIVE; }
-    void End(std::uint32_t exitCode);
-
-    std::string commandLine_;
-    std::optional<std::uint32_t> forcedExitCode_;
-    HANDLE process_ = nullptr;
-    HANDLE output_ = nullptr;
-    std::uint32_t exitCode_ = STILL_ACTIVE;
+    HANDLE process_;
+    std::uint32_t exitCode_ = 0;
+    bool hasEnded_ = false;
 };
 
 // The program that a command line starts with, quotes taken off.

@@ -47,7 +47,7 @@ TEST_F(ProcessTest, RouteChangesTheModelUnlessThePlanChoosesItsExitCode) {
               (std::vector<PersistedRoute>{{"10.1.0.0", "255.255.0.0", "198.51.100.7", 3}}));
 }
 
-TEST_F(ProcessTest, RouteWorksWhenItIsWaitedForAndEndsAsAProcessDoes) {
+TEST_F(ProcessTest, RouteEndsAsAProcessDoesAndWritesWhereItsHandlesLead) {
     std::string commandLine = "route DELETE 10.20.0.0";
     const auto start = [&](bool inherits) {
         SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, inherits};

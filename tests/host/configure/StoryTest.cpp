@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/configure/Announcement.h"
 #include "host/configure/Plan.h"
 #include "host/configure/Steps.h"
 #include "host/reading/SettingNames.h"
@@ -21,11 +22,12 @@ constexpr const char* kIndex =
 Run MakeRun(const std::vector<std::string>& lines, const std::string& result,
             const std::string& module = {}, const std::string& code = {}) {
     Run run;
-    run.log.push_back(
-        {{1, "Configure::HandleMessage(): about to call Analyze() and RunConfig()"}, 0, nullptr});
+    run.log.push_back({{1, "Configure::HandleMessage(): about to call Analyze() and RunConfig()"},
+                       0,
+                       std::nullopt});
     for (const std::string& line : lines) {
         run.log.push_back(
-            {{line.starts_with("Configure::") ? 0U : kProgressLevel, line}, 0, nullptr});
+            {{line.starts_with("Configure::") ? 0U : kProgressLevel, line}, 0, std::nullopt});
     }
     run.result = 1;
     run.reply.push_back({"Result", result});
