@@ -29,21 +29,10 @@ step() {
     fi
 }
 
-# configure PRESET [-DNAME=VALUE...]: only when something has to change. Callers that come together
-# do it one after the other.
+# configure PRESET: one caller after the other.
 configure() {
-    configure_preset=$1
-    shift
-    set -- -DTOOLBOX_UNITY=ON "$@"
-    configure_needed=
-    exec 8>"$build/$configure_preset.lock" && flock 8
-    [ -f "$build/$configure_preset/build.ninja" ] || configure_needed=yes
-    for definition in "$@"; do
-        grep -qsF -- "$(printf '%s' "${definition#-D}" | sed 's/=/:BOOL=/')" \
-            "$build/$configure_preset/CMakeCache.txt" || configure_needed=yes
-    done
-    [ -z "$configure_needed" ] || step "$build/configure-$configure_preset.log" \
-        cmake -S "$root" --preset "$configure_preset" "$@" 8>&-
+    exec 8>"$build/$1.lock" && flock 8
+    step "$build/configure-$1.log" cmake -S "$root" --preset "$1" 8>&-
     exec 8>&-
 }
 

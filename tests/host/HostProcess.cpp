@@ -110,6 +110,9 @@ Outcome StartHost(const std::vector<std::string>& arguments) {
         if (!started && GetLastError() != ERROR_INTERNAL_ERROR) {
             break;
         }
+        if (!started) {
+            std::puts("Wine failed to start toolbox-host");  // scripts/wine-test counts these
+        }
     }
     if (!started) {
         throw std::runtime_error("cannot start " + commandLine + ": " +
