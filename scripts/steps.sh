@@ -20,14 +20,17 @@ else
     progress_end=$'\n'
 fi
 
-# How far the step is that writes the log: what Ninja built of how much, which test program CTest
-# started last.
+# How far the step is that writes the log: what Ninja built of how much; how many test programs CTest
+# has run of how many, and which it is running.
 how_far() {
     awk '
         /^\[[0-9]+\/[0-9]+\]/ { split(substr($1, 2), part, /[\/\]]/); far = part[1] " of " part[2] }
-        /^ +[0-9]+\/[0-9]+ Test +#/ { split($1, part, "/"); far = part[1] " of " part[2] }
-        /^ +Start +[0-9]+: / { running = ", " $3 }
-        END { print far running }' "$1" 2>/dev/null
+        /^ *Start +[0-9]+: / { running[$3] = 1 }
+        /^ *[0-9]+\/[0-9]+ Test +#/ {
+            split($1, part, "/"); far = part[1] " of " part[2]
+            delete running[$2 ~ /:$/ ? $3 : $4]
+        }
+        END { for (name in running) far = far ", " name; print far }' "$1" 2>/dev/null
 }
 
 # show_progress NAME LOG: until it is killed.
