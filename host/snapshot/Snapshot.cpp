@@ -8,8 +8,8 @@
 
 #include "common/err/GeneralError.h"
 #include "common/sys/Domain.h"
-#include "common/sys/nic/NicRegistry.h"
 #include "common/sys/WmiQueries.h"
+#include "common/sys/nic/NicRegistry.h"
 #include "host/snapshot/ReadFailure.h"
 
 namespace host::snapshot {
