@@ -146,12 +146,7 @@ std::string ListOf(IniFile& file) {
         [&builder](std::uint32_t kind, std::uint32_t type, std::string_view value) {
             builder.ConfigEvent(kind, type, std::string(value));
         },
-        [] {
-            return [crypto = std::make_shared<sys::CryptoDll>()](const std::string& enciphered,
-                                                                 std::string& plain) {
-                crypto->Decrypt(enciphered, plain);
-            };
-        });
+        [] { return std::make_unique<sys::CryptoDll>(); });
     try {
         events.SuppressesReboot();
         events.SendSections();

@@ -14,7 +14,7 @@ public:
     /// Deciphers `enciphered` into `plain` and returns the library's result unchanged. The library
     /// receives the two string objects themselves: it must have been built with this module's
     /// string type. Throws CDllProxyError when the library or its "Decrypt" is missing.
-    int Decrypt(const std::string& enciphered, std::string& plain);
+    virtual int Decrypt(const std::string& enciphered, std::string& plain);
 
 private:
     void* decrypt_ = nullptr;  // null until it is first looked up

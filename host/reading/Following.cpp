@@ -1,10 +1,12 @@
 #include "host/reading/Following.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 
 #include "common/config/ConfigBuilder.h"
 #include "common/logging/LogSink.h"
+#include "common/sys/CryptoDll.h"
 #include "toolbox/config/ConfigurationFileEvents.h"
 
 namespace host::reading {
@@ -12,6 +14,12 @@ namespace host::reading {
 namespace {
 
 namespace Kinds = config::Event;
+
+/// Loads no library and deciphers nothing.
+class NoCipher : public sys::CryptoDll {
+public:
+    int Decrypt(const std::string& /*enciphered*/, std::string& /*plain*/) override { return 0; }
+};
 
 class Follower {
 public:
@@ -24,7 +32,7 @@ public:
               [this](std::uint32_t kind, std::uint32_t type, std::string_view value) {
                   OnEvent(kind, type, value);
               },
-              [] { return [](const std::string&, std::string&) {}; }) {
+              []() -> std::unique_ptr<sys::CryptoDll> { return std::make_unique<NoCipher>(); }) {
         events_.ObserveLookUps([this](std::string_view, std::string_view key,
                                       const IniFile::Entry* found) { OnLookUp(key, found); });
     }

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "common/err/GeneralError.h"
+#include "common/sys/CryptoDll.h"
 #include "tests/toolbox/ScratchFile.h"
 
 namespace {
@@ -17,8 +19,17 @@ constexpr const char* kKindNames[] = {"NAME",    "WORKGROUP", "DOMAIN", "USER", 
                                       "ADDRESS", "MASK",      "GW",     "DNS",    "SUFFIX",
                                       "ROUTE",   "RGW",       "FIELD4", "METRIC", "IGNORED"};
 
+/// Turns "x" into "plain:x".
+class MarkingCipher : public sys::CryptoDll {
+public:
+    int Decrypt(const std::string& enciphered, std::string& plain) override {
+        plain = "plain:" + enciphered;
+        return 0;
+    }
+};
+
 /// The events of a file, one word each: "+NIC(label)" opens, "-" closes, "DNS(10.0.0.1)" is a
-/// value. The cipher of these tests turns "x" into "plain:x".
+/// value.
 std::string Events(const std::string& text) {
     const ScratchFile scratch(text);
     IniFile file;
@@ -36,11 +47,7 @@ std::string Events(const std::string& text) {
             words += kKindNames[kind];
             words.append("(").append(value).append(") ");
         },
-        [] {
-            return [](const std::string& enciphered, std::string& plain) {
-                plain = "plain:" + enciphered;
-            };
-        });
+        []() -> std::unique_ptr<sys::CryptoDll> { return std::make_unique<MarkingCipher>(); });
     events.SuppressesReboot();
     events.SendSections();
     return words.empty() ? words : words.substr(0, words.size() - 1);

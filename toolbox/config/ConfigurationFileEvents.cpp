@@ -17,9 +17,8 @@ std::string Numbered(std::string_view stem, std::int32_t number) {
 
 }  // namespace
 
-ConfigurationFileEvents::ConfigurationFileEvents(IniFile& file, Sink sink,
-                                                 OpenDecipher openDecipher)
-    : file_(file), sink_(std::move(sink)), openDecipher_(std::move(openDecipher)) {}
+ConfigurationFileEvents::ConfigurationFileEvents(IniFile& file, Sink sink, MakeCipher makeCipher)
+    : file_(file), sink_(std::move(sink)), makeCipher_(makeCipher) {}
 
 bool ConfigurationFileEvents::SuppressesReboot() {
     return Find(key::kGlobal, key::kRebootAfterConfig) && util::NoCaseEqual(text_, "false");
@@ -92,18 +91,18 @@ std::int32_t ConfigurationFileEvents::Count() const {
 
 void ConfigurationFileEvents::SendNetworking(std::string_view section) {
     // Destroyed, and the deciphering library with it, at the end of this section.
-    const Decrypt decrypt = openDecipher_();
+    const std::unique_ptr<sys::CryptoDll> cipher = makeCipher_();
     std::string user;
     std::string password;
     const util::SecretGuard eraseUser(user);
     const util::SecretGuard erasePassword(password);
     bool hasCredentials = false;
     if (Find(section, key::kDomainUsername) && !text_.empty()) {
-        decrypt(std::string(text_), user);
+        cipher->Decrypt(std::string(text_), user);
         hasCredentials = true;
     }
     if (Find(section, key::kDomainPassword) && !text_.empty()) {
-        decrypt(std::string(text_), password);
+        cipher->Decrypt(std::string(text_), password);
     }
     // They go to the command sent just before, so the join and the rename each get them.
     const auto sendCredentials = [&] {

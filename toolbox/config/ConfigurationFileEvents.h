@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "common/config/Event.h"
+#include "common/sys/CryptoDll.h"
 #include "toolbox/config/IniFile.h"
 
 /// Reads a loaded configuration file into the stream of configuration events.
@@ -21,10 +23,8 @@ public:
     /// A value that the file holds is a view into the reader's memory.
     using Sink =
         std::function<void(std::uint32_t kind, std::uint32_t type, std::string_view value)>;
-    /// Deciphers the first text into the second.
-    using Decrypt = std::function<void(const std::string& enciphered, std::string& plain)>;
-    /// Opens a decipherer; it is released when the Decrypt is destroyed.
-    using OpenDecipher = std::function<Decrypt()>;
+    /// Makes the cipher of a [Networking] section, at whose end it is destroyed.
+    using MakeCipher = std::unique_ptr<sys::CryptoDll> (*)();
 
     /// Told of every look-up; `found` is null where there is no such key.
     using LookUp = std::function<void(std::string_view section, std::string_view key,
@@ -34,7 +34,7 @@ public:
     static constexpr std::int32_t kMaximumCount = 100000;
 
     /// `file` must outlive this object and not be loaded again meanwhile.
-    ConfigurationFileEvents(IniFile& file, Sink sink, OpenDecipher openDecipher);
+    ConfigurationFileEvents(IniFile& file, Sink sink, MakeCipher makeCipher);
 
     /// For whoever wants to know which key an event comes from; the module does not.
     void ObserveLookUps(LookUp observer) { observer_ = std::move(observer); }
@@ -43,7 +43,7 @@ public:
     /// look-up uses the shared text too.
     bool SuppressesReboot();
 
-    /// Walks the sections in file order. Throws what the sink and the decipherer throw, and
+    /// Walks the sections in file order. Throws what the sink and the cipher throw, and
     /// config::ConfigError for a count that is out of range.
     void SendSections();
 
@@ -83,7 +83,7 @@ private:
 
     IniFile& file_;
     Sink sink_;
-    OpenDecipher openDecipher_;
+    MakeCipher makeCipher_;
     LookUp observer_;        // empty unless set
     std::string_view text_;  // what the last look-up that found something found
 };

@@ -18,13 +18,6 @@ namespace {
 using logging::kMain;
 using logging::kTrace;
 
-ConfigurationFileEvents::Decrypt OpenCryptoDll() {
-    return [crypto = std::make_shared<sys::CryptoDll>()](const std::string& enciphered,
-                                                         std::string& plain) {
-        crypto->Decrypt(enciphered, plain);
-    };
-}
-
 /// Moves the file beside the host's executable, so that it is not applied twice. A file of that
 /// name there is replaced; a file that already stands there stays.
 void PutAway(const std::string& path) {
@@ -82,7 +75,7 @@ std::int32_t Configure::Run(IHostMessage& message, config::ConfigBuilder& builde
         [&builder](std::uint32_t kind, std::uint32_t type, std::string_view value) {
             builder.ConfigEvent(kind, type, std::string(value));
         },
-        OpenCryptoDll);
+        [] { return std::make_unique<sys::CryptoDll>(); });
     const bool noReboot = events.SuppressesReboot();
     Log(kTrace, "Configure::HandleMessage(): about to call ConfigEvent()");
     events.SendSections();

@@ -1,4 +1,4 @@
-#include "toolbox/config/HandlerTable.h"
+#include "toolbox/config/CreateHandler.h"
 
 #include <new>
 
@@ -7,61 +7,20 @@
 
 namespace {
 
-using CreateFunction = CMessageHandler* (*)();
-
-template <class Handler>
-CMessageHandler* Create() {
-    return new (std::nothrow) Handler;
-}
-
-/// A list ends with a row without a creation function; a row without a name matches every name.
-struct NameRow {
-    const char* name;
-    CreateFunction create;
-};
-
-/// The table ends with a row without a kind.
-struct KindRow {
-    const char* kind;
-    const NameRow* names;
-};
-
-constexpr NameRow kAnyName[] = {
-    {nullptr, Create<DefaultHandler>},
-    {nullptr, nullptr},
-};
-
-constexpr NameRow kInternalNames[] = {
-    {"UpdateInfo", Create<UpdateInfo>},
-    {"Configure", Create<Configure>},
-    {nullptr, Create<DefaultHandler>},
-    {nullptr, nullptr},
-};
-
-constexpr KindRow kHandlerTable[] = {
-    {"Request", kAnyName},
-    {"Reply", kAnyName},
-    {"Internal", kInternalNames},
-    {nullptr, nullptr},
-};
-
-CreateFunction FindCreateFunction(const std::string& kind, const std::string& name) {
-    for (const KindRow* row = kHandlerTable; row->kind != nullptr; ++row) {
-        if (kind != row->kind) {
-            continue;
-        }
-        for (const NameRow* entry = row->names; entry->create != nullptr; ++entry) {
-            if (entry->name == nullptr || name == entry->name) {
-                return entry->create;
-            }
-        }
-    }
-    return nullptr;
+template <typename Handler>
+std::unique_ptr<CMessageHandler> Make() {
+    return std::unique_ptr<CMessageHandler>(new (std::nothrow) Handler);
 }
 
 }  // namespace
 
 std::unique_ptr<CMessageHandler> CreateHandler(const std::string& kind, const std::string& name) {
-    const CreateFunction create = FindCreateFunction(kind, name);
-    return std::unique_ptr<CMessageHandler>(create != nullptr ? create() : nullptr);
+    const bool isInternal = kind == "Internal";
+    if (isInternal && name == "Configure") {
+        return Make<Configure>();
+    }
+    if (isInternal && name == "UpdateInfo") {
+        return Make<UpdateInfo>();
+    }
+    return isInternal || kind == "Request" || kind == "Reply" ? Make<DefaultHandler>() : nullptr;
 }

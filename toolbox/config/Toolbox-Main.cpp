@@ -5,7 +5,7 @@
 #include "common/err/GeneralError.h"
 #include "common/logging/LogSink.h"
 #include "common/logging/Phrases.h"
-#include "toolbox/config/HandlerTable.h"
+#include "toolbox/config/CreateHandler.h"
 #include "toolbox/config/HostInterface.h"
 #include "toolbox/config/ModuleVersion.h"
 
