@@ -12,38 +12,6 @@
 
 namespace sys {
 
-/// Owner of one reference to a COM interface.
-template <class Interface>
-class ComPointer {
-public:
-    ComPointer() noexcept = default;
-    ComPointer(ComPointer&& other) noexcept : pointer_(other.Release()) {}
-    ComPointer& operator=(ComPointer&& other) noexcept {
-        Reset(other.Release());
-        return *this;
-    }
-    ~ComPointer() { Reset(); }
-
-    Interface* Get() const noexcept { return pointer_; }
-    Interface* operator->() const noexcept { return pointer_; }
-    explicit operator bool() const noexcept { return pointer_ != nullptr; }
-
-    void Reset(Interface* pointer = nullptr) noexcept {
-        Interface* const old = std::exchange(pointer_, pointer);
-        if (old != nullptr) {
-            old->Release();
-        }
-    }
-    Interface* Release() noexcept { return std::exchange(pointer_, nullptr); }
-    Interface** Receive() noexcept {
-        Reset();
-        return &pointer_;
-    }
-
-private:
-    Interface* pointer_ = nullptr;
-};
-
 /// Owner of one BSTR, made from narrow text in the system code page or from wide text.
 class Bstr {
 public:

@@ -11,18 +11,21 @@
 
 #define SECURITY_WIN32
 #include <security.h>
+#include <wrl/client.h>
 
 #include <vector>
 
 #include "common/err/GeneralError.h"
 #include "common/lang/Handle.h"
-#include "common/sys/ComPointers.h"
+#include "common/sys/Automation.h"
 #include "common/sys/WideText.h"
 #include "common/util/Strings.h"
 
 namespace sys {
 
 namespace {
+
+using Microsoft::WRL::ComPtr;
 
 struct LsaPolicyTraits {
     using Type = LSA_HANDLE;
@@ -141,15 +144,15 @@ const char* moveComputerObject(const std::string& source, const std::string& des
     CoInitialize(nullptr);
     const char* failure = nullptr;
     {
-        ComPointer<IADsContainer> container;
+        ComPtr<IADsContainer> container;  // whose __uuidof mingw-w64 does not have
         result = ADsOpenObject(wideDestination.c_str(), wideAccount.c_str(), widePassword.Get(),
                                ADS_SECURE_AUTHENTICATION, IID_IADsContainer,
-                               reinterpret_cast<void**>(container.Receive()));
+                               reinterpret_cast<void**>(container.GetAddressOf()));
         if (FAILED(result)) {
             failure = "Unable to bind to destination OU";
         } else {
-            ComPointer<IDispatch> moved;
-            result = container->MoveHere(wideSource.Get(), nullptr, moved.Receive());
+            ComPtr<IDispatch> moved;
+            result = container->MoveHere(wideSource.Get(), nullptr, moved.GetAddressOf());
             container.Reset();
             if (FAILED(result)) {
                 failure = "Unable to locate computer at source OU";

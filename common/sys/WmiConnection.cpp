@@ -1,6 +1,7 @@
 #include "common/sys/WmiConnection.h"
 
 #include "common/err/GeneralError.h"
+#include "common/sys/Automation.h"
 #include "common/sys/ComError.h"
 #include "common/sys/Wmi.h"
 #include "common/sys/WmiValues.h"
@@ -9,14 +10,11 @@ namespace sys {
 
 namespace {
 
+using Microsoft::WRL::ComPtr;
+
 /// The failure as an error, with the thread's last Windows error.
 CWmiError MakeWmiError(const WmiFailure& failure, HRESULT result) {
     return {failure.message, failure.line, result, GetLastError()};
-}
-
-/// A step of the set-up ends it when its HRESULT is negative.
-bool Stops(HRESULT result) noexcept {
-    return FAILED(result);
 }
 
 }  // namespace
@@ -33,23 +31,23 @@ HRESULT ScopedWmiComInit::Connect() {
     // Made before COM is joined: what throws here must leave nothing to undo.
     const Bstr wmiNamespace(L"root\\cimv2");
     HRESULT result = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    if (Stops(result)) {
+    if (FAILED(result)) {
         return result;
     }
     result = CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_CONNECT,
                                   RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
     // Security is set once per process, by this module's first connection or by the agent itself.
-    if (Stops(result) && result != RPC_E_TOO_LATE) {
+    if (FAILED(result) && result != RPC_E_TOO_LATE) {
         return result;
     }
-    result = CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
-                              reinterpret_cast<void**>(locator_.Receive()));
-    if (Stops(result)) {
+    result = CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER,
+                              IID_PPV_ARGS(locator_.GetAddressOf()));
+    if (FAILED(result)) {
         return result;
     }
     result = locator_->ConnectServer(wmiNamespace.Get(), nullptr, nullptr, nullptr, 0, nullptr,
-                                     nullptr, services_.Receive());
-    if (Stops(result)) {
+                                     nullptr, services_.GetAddressOf());
+    if (FAILED(result)) {
         return result;
     }
     return CoSetProxyBlanket(services_.Get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
@@ -123,19 +121,19 @@ Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
     }
     const Bstr language(L"WQL");
     const Bstr queryText{std::string_view(text)};
-    ComPointer<IEnumWbemClassObject> enumerator;
+    ComPtr<IEnumWbemClassObject> enumerator;
     const HRESULT result = connection.Services()->ExecQuery(
         language.Get(), queryText.Get(), WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY,
-        nullptr, enumerator.Receive());
+        nullptr, enumerator.GetAddressOf());
     if (FAILED(result)) {
         throw MakeWmiError(query.failure, result);
     }
     for (HRESULT last = S_OK;;) {
-        ComPointer<IWbemClassObject> object;
+        ComPtr<IWbemClassObject> object;
         ULONG returned = 0;
         // The query returns before it is looked at: most of what is wrong with it shows here.
         const HRESULT next =
-            enumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, object.Receive(), &returned);
+            enumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, object.GetAddressOf(), &returned);
         if (FAILED(next)) {
             throw MakeWmiError(query.failure, next);
         }
@@ -195,15 +193,16 @@ public:
 
     std::uint32_t Run(const std::string& objectPath,
                       const std::function<void(WmiInParameters&)>& fill) {
-        ComPointer<IWbemClassObject> classDefinition;
+        ComPtr<IWbemClassObject> classDefinition;
         const Bstr className(std::wstring_view(method_.className));
-        Check(services_.GetObject(className.Get(), 0, nullptr, classDefinition.Receive(), nullptr));
-        ComPointer<IWbemClassObject> inDefinition;
-        Check(classDefinition->GetMethod(method_.name, 0, inDefinition.Receive(), nullptr));
-        ComPointer<IWbemClassObject> inParameters;
+        Check(services_.GetObject(className.Get(), 0, nullptr, classDefinition.GetAddressOf(),
+                                  nullptr));
+        ComPtr<IWbemClassObject> inDefinition;
+        Check(classDefinition->GetMethod(method_.name, 0, inDefinition.GetAddressOf(), nullptr));
+        ComPtr<IWbemClassObject> inParameters;
         if (fill) {
             // A class that declares no in-parameters here is not the class this module knows.
-            Check(inDefinition ? inDefinition->SpawnInstance(0, inParameters.Receive())
+            Check(inDefinition ? inDefinition->SpawnInstance(0, inParameters.GetAddressOf())
                                : static_cast<HRESULT>(WBEM_E_INVALID_METHOD_PARAMETERS));
             ObjectParameters parameters(*inParameters.Get(), method_.failure);
             fill(parameters);
@@ -215,9 +214,9 @@ private:
     std::uint32_t Execute(const std::string& objectPath, IWbemClassObject* inParameters) {
         const Bstr path{std::string_view(objectPath)};
         const Bstr name(std::wstring_view(method_.name));
-        ComPointer<IWbemClassObject> outParameters;
+        ComPtr<IWbemClassObject> outParameters;
         Check(services_.ExecMethod(path.Get(), name.Get(), 0, nullptr, inParameters,
-                                   outParameters.Receive(), nullptr));
+                                   outParameters.GetAddressOf(), nullptr));
         Check(outParameters ? S_OK : static_cast<HRESULT>(WBEM_E_FAILED));
         Variant returnValue;
         Check(outParameters->Get(L"ReturnValue", 0, returnValue.Receive(), nullptr, nullptr));

@@ -3,8 +3,7 @@
 #include <windows.h>
 
 #include <wbemidl.h>
-
-#include "common/sys/ComPointers.h"
+#include <wrl/client.h>
 
 namespace sys {
 
@@ -28,8 +27,8 @@ public:
 private:
     HRESULT Connect();
 
-    ComPointer<IWbemLocator> locator_;
-    ComPointer<IWbemServices> services_;
+    Microsoft::WRL::ComPtr<IWbemLocator> locator_;
+    Microsoft::WRL::ComPtr<IWbemServices> services_;
     HRESULT setupResult_;
 };
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "common/sys/ComPointers.h"
+#include "common/sys/Automation.h"
 
 /// What WMI delivers, turned into the module's own types.
 namespace sys {

@@ -16,11 +16,11 @@ class LedgerTest : public SimulatedTest {};
 
 TEST_F(LedgerTest, FindsAnInterfaceThatIsKeptAndAReleaseTooMany) {
     Connection connection;
-    ComPointer<IEnumWbemClassObject> rows;
-    ComPointer<IWbemClassObject> first;
+    ComPtr<IEnumWbemClassObject> rows;
+    ComPtr<IWbemClassObject> first;
     connection.Query(L"select Name from Win32_ComputerSystem", rows);
     connection.Next(rows, first);
-    IWbemClassObject* const row = first.Release();
+    IWbemClassObject* const row = first.Detach();
     EXPECT_THAT(simulation_.GetLedger().Report(),
                 HasSubstr("not returned: IWbemClassObject (Next, call "));
     EXPECT_EQ(row->Release(), 0U);

@@ -6,13 +6,14 @@
 #include <objbase.h>
 #include <oleauto.h>
 #include <wbemcli.h>
+#include <wrl/client.h>
 
-#include "common/sys/ComPointers.h"
+#include "common/sys/Automation.h"
 
 namespace machine::test {
 
+using Microsoft::WRL::ComPtr;
 using sys::Bstr;
-using sys::ComPointer;
 using sys::Variant;
 
 // A connection to root\cimv2 made of the calls that every program makes.
@@ -22,10 +23,10 @@ public:
         CoInitializeEx(nullptr, COINIT_MULTITHREADED);
         CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_CONNECT,
                              RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE, nullptr);
-        CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
-                         reinterpret_cast<void**>(locator_.Receive()));
+        CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER,
+                         IID_PPV_ARGS(locator_.GetAddressOf()));
         locator_->ConnectServer(Bstr(L"root\\cimv2").Get(), nullptr, nullptr, nullptr, 0, nullptr,
-                                nullptr, services_.Receive());
+                                nullptr, services_.GetAddressOf());
     }
     ~Connection() {
         locator_.Reset();
@@ -35,22 +36,22 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    HRESULT Query(const wchar_t* text, ComPointer<IEnumWbemClassObject>& rows,
+    HRESULT Query(const wchar_t* text, ComPtr<IEnumWbemClassObject>& rows,
                   LONG flags = WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY) {
         return services_->ExecQuery(Bstr(L"WQL").Get(), Bstr(text).Get(), flags, nullptr,
-                                    rows.Receive());
+                                    rows.ReleaseAndGetAddressOf());
     }
 
-    static HRESULT Next(ComPointer<IEnumWbemClassObject>& rows, ComPointer<IWbemClassObject>& row) {
+    static HRESULT Next(ComPtr<IEnumWbemClassObject>& rows, ComPtr<IWbemClassObject>& row) {
         ULONG count = 1;
         const HRESULT result =
-            rows->Next(static_cast<LONG>(WBEM_INFINITE), 1, row.Receive(), &count);
+            rows->Next(static_cast<LONG>(WBEM_INFINITE), 1, row.ReleaseAndGetAddressOf(), &count);
         return count == (result == S_OK ? 1 : 0) ? result : E_UNEXPECTED;
     }
 
 private:
-    ComPointer<IWbemLocator> locator_;
-    ComPointer<IWbemServices> services_;
+    ComPtr<IWbemLocator> locator_;
+    ComPtr<IWbemServices> services_;
 };
 
 }  // namespace machine::test

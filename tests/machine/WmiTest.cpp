@@ -32,8 +32,8 @@ TEST_F(WmiTest, DeliversTheVariantTypesOfWindowsAndOnlyWhatWasSelected) {
     for (const Case& one : cases) {
         SCOPED_TRACE(testing::Message() << one.query);
         Connection connection;
-        ComPointer<IEnumWbemClassObject> rows;
-        ComPointer<IWbemClassObject> row;
+        ComPtr<IEnumWbemClassObject> rows;
+        ComPtr<IWbemClassObject> row;
         ASSERT_EQ(connection.Query(one.query, rows), S_OK);
         ASSERT_EQ(connection.Next(rows, row), S_OK);
         Variant value;
@@ -51,8 +51,8 @@ TEST_F(WmiTest, AWrongQueryFailsAtOnceOrAtTheFirstRowAsItsFlagsSay) {
     };
     for (const auto& [query, code] : cases) {
         Connection connection;
-        ComPointer<IEnumWbemClassObject> rows;
-        ComPointer<IWbemClassObject> row;
+        ComPtr<IEnumWbemClassObject> rows;
+        ComPtr<IWbemClassObject> row;
         EXPECT_EQ(connection.Query(query, rows, WBEM_FLAG_FORWARD_ONLY), code);
         EXPECT_EQ(rows.Get(), nullptr);
         EXPECT_EQ(connection.Query(query, rows), S_OK);

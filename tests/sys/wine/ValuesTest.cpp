@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "common/sys/ComPointers.h"
+#include "common/sys/Automation.h"
 #include "common/sys/WideText.h"
 #include "common/sys/WmiValues.h"
 #include "tests/sys/support/Outcome.h"
