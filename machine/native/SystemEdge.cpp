@@ -123,9 +123,7 @@ std::int32_t RunCommand(const std::string& commandLine) {
     }
     std::vector<std::string> words = machine::Split(commandLine, ' ');
     words.erase(words.begin());  // the program
-    const machine::RouteOutcome outcome = machine::RunRoute(words, TheMachine().state.routes);
-    machine::ApplyChange(TheMachine().state.routes, outcome.change);
-    return outcome.exitCode;
+    return machine::RunRoute(words, TheMachine().state.routes).exitCode;
 }
 
 }  // namespace proc
