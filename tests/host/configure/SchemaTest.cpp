@@ -1,9 +1,9 @@
-// All that "configure" prints as JSON is valid by docs/configure.schema.json, and the exit codes
-// tell the outcomes apart.
+// The exit codes of "configure" tell its outcomes apart. What it prints as JSON is left beside this
+// program's folder for check-schema, which runs after it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <set>
+#include <filesystem>
+#include <string>
 
 #include "tests/host/configure/Support.h"
 
@@ -11,79 +11,10 @@ namespace {
 
 using namespace configure_tests;
 
-/// As much of JSON Schema as the document uses; other words are faults.
-class Schema {
-public:
-    /// Where the value breaks the schema, a line each.
-    std::string Faults(const Json& value) const { return Faults(root_, value, ""); }
-
-private:
-    std::string Faults(const Json& rule, const Json& value, const std::string& place) const {
-        std::string faults;
-        for (const auto& [word, content] : rule.items()) {
-            faults += FaultsOfWord(rule, word, content, value, place);
-        }
-        return faults;
-    }
-
-    std::string FaultsOfWord(const Json& rule, const std::string& word, const Json& content,
-                             const Json& value, const std::string& place) const {
-        static const std::set<std::string> kWithoutChecks = {"$schema", "$defs", "title",
-                                                             "description", "properties"};
-        if (kWithoutChecks.contains(word)) {
-            return {};
-        }
-        std::string faults;
-        bool holds = true;
-        if (word == "$ref") {
-            const std::string target = content.get<std::string>().substr(1);
-            faults = Faults(root_.at(Json::json_pointer(target)), value, place);
-        } else if (word == "type") {
-            const Json types = content.is_array() ? content : Json::array({content});
-            holds = std::ranges::count(types, Json(value.type_name())) != 0 ||
-                    (value.is_number_integer() && std::ranges::count(types, Json("integer")) != 0);
-        } else if (word == "enum") {
-            holds = std::ranges::count(content, value) != 0;
-        } else if (word == "anyOf") {
-            holds = std::ranges::any_of(
-                content, [&](const Json& choice) { return Faults(choice, value, place).empty(); });
-        } else if (word == "items") {
-            for (std::size_t i = 0; value.is_array() && i < value.size(); ++i) {
-                faults += Faults(content, value[i], place + "/" + std::to_string(i));
-            }
-        } else if (word == "required") {
-            for (const Json& name : content) {
-                holds = holds && (!value.is_object() || value.contains(name));
-            }
-        } else if (word == "minItems") {
-            holds = !value.is_array() || value.size() >= content;
-        } else if (word == "additionalProperties" && value.is_object()) {
-            faults =
-                FaultsOfMembers(rule.value("properties", Json::object()), content, value, place);
-        } else {
-            holds = word == "additionalProperties";
-        }
-        return holds ? faults : faults + place + ": " + word + " " + content.dump() + "\n";
-    }
-
-    /// Every object of the document says what its other members may be.
-    std::string FaultsOfMembers(const Json& known, const Json& others, const Json& value,
-                                const std::string& place) const {
-        std::string faults;
-        for (const auto& [name, member] : value.items()) {
-            if (known.contains(name) || others.is_object()) {
-                faults += Faults(known.value(name, others), member, place + "/" + name);
-            } else {
-                faults += place + ": unknown member " + name + "\n";
-            }
-        }
-        return faults;
-    }
-
-    const Json root_ = Json::parse(ReadFile(TOOLBOX_SOURCE_DIR "/docs/configure.schema.json"));
-};
-
-TEST(SchemaOfConfigure, EveryKindOfOutputIsValidAndNothingElse) {
+TEST(ConfigureJson, ExitCodesTellTheOutcomesApart) {
+    const auto printed = std::filesystem::current_path() / "printed";
+    std::filesystem::remove_all(printed);
+    std::filesystem::create_directory(printed);
     const Files files;
     const std::string server = TOOLBOX_SOURCE_DIR "/examples/two-adapter-server";
     const std::string odd = files.Write("odd.ini",
@@ -118,20 +49,11 @@ TEST(SchemaOfConfigure, EveryKindOfOutputIsValidAndNothingElse) {
         {{server + ".ini", "--machine", server + ".json", "--fail", "MoveFileA"}, 1},
         {{"no such file.ini"}, 65},
     };
-    const Schema schema;
+    int number = 0;
     for (const auto& [arguments, exitCode] : cases) {
         const Json result = ConfigureJson(arguments, exitCode);
-        EXPECT_EQ(schema.Faults(result), "") << testing::PrintToString(arguments);
+        support::WriteFile(printed / (std::to_string(++number) + ".json"), result.dump());
     }
-    Json good = ConfigureJson({rename, "--plan"}, 2);
-    for (const char* place : {"/extra", "/file", "/passes/0/settings/0/fate", "/passes/0/failure",
-                              "/passes/0/reply/Result"}) {
-        Json spoilt = good;
-        spoilt[Json::json_pointer(place)] = true;
-        EXPECT_NE(schema.Faults(spoilt), "") << place;
-    }
-    good.erase("passes");
-    EXPECT_NE(schema.Faults(good), "");
 }
 
 }  // namespace
