@@ -6,14 +6,14 @@
 
 #include "common/err/GeneralError.h"
 #include "tests/native/OnMachine.h"
+#include "tests/support/ScratchFile.h"
 #include "tests/toolbox/RecordingHost.h"
-#include "tests/toolbox/ScratchFile.h"
 
 namespace {
 
 using ConfigureRequest = native::OnMachine;
+using support::ScratchFile;
 using toolbox_tests::RecordingHost;
-using toolbox_tests::ScratchFile;
 
 TEST_F(ConfigureRequest, AConfigErrorIsAnsweredBeforeItIsLoggedAndAnotherAfter) {
     const ScratchFile scratch("[Networking]\nComputerName=PC9", "site.ini");

@@ -2,31 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdarg>
 #include <string>
 #include <vector>
 
-#include "common/logging/LogSink.h"
 #include "common/sys/nic/NicDiscovery.h"
-#include "common/util/Strings.h"
 #include "machine/native/Machine.h"
 #include "tests/native/CommandText.h"
 #include "tests/native/Machines.h"
 
 namespace native {
-
-/// Notes lines as "2 text".
-class RecordingLog : public logging::ILogSink {
-public:
-    std::vector<std::string> lines;
-
-    void Log(std::uint32_t level, const char* format, ...) override {
-        std::va_list arguments;
-        va_start(arguments, format);
-        lines.push_back(std::to_string(level) + " " + util::FormatV(format, arguments));
-        va_end(arguments);
-    }
-};
 
 /// The texts of actions on the computer.
 inline std::string Renaming(const std::string& name, const std::string& user = {},

@@ -14,6 +14,8 @@ public:
     ScratchFolder& operator=(const ScratchFolder&) = delete;
 
     const std::filesystem::path& Path() const { return path_; }
+    /// The full path of a name in the folder; nothing need be there.
+    std::string Path(const std::string& name) const { return (path_ / name).string(); }
     /// Writes the bytes and returns the name.
     std::string Write(const std::string& name, const std::string& bytes) const;
 

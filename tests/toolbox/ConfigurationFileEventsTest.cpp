@@ -8,11 +8,11 @@
 
 #include "common/err/GeneralError.h"
 #include "common/sys/CryptoDll.h"
-#include "tests/toolbox/ScratchFile.h"
+#include "tests/support/ScratchFile.h"
 
 namespace {
 
-using toolbox_tests::ScratchFile;
+using support::ScratchFile;
 
 constexpr const char* kKindNames[] = {"NAME",    "WORKGROUP", "DOMAIN", "USER",   "PASSWORD",
                                       "OU",      "NIC",       "DHCP",   "STATIC", "IP",
@@ -81,18 +81,12 @@ TEST(ConfigurationFileEvents, Membership) {
     const std::string head = "[Networking]\n";
     ExpectEvents({
         {"nothing", head, ""},
-        {"a workgroup", head + "Workgroup=true\nDomain=SALES\nDSOrganizationalUnit=East",
-         "WORKGROUP(SALES)"},
         {"an empty workgroup", head + "Workgroup=True\nDomain=\nDSOrganizationalUnit=East",
          "WORKGROUP()"},
         {"a DNS domain",
          head + "Workgroup=False\nDNSDomain=corp.example\nDomain=CORP\n"
                 "DSOrganizationalUnit=East/Sales",
          "DOMAIN(corp.example) OU(East/Sales)"},
-        {"an empty DNS domain falls back", head + "Workgroup=\nDNSDomain=\nDomain=CORP",
-         "DOMAIN(CORP)"},
-        {"both empty", head + "Workgroup=no\nDNSDomain=\nDomain=\nDSOrganizationalUnit=E",
-         "WORKGROUP(WORKGROUP) OU(E)"},
         {"an empty DNS domain and no domain", head + "Workgroup=False\nDNSDomain=", ""},
         {"credentials twice",
          head + "DomainUsername=u\nDomainPassword=p\nWorkgroup=False\n"
@@ -105,7 +99,7 @@ TEST(ConfigurationFileEvents, Membership) {
     });
 }
 
-TEST(ConfigurationFileEvents, OneTextAndOneStatusServeAnAdapter) {
+TEST(ConfigurationFileEvents, ListsAndRoutesOfAnAdapter) {
     const std::string head = "[TCP/IP]\nDescription=lan\n";
     ExpectEvents({
         {"complete and static",
@@ -115,9 +109,6 @@ TEST(ConfigurationFileEvents, OneTextAndOneStatusServeAnAdapter) {
          "+NIC(lan) STATIC() +IP() ADDRESS(10.0.0.1) ADDRESS(10.0.0.2) MASK(m1) MASK(m2) - GW(g1) "
          "GW(g2) DNS(d0) DNS(d1) SUFFIX(a.b) SUFFIX(c.d) +ROUTE() ADDRESS(1.0.0.0) MASK(2) RGW(3) "
          "FIELD4(4) METRIC(5) - -"},
-        {"without Description", "[TCP/IP]\nDHCP=true\nDNS-Server-Count=1\nDNS-Server0=d", "-"},
-        {"missing DHCP is static, with the label as every list", head,
-         "+NIC(lan) STATIC() +IP() ADDRESS(lan) MASK(lan) - GW(lan) SUFFIX(lan) +ROUTE() - -"},
         {"lists keep empty pieces and blanks",
          head + "DHCP=false\nAddress=,a,, b,\nNetmask=\n"
                 "Gateway=,\nDNS-Server-Count=0\nDNS-SuffixSearchOrder=\nStatic-Route-Count=0",
@@ -135,11 +126,6 @@ TEST(ConfigurationFileEvents, OneTextAndOneStatusServeAnAdapter) {
                 "DNS-Server-Count=1x\nDNS-Server0=d\nDNS-SuffixSearchOrder=s\nStatic-Route-Count=x",
          "+NIC(lan) DHCP() DNS(d) SUFFIX(s) +ROUTE() - -"},
     });
-}
-
-TEST(ConfigurationFileEvents, TheTextOfAnEarlierSectionReachesTheNext) {
-    EXPECT_EQ(Events("[Global]\nRebootAfterConfig=true\n[TCP/IP]\nDescription=\nDHCP=true"),
-              "+NIC() DHCP() SUFFIX(true) +ROUTE() - -");
 }
 
 TEST(ConfigurationFileEvents, CountsAboveTheBoundAreRefused) {

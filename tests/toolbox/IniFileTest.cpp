@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "tests/toolbox/ScratchFile.h"
+#include "tests/support/ScratchFile.h"
 
 namespace {
 
-using toolbox_tests::ScratchFile;
+using support::ScratchFile;
 using namespace std::string_literals;
 
 /// Every section in the order of the walk, each with its entries: "[name]line:key=value|...".

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "host/check/FileCheck.h"
-#include "tests/toolbox/ScratchFile.h"
+#include "tests/support/ScratchFile.h"
 
 namespace check_tests {
 
@@ -38,7 +38,7 @@ public:
     }
 
 private:
-    const toolbox_tests::ScratchFile file_;
+    const support::ScratchFile file_;
     const host::check::CheckedFile checked_;
 };
 

@@ -314,18 +314,6 @@ TEST(CheckFindings, TheTextThatAMissingKeyReuses) {
         {"no route count", head + "DHCP=true\nDNS-SuffixSearchOrder=a.b\n", "W 1:2 reused-text",
          "the text of \"DNS-SuffixSearchOrder\" in line 4 and reads the count 0: it deletes the "
          "machine's persistent routes but the first default route"},
-        {"no DHCP",
-         head + "Address=10.0.0.5\nNetmask=255.0.0.0\nGateway=10.0.0.1\n"
-                "DNS-Server-Count=0\nDNS-SuffixSearchOrder=a.b\nStatic-Route-Count=-1\n",
-         "W 1:2 reused-text", "the text of \"Description\" in line 2, \"lan\", and sets static"},
-        {"no address",
-         head + "DHCP=false\nNetmask=255.0.0.0\nGateway=10.0.0.1\nDNS-Server-Count=0\n"
-                "DNS-SuffixSearchOrder=a.b\nStatic-Route-Count=-1\n",
-         "E 1:2 reused-text", "sets the addresses to \"false\"; \"false\" is no IPv4 address"},
-        {"no gateway",
-         head + "DHCP=false\nAddress=10.0.0.5\nNetmask=255.0.0.0\nDNS-Server-Count=0\n"
-                "DNS-SuffixSearchOrder=a.b\nStatic-Route-Count=-1\n",
-         "E 1:2 reused-text", "sets the gateways to \"255.0.0.0\""},
         {"no server count after a gateway",
          head + kStatic +
              "DNS-SuffixSearchOrder=a.b\n"

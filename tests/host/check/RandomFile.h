@@ -7,18 +7,26 @@
 
 namespace check_tests {
 
-/// Small files that are near to good ones: lines drawn from good and bad ones, so that many files
-/// have no error and many have several.
+/// Small files that are near to good ones: one line of `oneOddOf` is missing or another stands in
+/// its place. The account, the domain and the unit are those of the machines of the cases.
 class RandomFile {
 public:
-    explicit RandomFile(unsigned seed) : random_(seed) {}
+    RandomFile(unsigned seed, int oneOddOf) : random_(seed), oneOddOf_(oneOddOf) {}
 
     std::string Make() {
         std::string text;
-        for (int sections = Below(4); sections >= 0; --sections) {
-            text += Pick({"[TCP/IP]\n", "[NicEntry1]\n", "[NicEntry2]\n", "[Networking]\n",
-                          "[Global]\n", "[tcp/ip]\n", "[Other]\n"});
-            Below(4) != 0 ? AddAdapter(text) : AddLines(text);
+        Mostly(text, Pick({"", "", "[Global]\nRebootAfterConfig=true\n"}),
+               {"[Global]\nRebootAfterConfig=false\n", "lost\n", "[Other]\nDomain=x\n"});
+        if (Below(3) != 0) {
+            Mostly(text, "[Networking]\n", {"[networking]\n", "[Global]\n"});
+            AddNetworking(text);
+        }
+        bool hasRoutes = false;
+        const int adapters = Below(4);
+        const char* const sections[] = {"[TCP/IP]\n", "[NicEntry1]\n", "[NicEntry2]\n"};
+        for (int i = 0; i < adapters; ++i) {
+            Mostly(text, sections[i], {"[tcp/ip]\n", "[TCP/IP]\n", "[NicEntry1]\n"});
+            AddAdapter(text, 5 + i, hasRoutes);
         }
         return text;
     }
@@ -30,19 +38,42 @@ private:
         return choices[static_cast<std::size_t>(Below(static_cast<int>(choices.size())))];
     }
 
-    /// A line that is there mostly, and good mostly.
-    void Mostly(std::string& text, const char* good, const std::vector<const char*>& others) {
-        const int choice = Below(12);
-        text += choice == 0 ? "" : choice == 1 ? Pick(others) : good;
+    void Mostly(std::string& text, const std::string& good,
+                const std::vector<const char*>& others) {
+        text += Below(oneOddOf_) != 0 ? good : Below(2) == 0 ? "" : Pick(others);
     }
 
-    void AddAdapter(std::string& text) {
+    void AddNetworking(std::string& text) {
+        if (Below(4) != 0) {
+            Mostly(text, "DomainUsername=eravbw\nDomainPassword=6-rZ-avbW\n",
+                   {"DomainUsername=u\n", "DomainPassword=p\n"});
+        }
+        const int wish = Below(4);
+        if (wish == 0) {
+            Mostly(text, "Workgroup=True\n", {"Workgroup=yes\n", "; comment\n", "no equals\n"});
+            Mostly(text, "Domain=SALES\n", {"Domain=\n", "Domain=A*B\n", "\t \n"});
+        } else if (wish == 1) {
+            Mostly(text, "Workgroup=False\n", {"Workgroup=\n", "=\n"});
+            Mostly(text, "DNSDomain=corp.example\n", {"DNSDomain=\n", "DNSDomain=lab.example\n"});
+        }
+        if (Below(2) == 0) {
+            Mostly(text, Pick({"DSOrganizationalUnit=East/Sales\n", "DSOrganizationalUnit=West\n"}),
+                   {"DSOrganizationalUnit=/\n", "DSOrganizationalUnit=No\n"});
+        }
+        if (Below(2) == 0) {
+            Mostly(text, "ComputerName=PC-7\n", {"ComputerName=PC 7\n", "ComputerName=pc-8\n"});
+        }
+    }
+
+    /// One section's routes undo another's, so only one has some.
+    void AddAdapter(std::string& text, int host, bool& hasRoutes) {
         Mostly(text, "Description=lan\n", {"description=\n", "Description=7,8\n"});
         if (Below(2) == 0) {
             Mostly(text, "DHCP=true\n", {"DHCP=\n", "DHCP=TRUE ; x\n"});
         } else {
+            const std::string own = "Address=10.0.0." + std::to_string(host) + "\n";
             Mostly(text, "DHCP=false\n", {"DHCP=0\n", "Dhcp=x\n"});
-            Mostly(text, "Address=10.0.0.5\n", {"Address=10.0.0.5,10.0.0.6\n", "Address=10.5\n"});
+            Mostly(text, own, {"Address=10.0.0.5,10.0.0.6\n", "Address=10.5\n"});
             Mostly(text, "Netmask=255.255.255.0\n", {"Netmask=255.0.255.0\n", "Netmask=1,2\n"});
             Mostly(text, "Gateway=10.0.0.1\n", {"Gateway=\n", "Gateway=10.9.0.1\n"});
         }
@@ -51,25 +82,21 @@ private:
         Mostly(text, "DNS-Server0=10.0.0.2\n",
                {"DNS-Server0=0.0.0.0\n", "DNS-Server1=10.0.0.2\n", "DNS-Server0=127.0.0.1\n"});
         Mostly(text, "DNS-SuffixSearchOrder=corp.example\n",
-               {"DNS-SuffixSearchOrder=\n", "DNS-SuffixSearchOrder=1,2,3,4,5,\n"});
-        Mostly(text, Pick({"Static-Route-Count=1\n", "Static-Route-Count=-1\n"}),
+               {"DNS-SuffixSearchOrder=\n", "DNS-SuffixSearchOrder=1,2,3,4,5,\n",
+                "DNS-SuffixSearchOrder=other.example\n"});
+        const bool routes = !hasRoutes && Below(2) == 0;
+        Mostly(text, routes ? "Static-Route-Count=1\n" : "Static-Route-Count=-1\n",
                {"Static-Route-Count=2\n", "Static-Route-Count=1000000\n"});
-        Mostly(text, "Route0=10.9.0.0,255.255.0.0,10.0.0.9,x,5,\n",
-               {"Route0=10.9.0.0,255.255.0.0\n", "Route0=,\n", "more\n", "Route1=1,2,3,4,5,6\n"});
-    }
-
-    void AddLines(std::string& text) {
-        for (int lines = Below(6); lines > 0; --lines) {
-            text +=
-                Pick({"ComputerName=PC-1\n", "Workgroup=True\n", "Domain=SALES\n",
-                      "Workgroup=False\n", "DNSDomain=corp.example\n", "; comment\n",
-                      "DSOrganizationalUnit=East/Sales\n", "DomainUsername=u\n",
-                      "DomainUsername=eravbw\nDomainPassword=6-rZ-avbW\n", "no equals\n",
-                      "RebootAfterConfig=false\n", "\t \n", "=\n", "Domain=\n", "DNSDomain=\n"});
+        if (routes) {
+            hasRoutes = true;
+            Mostly(
+                text, "Route0=10.9.0.0,255.255.0.0,10.0.0.9,x,5,\n",
+                {"Route0=10.9.0.0,255.255.0.0\n", "Route0=,\n", "more\n", "Route1=1,2,3,4,5,6\n"});
         }
     }
 
     std::mt19937 random_;
+    int oneOddOf_;
 };
 
 }  // namespace check_tests

@@ -8,7 +8,7 @@
 
 #include "common/config/Event.h"
 #include "tests/host/check/RandomFile.h"
-#include "tests/toolbox/ScratchFile.h"
+#include "tests/support/ScratchFile.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ using host::reading::File;
 using host::reading::LookUp;
 using host::reading::Place;
 using host::reading::Section;
-using toolbox_tests::ScratchFile;
+using support::ScratchFile;
 
 /// What stands at the place.
 std::string_view TextAt(const File& file, const Place& place) {
@@ -27,9 +27,9 @@ std::string_view TextAt(const File& file, const Place& place) {
 }
 
 TEST(ReadFile, EveryTextIsWhereItIsSaidToBe) {
-    check_tests::RandomFile files(7);
+    check_tests::RandomFile files(7, 6);
     std::size_t continued = 0;
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 300; ++i) {
         std::string text = files.Make();
         for (int changes = files.Below(8); changes > 0 && !text.empty(); --changes) {
             const char characters[] = "[]=;#\r\n \t\0x";

@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "host/reading/SettingNames.h"
-#include "tests/toolbox/ScratchFile.h"
+#include "tests/support/ScratchFile.h"
 
 namespace {
 
 using host::reading::Setting;
+using support::ScratchFile;
 using testing::ElementsAreArray;
-using toolbox_tests::ScratchFile;
 
 using Texts = std::vector<std::string>;
 

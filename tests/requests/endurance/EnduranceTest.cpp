@@ -15,6 +15,7 @@
 #include "tests/requests/harness/ModuleHeap.h"
 #include "tests/requests/harness/ModuleRun.h"
 #include "tests/requests/harness/PresentedFile.h"
+#include "tests/support/Sample.h"
 
 namespace {
 
@@ -92,11 +93,12 @@ protected:
     std::size_t kept_ = 0;  // handles left open on purpose
 };
 
-TEST_F(Endurance, FiveHundredRequestsInOneProcess) {
+TEST_F(Endurance, ManyRequestsInOneProcess) {
+    const auto rounds = static_cast<int>(support::SampleOf(25, 100, 100));
     requests::AttachedModule module(simulation_);
     requests::ModuleHeap heap(module.Image());
     std::vector<std::string> heapBefore;
-    const std::size_t kept = Repeat(100, [&](int number) {
+    const std::size_t kept = Repeat(rounds, [&](int number) {
         const bool withRoutes = number % 25 == 0;
         Check(module.Configure(Present(withRoutes ? firstRoute : toStatic)), "Success");
         Check(module.Configure(Present(withRoutes ? secondRoute : toDhcp)), "Success");
@@ -107,14 +109,14 @@ TEST_F(Endurance, FiveHundredRequestsInOneProcess) {
             heapBefore = heap.Outstanding();
         }
     });
-    // Four rounds with routes, each of an addition and of an addition and a deletion; two ends of
-    // pipes for each child. The first addition deletes the second's route too.
-    EXPECT_EQ(kept, 4U * (2 + 2) * 2);
+    // A round with routes has an addition, and an addition and a deletion of two; two ends of pipes
+    // stay open for each child. The first addition deletes the second's route too.
+    EXPECT_EQ(kept, static_cast<std::size_t>(rounds / 25) * (2 + 2) * 2);
     EXPECT_EQ(heap.Outstanding(), heapBefore);
 }
 
-TEST_F(Endurance, TwoHundredLivesOfTheModule) {
-    Repeat(200, [&](int number) {
+TEST_F(Endurance, ManyLivesOfTheModule) {
+    Repeat(static_cast<int>(support::SampleOf(50, 200, 200)), [&](int number) {
         const bool withRoute = number % 50 == 0;
         const std::string& text = withRoute ? (number % 100 == 0 ? firstRoute : secondRoute)
                                             : (number % 2 == 0 ? toStatic : toDhcp);

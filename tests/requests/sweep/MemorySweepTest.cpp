@@ -13,9 +13,6 @@
 namespace sweep {
 namespace {
 
-constexpr std::uint64_t mostRequestsOnce = 40;
-constexpr std::uint64_t mostRequestsStaying = 15;
-
 /// What brings every part of the module to work: all commands of an adapter, routes, a join, a
 /// leave, a move.
 std::vector<Subject> ListMemorySubjects() {
@@ -47,7 +44,7 @@ protected:
             FiguresOf(stays_ ? "memory exhausted from one request on" : "memory refused once");
         figures["points"] += requests;
         for (const std::uint64_t point :
-             Sample(requests, stays_ ? mostRequestsStaying : mostRequestsOnce)) {
+             stays_ ? Sample(requests, 4, 15) : Sample(requests, 12, 40)) {
             const std::string name = "request for memory " + std::to_string(point);
             NotePoint(subject_.name + ", " + name);
             ++figures["points tried"];

@@ -18,9 +18,6 @@
 namespace sweep {
 namespace {
 
-// Of a subject: with one failure nearly every call matters, with a staying one the first few do.
-constexpr std::uint64_t mostPointsOnce = 60;
-constexpr std::uint64_t mostPointsStaying = 15;
 constexpr std::uint64_t recoverEach = 5;  // points
 
 struct Outcome {
@@ -87,7 +84,8 @@ protected:
         figures["points"] += clean.calls;
         std::uint64_t tried = 0;
         for (const std::uint64_t point :
-             Sample(clean.calls, stays_ ? mostPointsStaying : mostPointsOnce)) {
+             // With one failure nearly every call matters, with a staying one the first few do.
+             stays_ ? Sample(clean.calls, 4, 15) : Sample(clean.calls, 15, 60)) {
             const std::string name = "call:" + std::to_string(point) + (stays_ ? "+" : "");
             NotePoint(subject_.name + ", " + name);
             const bool recover = ++tried % recoverEach == 0;

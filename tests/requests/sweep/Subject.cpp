@@ -3,15 +3,14 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <ostream>
-#include <string_view>
 
 #include "machine/Balance.h"
 #include "machine/MachineFile.h"
 #include "tests/requests/cases/CaseFile.h"
+#include "tests/support/Sample.h"
 
 namespace sweep {
 
@@ -155,14 +154,9 @@ std::vector<std::string> Trial::TakeLeaks() {
     return leaks;
 }
 
-std::vector<std::uint64_t> Sample(std::uint64_t count, std::uint64_t most) {
+std::vector<std::uint64_t> Sample(std::uint64_t count, std::uint64_t few, std::uint64_t many) {
     std::vector<std::uint64_t> points;
-#ifdef TOOLBOX_CHECKED
-    most = (most + 2) / 3;  // the guard allocator takes its time
-#endif
-    const char* const wish = std::getenv("TOOLBOX_SWEEP");
-    const bool all = wish != nullptr && std::string_view(wish) == "all";
-    const std::uint64_t tried = all || count < most ? count : most;
+    const std::uint64_t tried = std::min(count, support::SampleOf(few, many, count));
     for (std::uint64_t i = 0; i < tried; ++i) {
         points.push_back(tried == 1 ? 1 : 1 + i * (count - 1) / (tried - 1));
     }

@@ -76,8 +76,8 @@ private:
     std::string fileBehindFirst_;
 };
 
-/// The points 1 to count; or as many of them as `most`, evenly spread, the first and last among
-/// them, unless the environment says TOOLBOX_SWEEP=all.
-std::vector<std::uint64_t> Sample(std::uint64_t count, std::uint64_t most);
+/// The points 1 to count; or `few` of them, or `many`, evenly spread, the first and last among
+/// them, as support::SampleOf says.
+std::vector<std::uint64_t> Sample(std::uint64_t count, std::uint64_t few, std::uint64_t many);
 
 }  // namespace sweep

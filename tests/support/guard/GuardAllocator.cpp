@@ -31,6 +31,12 @@ struct Block {
     Stack freedBy;
 };
 
+Stack CallStack() noexcept {
+    Stack stack{};
+    RtlCaptureStackBackTrace(2, static_cast<DWORD>(stack.size()), stack.data(), nullptr);
+    return stack;
+}
+
 /// For `addr2line -fCe <image> <address>`: addresses as the image was linked, not as it was loaded.
 void PrintStack(const char* what, const Stack& stack) noexcept {
     std::fprintf(stderr, "  %s\n", what);
@@ -69,7 +75,7 @@ std::byte* Reserve(std::size_t size, DWORD kind, DWORD protection) noexcept {
 
 class Arena {
 public:
-    void* Allocate(std::size_t size, std::size_t alignment, const Stack& caller) noexcept {
+    void* Allocate(std::size_t size, std::size_t alignment) noexcept {
         const std::lock_guard lock(mutex_);
         const std::size_t room = (size + alignment - 1) / alignment * alignment;
         const std::size_t pages = (room + kPage - 1) / kPage + 1;
@@ -84,13 +90,13 @@ public:
         }
         std::memset(start, 0xA5, room);
         std::fill_n(firstPage_ + first, pages, static_cast<std::uint32_t>(first));
-        blocks_[first] = {start, size, pages, true, caller, {}};
+        blocks_[first] = {start, size, pages, true, CallStack(), {}};
         next_ = first + pages;
         ++live_;
         return start;
     }
 
-    void Free(void* pointer, const Stack& caller) noexcept {
+    void Free(void* pointer) noexcept {
         const std::lock_guard lock(mutex_);
         Block* const block = Find(pointer);
         if (block == nullptr) {
@@ -99,11 +105,11 @@ public:
         }
         if (!block->live || block->start != pointer) {
             Explain("free of", pointer, *block);
-            PrintStack("now freed by", caller);
+            PrintStack("now freed by", CallStack());
             TerminateProcess(GetCurrentProcess(), 77);
         }
         block->live = false;
-        block->freedBy = caller;
+        block->freedBy = CallStack();
         VirtualFree(base_ + (block - blocks_) * std::ptrdiff_t{kPage}, block->pages * kPage,
                     MEM_DECOMMIT);
         --live_;
@@ -159,20 +165,14 @@ LONG CALLBACK ExplainFault(EXCEPTION_POINTERS* exception) {
 
 [[maybe_unused]] void* const handler = AddVectoredExceptionHandler(1, &ExplainFault);
 
-Stack CallStack() noexcept {
-    Stack stack{};
-    RtlCaptureStackBackTrace(2, static_cast<DWORD>(stack.size()), stack.data(), nullptr);
-    return stack;
-}
-
 }  // namespace
 
 void* GuardAllocate(std::size_t size, std::size_t alignment) noexcept {
-    return arena.Allocate(size, alignment, CallStack());
+    return arena.Allocate(size, alignment);
 }
 
 void GuardFree(void* block) noexcept {
     if (block != nullptr) {
-        arena.Free(block, CallStack());
+        arena.Free(block);
     }
 }

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstdio>
-#include <fstream>
 #include <string>
 #include <string_view>
 
-namespace toolbox_tests {
+#include "tests/support/ScratchFolder.h"
+
+namespace support {
 
 /// A file of a test with exactly these bytes, in the folder the test program runs in; deleted with
 /// the object.
@@ -13,8 +14,7 @@ class ScratchFile {
 public:
     explicit ScratchFile(std::string_view bytes, const std::string& name = "scratch.ini")
         : path_(name) {
-        std::ofstream(path_, std::ios::binary)
-            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        WriteFile(path_, std::string(bytes));
     }
     ~ScratchFile() { std::remove(path_.c_str()); }
     ScratchFile(const ScratchFile&) = delete;
@@ -26,4 +26,4 @@ private:
     std::string path_;
 };
 
-}  // namespace toolbox_tests
+}  // namespace support
