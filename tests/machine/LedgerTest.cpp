@@ -44,19 +44,6 @@ TEST_F(LedgerTest, FindsAnInterfaceThatIsKeptAndAReleaseTooMany) {
     return locator;
 }
 
-TEST_F(LedgerTest, FindsObjectsUsedAfterComWasLeft) {
-    IWbemLocator* locator = MakeLocator();
-    CoUninitialize();
-    locator->Release();
-    CoUninitialize();
-    ASSERT_EQ(simulation_.GetLedger().Misuse().size(), 2U);
-    EXPECT_THAT(simulation_.GetLedger().Misuse()[0],
-                HasSubstr("COM is not initialised for the IWbemLocator"));
-    EXPECT_THAT(simulation_.GetLedger().Misuse()[1],
-                HasSubstr("COM is not initialised on this thread"));
-    simulation_.GetLedger().Clear();
-}
-
 TEST_F(LedgerTest, FindsKeysHandlesAndInitialisationsThatAreKept) {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);

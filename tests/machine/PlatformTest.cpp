@@ -5,11 +5,6 @@
 #include <lm.h>
 #include <objbase.h>
 
-#include <array>
-#include <atomic>
-#include <thread>
-
-#include "machine/Call.h"
 #include "tests/machine/SimulatedTest.h"
 
 namespace machine::test {
@@ -55,63 +50,6 @@ TEST(SimulationLifetime, OneAtATimeAndAsManyAsWanted) {
             EXPECT_EQ(OpenUsersKey(), ERROR_SUCCESS) << "the real registry answers again";
             EXPECT_EQ(simulation.GetTrace().Size(), 2U);
         }
-    }
-}
-
-// Threads of a runtime in the attached image: they start, wait and close with handles of their own,
-// and end.
-class Bystanders {
-public:
-    Bystanders() {
-        for (std::thread& starter : starters_) {
-            starter = std::thread([this] {
-                while (!over_) {
-                    std::thread(&Bystanders::Act, this).join();
-                }
-            });
-        }
-    }
-    ~Bystanders() {
-        over_ = true;
-        for (std::thread& starter : starters_) {
-            starter.join();
-        }
-    }
-
-    // Whether they go on with their calls.
-    bool Run() const {
-        const int enough = calls_ + 20;
-        for (int i = 0; i < 10'000 && calls_ < enough; ++i) {
-            Sleep(1);
-        }
-        return calls_ >= enough;
-    }
-
-private:
-    void Act() {
-        const HANDLE event = CreateEventA(nullptr, TRUE, TRUE, nullptr);
-        for (int i = 0; i < 10; ++i) {
-            calls_ += WaitForSingleObject(event, INFINITE) == WAIT_OBJECT_0 ? 1 : 0;
-        }
-        calls_ += CloseHandle(event) != FALSE ? 1 : 0;
-    }
-
-    std::atomic<bool> over_ = false;
-    std::atomic<int> calls_ = 0;
-    std::array<std::thread, 2> starters_;
-};
-
-TEST(SimulationLifetime, ThreadsThatAreNoneOfItsBusinessRunOnWhileSimulationsComeAndGo) {
-    const Bystanders bystanders;
-    for (int i = 0; i < 200; ++i) {
-        Simulation simulation(DefaultState());
-        simulation.Attach(GetModuleHandleA(nullptr));
-        EXPECT_EQ(StartAndEndCom(), S_OK);
-        if (i % 10 == 0) {
-            const Call call(*Core::Active(), "a call that takes its time");
-            ASSERT_TRUE(bystanders.Run()) << "they wait for the call";
-        }
-        EXPECT_EQ(simulation.GetTrace().Size(), i % 10 == 0 ? 3U : 2U);
     }
 }
 

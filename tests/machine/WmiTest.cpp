@@ -43,25 +43,6 @@ TEST_F(WmiTest, DeliversTheVariantTypesOfWindowsAndOnlyWhatWasSelected) {
     }
 }
 
-TEST_F(WmiTest, AWrongQueryFailsAtOnceOrAtTheFirstRowAsItsFlagsSay) {
-    const std::pair<const wchar_t*, WBEMSTATUS> cases[] = {
-        {L"select Name from Win32_NoSuchClass", WBEM_E_INVALID_CLASS},
-        {L"select Nothing from Win32_ComputerSystem", WBEM_E_INVALID_QUERY},
-        {L"select Name from Win32_ComputerSystem where", WBEM_E_INVALID_QUERY},
-    };
-    for (const auto& [query, code] : cases) {
-        Connection connection;
-        ComPtr<IEnumWbemClassObject> rows;
-        ComPtr<IWbemClassObject> row;
-        EXPECT_EQ(connection.Query(query, rows, WBEM_FLAG_FORWARD_ONLY), code);
-        EXPECT_EQ(rows.Get(), nullptr);
-        EXPECT_EQ(connection.Query(query, rows), S_OK);
-        EXPECT_EQ(connection.Next(rows, row), code);
-        EXPECT_EQ(row.Get(), nullptr);
-    }
-    EXPECT_EQ(simulation_.TakeUnexpected().size(), 2 * std::size(cases));
-}
-
 TEST_F(WmiTest, ARefusedStartOfComMayStillBeEnded) {
     Fail("CoInitializeEx#1");
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), E_OUTOFMEMORY);

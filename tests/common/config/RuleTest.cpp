@@ -108,52 +108,25 @@ TEST_F(Rules, EachScopeAcceptsItsKindsAndNoOther) {
     }
 }
 
-TEST_F(Rules, DefaultScopeOffTheDomain) {
+// What files bring about is seen where the module runs; here is what only other senders could.
+TEST_F(Rules, DefaultScope) {
     ExpectCommands({
         {"", ""},
-        {"NAME(PC9)", Renaming("PC9")},
-        {"WORKGROUP(SALES) USER(joe) PASSWORD(p)", JoiningGroup("SALES", "joe", "p")},
-        {"WORKGROUP(WORKGROUP)", JoiningGroup("WORKGROUP")},  // the current one
-        {"DOMAIN(d.e) OU(East/Sales) USER(joe) PASSWORD(p) NAME(PC9) USER(joe) PASSWORD(q)",
-         Joining("d.e", "d.e\\joe", "p", "OU=Sales,OU=East,DC=d,DC=e", 1) + "; " +
-             Renaming("PC9", "joe", "q")},
         {"DOMAIN(d.e) OU(East) OU(West)", Joining("d.e", "d.e\\", "", "OU=West,DC=d,DC=e", 1)},
         {"DOMAIN(a) WORKGROUP(b) OU(c)",
          Joining("a", "a\\", "", "", 1) + "; " + JoiningGroup("b") + "; MoveOu"},
         {"USER(joe) PASSWORD(p) NAME(PC9)", Renaming("PC9")},
         {"NAME(PC9) +ROUTE - USER(joe) PASSWORD(p)", Renaming("PC9") + "; SetStaticRoute"},
     });
-}
-
-TEST_F(Rules, DefaultScopeOfADomainMember) {
     MakeMember();
-    const std::string move =
-        "bind LDAP://OU=West,DC=corp,DC=example as corp.example\\joe; move "
-        "LDAP://CN=PC1,OU=Sales,OU=East,DC=corp,DC=example";
-    ExpectCommands({
-        {"DOMAIN(Corp.EXAMPLE)", ""},
-        {"DOMAIN(corp) OU(West) USER(joe) PASSWORD(secret)", move},
-        {"OU(West) USER(a) USER(joe) PASSWORD(p) PASSWORD(secret) OU(East)",
-         move + "; bind LDAP://OU=East,DC=corp,DC=example as corp.example\\ threw Domain:469("
-                "-2147023570) Unable to bind to destination OU"},
-        {"DOMAIN(other.example) OU(West)",
-         Joining("other.example", "other.example\\", "", "OU=West,DC=other,DC=example", 33)},
-        {"WORKGROUP(SALES)", JoiningGroup("SALES")},
-        {"WORKGROUP(SALES) USER(joe) PASSWORD(p)",
-         "UnjoinDomainOrWorkgroup (Password=p, UserName=\"corp.example\\joe\", "
-         "FUnjoinOptions=0); " +
-             JoiningGroup("SALES", "joe", "p")},
-    });
+    ExpectCommands({{"DOMAIN(Corp.EXAMPLE)", ""}});
     // The names of the domain that it has left do not count.
     machine.state.membership = machine::Membership::OfWorkgroup("WORKGROUP");
     ExpectCommands({{"DOMAIN(CORP)", Joining("CORP", "CORP\\", "", "", 1)}});
-    machine.faults = machine::FaultPlan::Parse("LsaOpenPolicy=5");
-    ExpectCommands({{"DOMAIN(x)", "Domain:73(5)  - IsDomainMember returned error "}});
 }
 
 TEST_F(Rules, NicScope) {
     ExpectNicCommands({
-        {"DHCP", "EnableDHCP 5"},
         {"STATIC GW(10.0.0.1) GW(10.0.0.1) GW(10.0.0.3)",
          "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty; SetGateways 5 "
          "{10.0.0.1, 10.0.0.1, 10.0.0.3}"},
@@ -164,10 +137,7 @@ TEST_F(Rules, NicScope) {
         {"DNS(10.0.0.1) DNS(10.0.0.2) SUFFIX(a.b) SUFFIX(C.d) DNS(10.0.0.3)",
          "SetDNSServerSearchOrder 5 {10.0.0.1, 10.0.0.2}; SetDNSSuffixSearchOrder {a.b, C.d}; "
          "SetDNSServerSearchOrder 5 {10.0.0.3}"},
-        {"DNS(0.0.0.0)", ""},
-        {"DNS(1.1.1.1) DNS(0.0.0.0) DNS(2.2.2.2)", "SetDNSServerSearchOrder 5 {1.1.1.1, 2.2.2.2}"},
         {"DNS( 0.0.0.0) DNS()", "SetDNSServerSearchOrder 5 {255.255.255.255, 255.255.255.255}"},
-        {"DNS(nobody.example)", kHostError},
     });
     ExpectCommands({
         {"+NIC(x) BUS(2) DEVICE(31) FUNCTION(7)", "ConfigureNic 2/31/7 index n {}"},
@@ -196,8 +166,6 @@ TEST_F(Rules, NicScopeNeedsItsCommandLast) {
 TEST_F(Rules, IpInterfaceScope) {
     machine.state.hosts = {{"pc.example", {"10.9.9.9"}}, {"none.example", {}}};
     ExpectNicCommands({
-        {"STATIC +IP ADDRESS(10.0.0.1) MASK(255.0.0.0) ADDRESS(10.0.0.2) -",
-         "EnableStatic 5 {10.0.0.1, 10.0.0.2}, {255.0.0.0}"},
         {"STATIC +IP ADDRESS(pc.example) ADDRESS(none.example) MASK(x.y)", kHostError},
         {"STATIC +IP ADDRESS(pc.example) ADDRESS(none.example) MASK() MASK(1.2.3.999)",
          "EnableStatic 5 {10.9.9.9, 0.0.0.0}, {255.255.255.255, 255.255.255.255}"},
@@ -205,7 +173,6 @@ TEST_F(Rules, IpInterfaceScope) {
          "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty"},
         {"STATIC +IP ADDRESS(10.0.0.1)",
          "SetStatic threw SetStatic:62(2) Static IP addresses/masks list empty"},
-        {"DHCP +IP -", "EnableDHCP 5"},
         {"DHCP +IP ADDRESS(10.0.0.1)", kNotStaticError},
         {"DHCP +IP NAME(x)", kNotStaticError},  // before the kind is looked at
         {"STATIC GW(10.0.0.1) +IP ADDRESS(10.0.0.1)", kNotStaticError},
@@ -217,9 +184,6 @@ TEST_F(Rules, StaticRouteScope) {
     machine.state.hosts = {{"gate.example", {"10.1.1.9"}}};
     const auto add = [](const char* route) { return std::string("route -p ADD ") + route; };
     ExpectCommands({
-        {"+ROUTE -", "SetStaticRoute"},
-        {"+ROUTE ADDRESS(10.0.0.0) MASK(255.0.0.0) RGW(10.1.1.1) FIELD4(x) METRIC(5) -",
-         add("10.0.0.0 mask 255.0.0.0 10.1.1.1 METRIC 5")},
         {"+ROUTE ADDRESS(9.0.0.0) ADDRESS(8.0.0.0) MASK(255.0.0.0) RGW(10.1.1.1) GW(gate.example) "
          "METRIC(7x) -",
          add("8.0.0.0 mask 255.0.0.0 10.1.1.9 METRIC 7")},
@@ -234,7 +198,6 @@ TEST_F(Rules, StaticRouteScope) {
          "ConfigureNic n/n/n index n {EnableDHCP 5}; SetStaticRoute; ConfigureNic n/n/n index n "
          "{}; SetStaticRoute"},
         {"+ROUTE ADDRESS(nobody.example)", "SetStaticRoute"},  // never finished
-        {"+ROUTE ADDRESS(nobody.example) -", kHostError},
     });
 }
 

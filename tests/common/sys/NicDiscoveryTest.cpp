@@ -105,10 +105,6 @@ machine::Adapter CompleteAdapter() {
     return adapter;
 }
 
-TEST_F(Discovery, OfAMachineWithoutAdapters) {
-    EXPECT_EQ(Discovered(), "list\n");
-}
-
 TEST_F(Discovery, ReadsAWholeAdapterInOrder) {
     machine.state.adapters = {CompleteAdapter()};
     machine.state.dnsSuffixes = {"corp.example", "example"};
@@ -243,16 +239,6 @@ TEST_F(Discovery, FindsAnAdapterByItsPlace) {
     for (const std::uint32_t bus : {0U, 3U, 65538U, 0xFFFFFFFFU}) {
         EXPECT_EQ(sys::findNicIndexByPciLocation(list, bus, 0, 0), -1) << bus;
     }
-}
-
-TEST_F(Discovery, ReadsManyRoutesOncePerAdapter) {
-    machine.state.routes.assign(1000, {"10.0.0.0", "255.0.0.0", "10.1.1.1", 5});
-    for (std::uint32_t index = 0; index < 64; ++index) {
-        machine.state.adapters.push_back(native::PciAdapter(index, static_cast<int>(index)));
-    }
-    sys::NicList list;
-    sys::fillNicList(list);
-    EXPECT_EQ(list.Size(), 1 + 64 * (4 + 1000U));
 }
 
 TEST_F(Discovery, MakesTheProcessesTreeOnceItCanBeRead) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -153,6 +154,65 @@ TEST(CallCount, IsWhatARequestNeeds) {
         EXPECT_EQ(Describe(calls), tested.calls);
         ExpectNoOtherConnectionOrRead(calls);
     }
+}
+
+/// The connections, queries and look-ups of classes in all that they pass, each once.
+std::set<std::string> WordsOf(const Calls& calls) {
+    constexpr std::string_view functions[] = {"CoInitializeEx",
+                                              "CoInitializeSecurity",
+                                              "CoCreateInstance",
+                                              "ConnectServer",
+                                              "CoSetProxyBlanket",
+                                              "ExecQuery",
+                                              "Next",
+                                              "GetObject"};
+    std::set<std::string> words;
+    for (const machine::TraceEntry& call : calls) {
+        if (std::ranges::find(functions, call.function) != std::end(functions)) {
+            std::string text = call.function;
+            for (const auto& [name, value] : call.arguments) {
+                const bool isAnswer =
+                    name == "rows" || (call.function == "Next" && name == "query");
+                text += isAnswer ? "" : " " + name + "=" + value;
+            }
+            words.insert(text);
+        }
+    }
+    return words;
+}
+
+TEST(Calls, AskInTheFixedWords) {
+    const std::string nic = " from Win32_NetworkAdapterConfiguration where ";
+    const std::string device = " from Win32_NetworkAdapter where Index=1 flags=48";
+    const std::string query = "ExecQuery query=select ";
+    std::set<std::string> expected = {
+        "CoInitializeEx mode=0x0",
+        "CoInitializeSecurity authentication level=2 impersonation level=3 capabilities=0x0",
+        "CoCreateInstance context=0x1",
+        "ConnectServer namespace=root\\cimv2 user=",
+        "CoSetProxyBlanket authentication=10 authorisation=0 authentication level=3 impersonation "
+        "level=3 capabilities=0x0",
+        "Next timeout=-1 count=1",
+        "GetObject path=Win32_NetWorkAdapterConfiguration",
+        query + "Index, SettingID" + nic + "IPEnabled=true flags=48",
+        query + "Destination, Mask, NextHop, Metric1 from Win32_IP4PersistedRouteTable flags=48",
+        query + "AdapterType, Manufacturer" + device,
+        query + "Caption" + device,
+        query + "PNPDeviceID" + device};
+    for (const char* const property :
+         {"DHCPEnabled", "IPAddress, IPSubnet", "DNSServerSearchOrder, DNSDomainSuffixSearchOrder",
+          "SettingID", "DNSDomain, DNSHostName", "DefaultIPGateway", "MACAddress"}) {
+        expected.insert(query + property + nic + "Index=1 flags=48");
+    }
+    std::set<std::string> words = WordsOf(CallsOf("dhcp-to-static", 1));
+    std::erase_if(words, [](const std::string& text) {
+        return text.find("Index=2") != std::string::npos ||
+               text.find("Index=7") != std::string::npos;
+    });
+    EXPECT_EQ(words, expected);
+    const std::set<std::string> ofComputer = WordsOf(CallsOf("rename", 1));
+    EXPECT_TRUE(ofComputer.contains(query + "Name from Win32_ComputerSystem flags=48"));
+    EXPECT_TRUE(ofComputer.contains("GetObject path=Win32_ComputerSystem"));
 }
 
 }  // namespace

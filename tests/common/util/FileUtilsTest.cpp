@@ -12,47 +12,51 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "common/sys/DllProxy.h"
-#include "tests/sys/support/Outcome.h"
-#include "tests/sys/support/ScratchFolder.h"
-
-namespace {
-// What the file system tells.
-bool numbersFiles = true;
-bool namesPaths = true;
-}  // namespace
-
-#ifdef TOOLBOX_WRAPS_FUNCTIONS
-// The linker takes the second of each pair for the imported function's address (--wrap), and the
-// first for what that was.
-extern "C" {
-extern decltype(&GetFileInformationByHandle) __real___imp_GetFileInformationByHandle;
-decltype(&GetFileInformationByHandle) __wrap___imp_GetFileInformationByHandle =
-    +[](HANDLE file, BY_HANDLE_FILE_INFORMATION* information) -> BOOL {
-    const BOOL result = __real___imp_GetFileInformationByHandle(file, information);
-    if (!numbersFiles) {
-        information->nFileIndexHigh = information->nFileIndexLow = 0;
-    }
-    return result;
-};
-extern decltype(&GetFinalPathNameByHandleW) __real___imp_GetFinalPathNameByHandleW;
-decltype(&GetFinalPathNameByHandleW) __wrap___imp_GetFinalPathNameByHandleW =
-    +[](HANDLE file, LPWSTR path, DWORD size, DWORD flags) -> DWORD {
-    return namesPaths ? __real___imp_GetFinalPathNameByHandleW(file, path, size, flags) : 0;
-};
-}
-#endif
+#include "machine/ImportTable.h"
+#include "tests/common/sys/Outcome.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 
 using namespace sys_tests;
 
+// What the file system tells.
+bool numbersFiles = true;
+bool namesPaths = true;
+
+/// Stands in for file systems that tell less than others, for the life of the object.
+class ReticentFileSystem {
+private:
+    static inline decltype(&GetFileInformationByHandle) information = nullptr;
+    static inline decltype(&GetFinalPathNameByHandleW) finalPath = nullptr;
+
+    static BOOL WINAPI Information(HANDLE file, BY_HANDLE_FILE_INFORMATION* told) {
+        const BOOL result = information(file, told);
+        if (!numbersFiles) {
+            told->nFileIndexHigh = told->nFileIndexLow = 0;
+        }
+        return result;
+    }
+    static DWORD WINAPI FinalPath(HANDLE file, LPWSTR path, DWORD size, DWORD flags) {
+        return namesPaths ? finalPath(file, path, size, flags) : 0;
+    }
+
+    const std::vector<machine::Hook> hooks_ = {
+        {"GetFileInformationByHandle", reinterpret_cast<void*>(&Information),
+         reinterpret_cast<void**>(&information)},
+        {"GetFinalPathNameByHandleW", reinterpret_cast<void*>(&FinalPath),
+         reinterpret_cast<void**>(&finalPath)}};
+    const machine::ImportTable patched_{GetModuleHandleA(nullptr), hooks_};
+};
+
 TEST(FileUtils, MoveNeverReplaces) {
-    const ScratchFolder folder;
-    const std::string source = folder.AddFile("source", "content");
-    const std::string existing = folder.AddFile("existing", "kept");
-    const std::string subfolder = folder.Path("folder");
+    const support::ScratchFolder folder;
+    const std::string source = folder.Write("source", "content");
+    const std::string existing = folder.Write("existing", "kept");
+    const std::string subfolder = std::string("folder");
     std::filesystem::create_directory(subfolder);
     struct Case {
         std::string from;
@@ -63,9 +67,9 @@ TEST(FileUtils, MoveNeverReplaces) {
     };
     const Case cases[] = {
         {source, existing, "Destination file exists ", 97, 0},
-        {folder.Path("missing"), folder.Path("x"), "Source file does not exist ", 100,
+        {std::string("missing"), std::string("x"), "Source file does not exist ", 100,
          ERROR_FILE_NOT_FOUND},
-        {subfolder, folder.Path("x"), "Source file does not exist ", 100, ERROR_FILE_NOT_FOUND},
+        {subfolder, std::string("x"), "Source file does not exist ", 100, ERROR_FILE_NOT_FOUND},
         {source, subfolder, "File Move Failed ", 104, ERROR_ALREADY_EXISTS},
     };
     for (const Case& c : cases) {
@@ -74,18 +78,18 @@ TEST(FileUtils, MoveNeverReplaces) {
                   FileFailure(c.message, c.line, c.code))
             << c.from << " -> " << c.to;
     }
-    EXPECT_EQ(ReadFileContent(existing), "kept");
-    EXPECT_EQ(ReadFileContent(source), "content");
+    EXPECT_EQ(support::ReadFile(existing), "kept");
+    EXPECT_EQ(support::ReadFile(source), "content");
 
-    util::MoveFile(source, folder.Path("folder\\moved"));
+    util::MoveFile(source, std::string("folder\\moved"));
     EXPECT_FALSE(util::FileExists(source));
-    EXPECT_EQ(ReadFileContent(folder.Path("folder\\moved")), "content");
+    EXPECT_EQ(support::ReadFile(std::string("folder\\moved")), "content");
 }
 
 TEST(FileUtils, DeleteTakesFilesAlone) {
-    const ScratchFolder folder;
-    const std::string file = folder.AddFile("file", "x");
-    const std::string subfolder = folder.Path("folder");
+    const support::ScratchFolder folder;
+    const std::string file = folder.Write("file", "x");
+    const std::string subfolder = std::string("folder");
     std::filesystem::create_directory(subfolder);
     EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }), Success());
     EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }),
@@ -96,34 +100,35 @@ TEST(FileUtils, DeleteTakesFilesAlone) {
 }
 
 TEST(FileUtils, AFileStandsAtItsOwnNameAlone) {
-    const ScratchFolder folder;
-    const std::string file = folder.AddFile("Name.ini", "x");
+    const support::ScratchFolder folder;
+    const std::string file = folder.Write("Name.ini", "x");
     char full[MAX_PATH];
     ASSERT_NE(GetFullPathNameA(file.c_str(), sizeof full, full, nullptr), 0U);
-    std::string slashes = file;
-    slashes.replace(slashes.find('\\'), 1, "/");
+    std::string slashes = full;
+    slashes.replace(slashes.rfind('\\'), 1, "/");
     for (const std::string& spelling :
-         {file, std::string(full), slashes, folder.Path("NAME.INI"), folder.Path(".\\Name.ini")}) {
+         {file, std::string(full), slashes, std::string("NAME.INI"), std::string(".\\Name.ini")}) {
         EXPECT_TRUE(util::StandsAt(spelling, file)) << spelling;
         EXPECT_TRUE(util::StandsAt(file, spelling)) << spelling;
     }
-    const std::string link = folder.Path("link");
-    const std::string others[] = {link, folder.AddFile("other", "x"), folder.Path("missing")};
-#ifdef TOOLBOX_WRAPS_FUNCTIONS
-    for (const bool names : {true, false}) {
-        namesPaths = names;
-        const std::string byAnotherPath = std::string("\\\\?\\") + full;
-        EXPECT_TRUE(util::StandsAt(file, byAnotherPath));
-        numbersFiles = false;
-        EXPECT_TRUE(util::StandsAt(file, file));
-        EXPECT_EQ(util::StandsAt(file, byAnotherPath), names);
-        for (const std::string& other : others) {
-            EXPECT_FALSE(util::StandsAt(file, other)) << other;
+    const std::string link = std::string("link");
+    const std::string others[] = {link, folder.Write("other", "x"), std::string("missing")};
+    {
+        const ReticentFileSystem reticent;
+        for (const bool names : {true, false}) {
+            namesPaths = names;
+            const std::string byAnotherPath = std::string("\\\\?\\") + full;
+            EXPECT_TRUE(util::StandsAt(file, byAnotherPath));
+            numbersFiles = false;
+            EXPECT_TRUE(util::StandsAt(file, file));
+            EXPECT_EQ(util::StandsAt(file, byAnotherPath), names);
+            for (const std::string& other : others) {
+                EXPECT_FALSE(util::StandsAt(file, other)) << other;
+            }
+            numbersFiles = true;
         }
-        numbersFiles = true;
+        namesPaths = true;
     }
-    namesPaths = true;
-#endif
     std::filesystem::create_hard_link(file, link);
     for (const std::string& other : others) {
         EXPECT_FALSE(util::StandsAt(file, other)) << other;
@@ -131,8 +136,8 @@ TEST(FileUtils, AFileStandsAtItsOwnNameAlone) {
         EXPECT_EQ(util::IsSameFile(file, other), other == link) << other;
     }
     // Where nothing can be opened the paths speak for themselves.
-    EXPECT_TRUE(util::StandsAt(folder.Path("missing"), folder.Path(".\\MISSING")));
-    EXPECT_FALSE(util::StandsAt(folder.Path("missing"), folder.Path("missing too")));
+    EXPECT_TRUE(util::StandsAt(std::string("missing"), std::string(".\\MISSING")));
+    EXPECT_FALSE(util::StandsAt(std::string("missing"), std::string("missing too")));
     // Asking takes no lock that would keep the file from being deleted.
     EXPECT_EQ(OutcomeOf([&] { util::DeleteFile(file); }), Success());
 }

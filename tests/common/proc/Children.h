@@ -6,7 +6,7 @@
 #include <string>
 
 #include "common/proc/ChildProcess.h"
-#include "tests/sys/support/ScratchFolder.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace sys_tests {
 
@@ -31,12 +31,12 @@ public:
     void PutInPlace();
 
     /// What was written to them.
-    std::string Output() const { return ReadFileContent(folder_.Path("1")); }
-    std::string Error() const { return ReadFileContent(folder_.Path("2")); }
+    std::string Output() const { return support::ReadFile(folder_.Path("1")); }
+    std::string Error() const { return support::ReadFile(folder_.Path("2")); }
 
 private:
     static constexpr DWORD kNames[] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
-    ScratchFolder folder_;
+    support::ScratchFolder folder_;
     HANDLE saved_[3]{};
     HANDLE files_[3]{};
 };

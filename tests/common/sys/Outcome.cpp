@@ -1,4 +1,4 @@
-#include "tests/sys/support/Outcome.h"
+#include "tests/common/sys/Outcome.h"
 
 #include <stdexcept>
 #include <type_traits>

@@ -13,7 +13,7 @@
 #include "common/sys/Automation.h"
 #include "common/sys/WideText.h"
 #include "common/sys/WmiValues.h"
-#include "tests/sys/support/Outcome.h"
+#include "tests/common/sys/Outcome.h"
 
 namespace {
 

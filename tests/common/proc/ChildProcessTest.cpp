@@ -3,31 +3,19 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdarg>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "common/proc/RunCommand.h"
-#include "common/util/Strings.h"
-#include "tests/sys/support/Children.h"
+#include "tests/common/proc/Children.h"
+#include "tests/support/RecordingLog.h"
 
 namespace {
 
 using namespace sys_tests;
 using proc::CChildProcess;
 using proc::PipeCapture;
-
-class RecordingSink : public logging::ILogSink {
-public:
-    void Log(std::uint32_t level, const char* format, ...) override {
-        std::va_list arguments;
-        va_start(arguments, format);
-        lines.emplace_back(level, util::FormatV(format, arguments));
-        va_end(arguments);
-    }
-    std::vector<std::pair<std::uint32_t, std::string>> lines;
-};
 
 bool IsInherited(HANDLE handle) {
     DWORD flags = 0;
@@ -91,18 +79,17 @@ TEST(ChildProcess, CommandLineIsAFormatWithoutArguments) {
 }
 
 TEST(ChildProcess, RunningAsAnotherUserIsOnlyLogged) {
-    const ScratchFolder folder;
+    const support::ScratchFolder folder;
     const std::string mark = folder.Path("mark");
-    RecordingSink log;
+    support::RecordingLog log;
     CChildProcess child(log, INFINITE);
     PipeCapture capture;
     EXPECT_EQ(child.ExecuteCmd(nullptr, ChildCommand("linger " + mark + " 0").c_str(), "someone",
                                "a secret", true, 0, &capture),
               -1);
-    const std::vector<std::pair<std::uint32_t, std::string>> expected = {
-        {1,
-         "common\\proc\\ChildProcess:752 CChildProcess::ExecuteCmd() calling "
-         "ExecuteAsUser:Execute()"}};
+    const std::vector<std::string> expected = {
+        "1 common\\proc\\ChildProcess:752 CChildProcess::ExecuteCmd() calling "
+        "ExecuteAsUser:Execute()"};
     EXPECT_EQ(log.lines, expected);
     EXPECT_EQ(GetFileAttributesA(mark.c_str()), INVALID_FILE_ATTRIBUTES);
 }
@@ -113,7 +100,7 @@ HANDLE StartLingering(CChildProcess& child, const std::string& mark, unsigned mi
     EXPECT_EQ(child.ExecuteCmd(nullptr, command.c_str(), {}, {}, false, 0, nullptr), 0);
     for (int tries = 0; tries < 1000; ++tries) {
         if (GetFileAttributesA(mark.c_str()) != INVALID_FILE_ATTRIBUTES) {
-            const DWORD id = std::strtoul(ReadFileContent(mark).c_str(), nullptr, 10);
+            const DWORD id = std::strtoul(support::ReadFile(mark).c_str(), nullptr, 10);
             return OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, FALSE, id);
         }
         Sleep(10);
@@ -135,7 +122,7 @@ TEST(ChildProcess, DestructorWaitsThenEndsTheChild) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const ScratchFolder folder;
+        const support::ScratchFolder folder;
         logging::NullLogSink log;
         HANDLE process = nullptr;
         {

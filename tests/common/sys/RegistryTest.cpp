@@ -1,20 +1,26 @@
-// The registry wrapper against a key of the system's own registry.
+// The registry wrapper against a key of the system's own registry, and on the simulated machine.
 #include "common/sys/Registry.h"
 
-#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <gmock/gmock.h>
 
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
-#include "tests/sys/support/Outcome.h"
+#include "common/err/GeneralError.h"
+#include "tests/common/sys/Machine.h"
+#include "tests/common/sys/Outcome.h"
 
 namespace {
 
 using namespace std::string_view_literals;
 using namespace sys_tests;
+using testing::ElementsAre;
 
 constexpr DWORD kForeignError = 4711;
 constexpr const char* kRoot = "Software\\toolbox-registry-test";
@@ -130,16 +136,85 @@ TEST_F(RegistryTest, MisuseIsAnErrorThatTheOpenKeySurvives) {
     EXPECT_EQ(text, "still here");
 }
 
-TEST_F(RegistryTest, AKeyThatCannotBeOpenedCarriesTheSystemsCode) {
+constexpr const char* kKey = "SOFTWARE\\Test";
+
+machine::State WithKey() {
+    machine::State state = machine::DefaultState();
+    state.registry = {{kKey, {machine::RegistryValue::Text("Value", "content")}}};
+    return state;
+}
+
+TEST(SimulatedRegistry, AccessFollowsCreateReadOnlyAndView) {
+    struct Case {
+        bool create;
+        bool readOnly;
+        int view;
+        const char* access;
+    };
+    const Case cases[] = {
+        {false, true, 0, "0x80000000"},  {false, true, 1, "0x80000200"},
+        {false, true, -1, "0x80000000"}, {false, false, 0, "0xF003F"},
+        {true, true, 1, "0xF023F"},
+    };
+    for (const Case& c : cases) {
+        Machine machine(WithKey());
+        sys::Registry key;
+        key.SetSubkey(kKey);
+        EXPECT_EQ(machine.Run([&] {
+            if (c.view == 1 && c.readOnly && !c.create) {
+                key.OpenForReading(c.view);
+            } else {
+                key.Open(c.create, c.readOnly, c.view);
+            }
+            key.Close();
+        }),
+                  Success());
+        const std::string open = c.create
+                                     ? "RegCreateKeyExA subkey=SOFTWARE\\Test options=0x0 access="
+                                     : "RegOpenKeyExA subkey=SOFTWARE\\Test access=";
+        EXPECT_THAT(machine.Texts(), ElementsAre(open + c.access, "RegCloseKey"));
+    }
+}
+
+TEST(SimulatedRegistry, AFailedCloseLeavesTheKeyOpen) {
+    Machine machine(WithKey());
+    machine.Fail("RegCloseKey#1");
     sys::Registry key;
-    key.SetKey(HKEY_CURRENT_USER, std::string(kRoot) + "\\Missing");
-    const Outcome notFound =
-        RegistryFailure("OpenIntern() - Cannot open key.", 813, 3, ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(OutcomeOf([&] { key.OpenForReading(1); }), notFound);
-    EXPECT_EQ(OutcomeOf([&] { key.Open(false, false, 0); }), notFound);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-    key.SetKey(HKEY_LOCAL_MACHINE, kRoot);
-    EXPECT_EQ(OutcomeOf([&] { key.OpenForReading(0); }), notFound) << "the root was not replaced";
+    key.SetSubkey(kKey);
+    key.OpenForReading(0);
+    EXPECT_THROW(key.Close(), err::CGeneralError);
+    EXPECT_THROW(key.SetSubkey("x"), err::CGeneralError);
+    EXPECT_EQ(machine.Run([&] { key.Close(); }), Success());
+}
+
+TEST(SimulatedRegistry, ADestructorDuringUnwindingKeepsItsOwnErrorToItself) {
+    Machine machine(WithKey());
+    machine.Fail("RegCloseKey");
+    // An object that lives wholly inside the unwinding still reports its own.
+    struct DuringUnwinding {
+        Outcome* outcome;
+        ~DuringUnwinding() {
+            *outcome = OutcomeOf([] {
+                sys::Registry key;
+                key.SetSubkey(kKey);
+                key.OpenForReading(0);
+                SetLastError(kForeignError);
+            });
+        }
+    };
+    Outcome inner;
+    EXPECT_EQ(machine.Run([&inner] {
+        const DuringUnwinding scope{&inner};
+        sys::Registry key;
+        key.SetSubkey(kKey);
+        key.OpenForReading(0);
+        std::string value;
+        SetLastError(kForeignError);
+        key.ReadString("Missing", value);
+    }),
+              RegistryFailure("ReadString() - Read failed.", 268, 6, kForeignError));
+    EXPECT_EQ(machine.Texts("RegCloseKey").size(), 2U);
+    EXPECT_EQ(inner, RegistryFailure("Close() - RegCloseKey failed", 184, 2, kForeignError));
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 
 #include "common/err/GeneralError.h"
 #include "common/sys/WmiQueries.h"
-#include "tests/sys/simulated/Machine.h"
+#include "tests/common/sys/Machine.h"
 
 namespace {
 

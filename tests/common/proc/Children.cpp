@@ -1,4 +1,4 @@
-#include "tests/sys/support/Children.h"
+#include "tests/common/proc/Children.h"
 
 #include <algorithm>
 

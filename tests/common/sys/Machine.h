@@ -8,7 +8,7 @@
 
 #include "machine/ComMemoryBalance.h"
 #include "machine/Simulation.h"
-#include "tests/sys/support/Outcome.h"
+#include "tests/common/sys/Outcome.h"
 
 namespace sys_tests {
 
@@ -35,8 +35,6 @@ public:
     /// The calls as "interface::function name=value ...", of one function or of all, without the
     /// releases of interfaces and what was read.
     std::vector<std::string> Texts(std::string_view function = {}) const;
-    /// The last calls by their names alone, "IWbemServices::Release".
-    std::vector<std::string> LastNames(std::size_t count) const;
 
 private:
     machine::Simulation simulation_;
@@ -48,15 +46,6 @@ private:
 std::uint32_t CodeOf(const machine::TraceEntry& entry);
 /// An argument that the call must have.
 std::string ArgumentOf(const machine::TraceEntry& entry, std::string_view name);
-/// The calls of the function that were answered.
-std::size_t CountAnswered(const Entries& entries, std::string_view function);
-
-/// Whether the failed call ends a query, or a method of WMI; the others are passed over.
-bool EndsWmi(const machine::TraceEntry& entry, bool isMethod);
-
-/// What every connection to WMI begins with.
-std::vector<std::string> ConnectionCalls();
-
 /// The default machine as a member of corp.example, its computer object in the container of
 /// computers or in the unit "West" or "East/Sales".
 machine::State MemberIn(std::string_view unit);

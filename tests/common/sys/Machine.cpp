@@ -1,4 +1,4 @@
-#include "tests/sys/simulated/Machine.h"
+#include "tests/common/sys/Machine.h"
 
 #include <gmock/gmock.h>
 
@@ -16,17 +16,9 @@ namespace {
 /// itself.
 bool IsTheMachines(std::string_view function, std::string_view argument) {
     constexpr std::pair<std::string_view, std::string_view> kOwn[] = {
-        {"ExecMethod", "ReturnValue"},
-        {"ExecMethod", "ReturnValue (injected)"},
-        {"ExecMethod", "in"},  // put one by one before
-        {"ExecQuery", "rows"},
-        {"Get", "value"},
         {"GetComputerObjectNameA", "name"},
         {"GetExitCodeProcess", "code"},
-        {"GetMethod", "class"},
-        {"Next", "query"},  // asked with it
         {"PeekNamedPipe", "available"},
-        {"SpawnInstance", "class"},
     };
     return std::ranges::find(kOwn, std::pair(function, argument)) != std::end(kOwn);
 }
@@ -75,13 +67,6 @@ std::vector<std::string> Machine::Texts(std::string_view function) const {
     return texts;
 }
 
-std::vector<std::string> Machine::LastNames(std::size_t count) const {
-    std::vector<std::string> names(std::min(count, entries_.size()));
-    std::transform(entries_.end() - static_cast<std::ptrdiff_t>(names.size()), entries_.end(),
-                   names.begin(), NameOf);
-    return names;
-}
-
 std::uint32_t CodeOf(const machine::TraceEntry& entry) {
     // "0x80041001 (WBEM_E_FAILED)", "error 5", "FALSE, error 5"; "null" and the like have none.
     const std::string& result = entry.result;
@@ -99,33 +84,6 @@ std::string ArgumentOf(const machine::TraceEntry& entry, std::string_view name) 
         }
     }
     throw std::logic_error(entry.function + " has no argument " + std::string(name));
-}
-
-std::size_t CountAnswered(const Entries& entries, std::string_view function) {
-    return static_cast<std::size_t>(std::ranges::count_if(
-        entries, [&](const auto& entry) { return entry.function == function && !entry.failed; }));
-}
-
-bool EndsWmi(const machine::TraceEntry& entry, bool isMethod) {
-    constexpr std::string_view kInAny[] = {"CoInitializeEx",   "CoInitializeSecurity",
-                                           "CoCreateInstance", "ConnectServer",
-                                           "ExecQuery",        "Next"};
-    constexpr std::string_view kInMethods[] = {"Get",           "GetObject", "GetMethod",
-                                               "SpawnInstance", "Put",       "ExecMethod"};
-    return CodeOf(entry) != static_cast<std::uint32_t>(RPC_E_TOO_LATE) &&
-           (std::ranges::find(kInAny, entry.function) != std::end(kInAny) ||
-            (isMethod && std::ranges::find(kInMethods, entry.function) != std::end(kInMethods)));
-}
-
-std::vector<std::string> ConnectionCalls() {
-    return {
-        "CoInitializeEx mode=0x0",
-        "CoInitializeSecurity authentication level=2 impersonation level=3 capabilities=0x0",
-        "CoCreateInstance context=0x1",
-        "IWbemLocator::ConnectServer namespace=root\\cimv2 user=",
-        "CoSetProxyBlanket authentication=10 authorisation=0 authentication level=3 impersonation "
-        "level=3 capabilities=0x0",
-    };
 }
 
 machine::State MemberIn(std::string_view unit) {

@@ -13,7 +13,7 @@
 #include "common/sys/WmiQueries.h"
 #include "machine/Call.h"
 #include "machine/ImportTable.h"
-#include "tests/sys/simulated/Machine.h"
+#include "tests/common/sys/Machine.h"
 
 namespace {
 

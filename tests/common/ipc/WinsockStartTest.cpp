@@ -6,7 +6,7 @@
 #include <string>
 
 #include "common/ipc/IpAddress.h"
-#include "tests/sys/simulated/Machine.h"
+#include "tests/common/sys/Machine.h"
 
 namespace {
 
