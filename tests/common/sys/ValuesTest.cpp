@@ -100,16 +100,6 @@ TEST(SafeArrayView, OtherElementTypesAreChangedToTexts) {
     }
 }
 
-TEST(SafeArrayView, AnArrayByReferenceIsTheReferencedOne) {
-    const sys::Variant array = TextArray(2, {"one", "two"});
-    SAFEARRAY* pointer = array.Get().parray;
-    VARIANT reference;
-    VariantInit(&reference);
-    reference.vt = static_cast<VARTYPE>(array.Type() | VT_BYREF);
-    reference.pparray = &pointer;
-    EXPECT_EQ(Read(reference), (Texts{"one", "two"}));
-}
-
 TEST(SafeArrayView, WhatIsNoListIsRefused) {
     const Outcome noArray = RefusedArgument("Invalid argument passed to attach()");
     const sys::Variant empty;

@@ -130,17 +130,6 @@ TEST(CompositeNode, IteratorsServeTheStandardAlgorithms) {
     EXPECT_EQ(NameOf(*++behind) + NameOf(*walker), "bc");
 }
 
-TEST(CompositeNode, AnEndIsAnEnd) {
-    const auto root = Tree("R(a)");
-    const auto other = Tree("S(T)");
-    EXPECT_TRUE(root->DepthEnd() == other->DepthEnd());
-    EXPECT_TRUE(root->DepthEnd() == other->BreadthEnd());
-    EXPECT_TRUE(root->DepthBegin() == root->BreadthBegin());  // they stand on the same node
-    EXPECT_TRUE(root->DepthBegin() != other->DepthBegin());
-    EXPECT_EQ(*std::next(root->DepthBegin(), 3), nullptr);  // it stays there
-    EXPECT_EQ(*std::next(root->BreadthBegin(), 3), nullptr);
-}
-
 TEST(CompositeNode, ALeafTakesNoChildren) {
     Leaf leaf("l", nullptr);
     std::unique_ptr<CompositeNode> child = Tree("c");

@@ -95,28 +95,10 @@ TEST(Strings, ComparisonsFollowTheClassicLocale) {
     std::setlocale(LC_ALL, "C");
 }
 
-TEST(Strings, LettersAndDigitsOfEveryByte) {
-    for (int byte = 0; byte < 256; ++byte) {
-        const auto character = static_cast<char>(byte);
-        const bool lower = byte >= 'a' && byte <= 'z';
-        const bool upper = byte >= 'A' && byte <= 'Z';
-        EXPECT_EQ(util::IsLetter(character), lower || upper) << byte;
-        EXPECT_EQ(util::IsDigit(character), byte >= '0' && byte <= '9') << byte;
-        EXPECT_EQ(util::ToUpper(character), static_cast<char>(lower ? byte - 32 : byte)) << byte;
-    }
-}
-
 TEST(Strings, TrimBlanksTakesBlanksAndTabsOnly) {
     EXPECT_EQ(util::TrimBlanks(" \t a \t b\t "), "a \t b");
     EXPECT_EQ(util::TrimBlanks("\r\n\v"), "\r\n\v");
     EXPECT_EQ(util::TrimBlanks(" \t "), "");
-}
-
-TEST(Strings, DoubledPercentsSurviveBeingFormattedOnce) {
-    for (const char* const text : {"100%n%s.ini", "%", "%%", "plain", ""}) {
-        const std::string doubled = util::DoublePercents(text);
-        EXPECT_EQ(util::Format(doubled.c_str(), nullptr), text);
-    }
 }
 
 TEST(Strings, ASecretIsOverwrittenWhereItStood) {

@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include "machine/Actions.h"
 #include "machine/Balance.h"
 #include "machine/Simulation.h"
 #include "tests/requests/cases/CaseFile.h"
-#include "tests/requests/harness/Actions.h"
 #include "tests/requests/harness/ModuleRun.h"
 #include "tests/requests/harness/PresentedFile.h"
 #include "tests/requests/harness/ThrownErrors.h"
@@ -179,7 +179,7 @@ TEST_P(CaseTest, EndsAsExpected) {
             {"escaped", run.escaped},
             {"reply", run.reply},
             {"errors", run.errors},
-            {"actions", requests::ListActions(run.calls)},
+            {"actions", machine::ListActions(run.calls)},
             {"changes", ListChanges(before, after)},
             {"apartmentLeft",
              apartment != machine::HostApartment::None && !simulation.IsInApartment()},

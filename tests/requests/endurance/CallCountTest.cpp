@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "machine/Actions.h"
 #include "tests/requests/cases/CaseFile.h"
-#include "tests/requests/harness/Actions.h"
 #include "tests/requests/harness/ModuleRun.h"
 #include "tests/requests/harness/PresentedFile.h"
 
@@ -53,7 +53,7 @@ std::map<std::string, int> AskedByCommands(const Calls& calls) {
     std::map<std::string, int> asked;
     for (const machine::TraceEntry& call : calls) {
         if (call.function == "ExecQuery") {
-            const std::string text = requests::ArgumentOf(call, "query");
+            const std::string text = machine::ArgumentOf(call, "query");
             const std::string first = text.substr(7, text.find_first_of(" ,", 7) - 7);
             asked[first] += text.ends_with("Index=2") ? -1 : 1;
             if (text.ends_with("Index=7")) {
@@ -74,15 +74,15 @@ void ExpectNoOtherConnectionOrRead(const Calls& calls) {
     std::size_t reads = 0;
     for (const machine::TraceEntry& call : calls) {
         if (call.function == "ExecQuery") {
-            const std::string text = requests::ArgumentOf(call, "query");
+            const std::string text = machine::ArgumentOf(call, "query");
             // The list of adapters asks for SettingID and does not read it.
             const bool isList = text.find("IPEnabled") != std::string::npos;
             const auto commas = std::count(text.begin(), text.end(), ',');
-            reads += std::stoul(requests::ArgumentOf(call, "rows")) *
+            reads += std::stoul(machine::ArgumentOf(call, "rows")) *
                      static_cast<std::size_t>(isList ? 1 : commas + 1);
             ++connections;
         } else if (call.function == "ExecMethod") {
-            const std::string path = requests::ArgumentOf(call, "path");
+            const std::string path = machine::ArgumentOf(call, "path");
             connections += path.starts_with("Win32_ComputerSystem") ? 0 : 1;
             ++reads;
         }

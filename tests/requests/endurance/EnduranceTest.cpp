@@ -10,9 +10,9 @@
 
 #include "machine/Balance.h"
 #include "machine/ComMemoryBalance.h"
+#include "machine/ModuleHeap.h"
 #include "tests/requests/cases/CaseFile.h"
 #include "tests/requests/endurance/ProcessState.h"
-#include "tests/requests/harness/ModuleHeap.h"
 #include "tests/requests/harness/ModuleRun.h"
 #include "tests/requests/harness/PresentedFile.h"
 #include "tests/support/Sample.h"
@@ -96,7 +96,7 @@ protected:
 TEST_F(Endurance, ManyRequestsInOneProcess) {
     const auto rounds = static_cast<int>(support::SampleOf(25, 100, 100));
     requests::AttachedModule module(simulation_);
-    requests::ModuleHeap heap(module.Image());
+    machine::ModuleHeap heap(module.Image());
     std::vector<std::string> heapBefore;
     const std::size_t kept = Repeat(rounds, [&](int number) {
         const bool withRoutes = number % 25 == 0;

@@ -11,8 +11,8 @@
 #include "host/LogSink.h"
 #include "host/Message.h"
 #include "host/Module.h"
+#include "machine/Actions.h"
 #include "tests/requests/cases/CaseFile.h"
-#include "tests/requests/harness/Actions.h"
 #include "tests/requests/harness/ModuleRun.h"
 #include "tests/requests/harness/PresentedFile.h"
 
@@ -89,7 +89,7 @@ TEST_F(Neighbours, ADomainNameOfAnEarlierRequestIsForgotten) {
         EXPECT_EQ(Configure(module, "DSOrganizationalUnit=East/Sales\n").reply["Result"],
                   "Success");
         simulation_.SetState(withoutDnsName);
-        const auto actions = requests::ListActions(Configure(module, wish).calls);
+        const auto actions = machine::ListActions(Configure(module, wish).calls);
         ASSERT_FALSE(actions.empty()) << wish;
         EXPECT_THAT(actions.front(), HasSubstr(action));
     }
@@ -116,7 +116,7 @@ TEST_F(WorkgroupNeighbours, AMissingFileOnAnotherThreadLeavesAJoinItsAccount) {
     requests::RunResult run = Configure(module, "Workgroup=False\nDNSDomain=corp.example\n");
     EXPECT_EQ(neighbour, 0);
     EXPECT_EQ(run.reply["Result"], "Reboot");
-    EXPECT_THAT(requests::ListActions(run.calls),
+    EXPECT_THAT(machine::ListActions(run.calls),
                 ElementsAre(testing::EndsWith("-> 2"), testing::EndsWith("-> 0")));
 }
 

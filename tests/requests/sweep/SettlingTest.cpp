@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "host/check/FileCheck.h"
+#include "machine/Actions.h"
 #include "machine/MachineFile.h"
 #include "tests/host/check/RandomFile.h"
 #include "tests/requests/cases/CaseFile.h"
-#include "tests/requests/harness/Actions.h"
 #include "tests/requests/sweep/Subject.h"
 #include "tests/requests/sweep/Summary.h"
 #include "tests/support/Sample.h"
@@ -53,7 +53,7 @@ machine::State RandomMachine(check_tests::RandomFile& random) {
 /// Whether the request did something that took effect. A pause does nothing, and what the machine
 /// refuses may be tried for ever. 1 means a restart for a method and a refusal for route.
 bool HadEffect(const requests::RunResult& run) {
-    const std::vector<std::string> actions = requests::ListActions(run.calls);
+    const std::vector<std::string> actions = machine::ListActions(run.calls);
     return std::ranges::any_of(actions, [](const std::string& action) {
         return action.ends_with("-> 0") ||
                (action.ends_with("-> 1") && !action.starts_with("route ")) ||
@@ -102,7 +102,7 @@ void Count(const requests::RunResult& run, Figures& figures) {
                                                          {"move ", "moves"},
                                                          {"route ", "routes"},
                                                          {"EnableStatic on ", "static addresses"}};
-    for (const std::string& action : requests::ListActions(run.calls)) {
+    for (const std::string& action : machine::ListActions(run.calls)) {
         for (const auto& [start, name] : kinds) {
             figures[name] += action.starts_with(start) &&
                              (action.ends_with("-> 0") || action.ends_with("-> S_OK"));

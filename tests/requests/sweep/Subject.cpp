@@ -47,7 +47,7 @@ const std::vector<std::string>& KeptByTheRuntime() {
         const requests::PresentedFile file(agent, "two-ends.ini", "[TCP/IP]\n[NicEntry]\n");
         machine::Simulation simulation{machine::State()};
         simulation.SetProgramFile(agent.Program());
-        std::optional<requests::ModuleHeap> heap;
+        std::optional<machine::ModuleHeap> heap;
         {
             requests::AttachedModule module(simulation);
             heap.emplace(module.Image());
@@ -122,7 +122,7 @@ requests::RunResult Trial::Run(std::uint64_t nth, bool stays, requests::RunResul
     const std::string path = file_.Present();
     requests::RunResult run;
     // Outlives the module, whose static objects give back what they hold when it goes.
-    std::optional<requests::ModuleHeap> heap;
+    std::optional<machine::ModuleHeap> heap;
     {
         requests::AttachedModule module(simulation_);
         heap.emplace(module.Image());

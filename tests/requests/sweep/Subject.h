@@ -11,9 +11,9 @@
 #include <tuple>
 #include <vector>
 
+#include "machine/ModuleHeap.h"
 #include "machine/Simulation.h"
 #include "machine/State.h"
-#include "tests/requests/harness/ModuleHeap.h"
 #include "tests/requests/harness/ModuleRun.h"
 #include "tests/requests/harness/PresentedFile.h"
 

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace requests {
+namespace machine {
 
 /// Watches the memory functions that the image imports, from construction on and
 /// through its unloading; one at a time, on one thread. The image keeps what replaces them: it must
@@ -46,4 +46,4 @@ private:
     std::uint64_t requests_ = 0;
 };
 
-}  // namespace requests
+}  // namespace machine

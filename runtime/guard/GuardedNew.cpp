@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <new>
 
-#include "tests/support/guard/Guard.h"
+#include "runtime/guard/Guard.h"
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
     void* const block = GuardAllocate(size, static_cast<std::size_t>(alignment));

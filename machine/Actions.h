@@ -7,7 +7,7 @@
 
 #include "machine/Trace.h"
 
-namespace requests {
+namespace machine {
 
 /// The calls that change something, in order, a line each:
 ///     EnableStatic on Win32_NetworkAdapterConfiguration.Index=2 (IPAddress={10.0.0.5}, ...) -> 0
@@ -17,9 +17,9 @@ namespace requests {
 ///     move LDAP://CN=PC1,... -> S_OK
 /// In-parameters stand in the order in which they were put. A call that did not come as far as to a
 /// value ends in what it gave instead: "-> FALSE, error 2".
-std::vector<std::string> ListActions(std::span<const machine::TraceEntry> calls);
+std::vector<std::string> ListActions(std::span<const TraceEntry> calls);
 
 /// The value of an argument; empty where there is none.
-std::string ArgumentOf(const machine::TraceEntry& call, std::string_view name);
+std::string ArgumentOf(const TraceEntry& call, std::string_view name);
 
-}  // namespace requests
+}  // namespace machine

@@ -1,8 +1,8 @@
-#include "tests/requests/harness/Actions.h"
+#include "machine/Actions.h"
 
-namespace requests {
+namespace machine {
 
-std::string ArgumentOf(const machine::TraceEntry& call, std::string_view name) {
+std::string ArgumentOf(const TraceEntry& call, std::string_view name) {
     for (const auto& [argument, value] : call.arguments) {
         if (argument == name) {
             return value;
@@ -15,7 +15,7 @@ namespace {
 
 class ActionList {
 public:
-    void Add(const machine::TraceEntry& call) {
+    void Add(const TraceEntry& call) {
         if (call.function == "SpawnInstance") {
             parameters_.clear();
         } else if (call.function == "Put") {
@@ -41,7 +41,7 @@ public:
     std::vector<std::string> Take() { return std::move(lines_); }
 
 private:
-    void AddMethod(const machine::TraceEntry& call) {
+    void AddMethod(const TraceEntry& call) {
         std::string returned = ArgumentOf(call, "ReturnValue");
         if (returned.empty()) {
             returned = ArgumentOf(call, "ReturnValue (injected)");
@@ -57,12 +57,12 @@ private:
 
 }  // namespace
 
-std::vector<std::string> ListActions(std::span<const machine::TraceEntry> calls) {
+std::vector<std::string> ListActions(std::span<const TraceEntry> calls) {
     ActionList actions;
-    for (const machine::TraceEntry& call : calls) {
+    for (const TraceEntry& call : calls) {
         actions.Add(call);
     }
     return actions.Take();
 }
 
-}  // namespace requests
+}  // namespace machine

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <mutex>
 
-#include "tests/support/guard/Guard.h"
+#include "runtime/guard/Guard.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/requests/harness/ModuleHeap.h"
+#include "machine/ModuleHeap.h"
 
 #ifdef _MSC_VER
 #include <intrin.h>
@@ -10,7 +10,7 @@
 #include "common/util/Strings.h"
 #include "machine/ImportTable.h"
 
-namespace requests {
+namespace machine {
 
 ModuleHeap* ModuleHeap::active_ = nullptr;
 
@@ -60,7 +60,7 @@ struct ModuleHeap::Hooks {
 };
 
 ModuleHeap::ModuleHeap(HMODULE image) : image_(image) {
-    const machine::Hook hooks[] = {
+    const Hook hooks[] = {
         {"malloc", reinterpret_cast<void*>(&Hooks::Malloc)},
         {"calloc", reinterpret_cast<void*>(&Hooks::Calloc)},
         {"realloc", reinterpret_cast<void*>(&Hooks::Realloc)},
@@ -70,7 +70,7 @@ ModuleHeap::ModuleHeap(HMODULE image) : image_(image) {
         {"GuardFree", reinterpret_cast<void*>(&Hooks::GuardFree),
          reinterpret_cast<void**>(&Hooks::guardFree)},
     };
-    machine::ImportTable(image, hooks).Leave();
+    ImportTable(image, hooks).Leave();
     active_ = this;
 }
 
@@ -102,4 +102,4 @@ bool ModuleHeap::FailsNow() noexcept {
     return nth_ != 0 && (requests_ == nth_ || (stays_ && requests_ > nth_));
 }
 
-}  // namespace requests
+}  // namespace machine
