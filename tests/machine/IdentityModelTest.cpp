@@ -95,49 +95,5 @@ TEST(IdentityModel, RenameChangesTheObjectAtOnceAndTheNameLater) {
     EXPECT_EQ(state.hostName, "sales-pc-000000007");
 }
 
-TEST(DirectoryModel, MovesComputersOrSaysWhyNot) {
-    const std::string here = "CN=WORKSTATION1,OU=Sales,OU=East,DC=corp,DC=example";
-    const std::string west = "LDAP://OU=West,DC=corp,DC=example";
-    State full = Member();
-    full.domains[0].units[1].computers = {"workstation1"};
-    struct Case {
-        State machine;
-        std::string destination;
-        Credentials credentials;
-        std::string source;
-        std::uint32_t code;
-    };
-    const Credentials anyone{"joiner", "Join-Me-1"};
-    const Case cases[] = {
-        {Member(), "LDAP://CN=Computers,DC=corp,DC=example", anyone, here, 0},
-        {Member(), "LDAP://OU=Sales,OU=East,DC=corp,DC=example", anyone, here, 0},
-        {Member(), "LDAP://OU=No,DC=corp,DC=example", anyone, here, NoSuchObject},
-        {Member(), "LDAP://OU=West,DC=lab,DC=example", anyone, here, ServerDown},
-        {Member(), "ldap://OU=West,DC=corp,DC=example", anyone, here, BadPathname},
-        {Member(), "LDAP://OU=West,,DC=corp,DC=example", anyone, here, InvalidDnSyntax},
-        {Member(), west, anyone, "CN=OTHER,OU=Sales,OU=East,DC=corp,DC=example", NoSuchObject},
-        {full, west, anyone, here, AlreadyExists},
-        {Member(), "LDAP://DC=corp,DC=example", anyone, here, UnwillingToPerform},
-    };
-    for (const Case& one : cases) {
-        SCOPED_TRACE(one.destination + " " + std::to_string(one.code));
-        State state = one.machine;
-        Container container;
-        Account account;
-        std::uint32_t code = Bind(state, one.destination, one.credentials.userName,
-                                  one.credentials.password, container, account);
-        if (code == DirectoryOk) {
-            code = MoveComputer(state, one.destination, account, "LDAP://" + one.source, "");
-        }
-        EXPECT_EQ(code, one.code);
-        if (code == DirectoryOk) {
-            EXPECT_TRUE(FindComputer(state.domains[0], "WORKSTATION1").has_value());
-            EXPECT_EQ(OwnDistinguishedName(state), "CN=WORKSTATION1," + one.destination.substr(7));
-        } else {
-            EXPECT_EQ(state, one.machine);
-        }
-    }
-}
-
 }  // namespace
 }  // namespace machine::model

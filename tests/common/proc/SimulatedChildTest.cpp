@@ -1,5 +1,5 @@
-// Child processes on the simulated machine: their calls in order, and each of them failing where
-// the output is captured; the module's own runs capture none.
+// A captured run of a child with each of its calls failing. The module's own runs capture nothing;
+// they are swept with it.
 #include "common/proc/ChildProcess.h"
 
 #include <windows.h>
@@ -8,9 +8,7 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
-#include "common/proc/RunCommand.h"
 #include "tests/common/proc/Children.h"
 #include "tests/common/sys/Machine.h"
 
@@ -18,36 +16,6 @@ namespace {
 
 using namespace sys_tests;
 using proc::PipeCapture;
-using testing::ElementsAre;
-
-/// The calls without the waits and reads, whose number is a matter of time.
-std::vector<std::string> TimelessCalls(const Machine& machine) {
-    std::vector<std::string> calls = machine.Texts();
-    std::erase_if(calls, [](const std::string& call) {
-        return call.starts_with("WaitForSingleObject") || call.starts_with("PeekNamedPipe") ||
-               call.starts_with("ReadFile") || call.starts_with("WriteFile");
-    });
-    return calls;
-}
-
-TEST(SimulatedChild, RouteRunsOnTheDefaultPipes) {
-    Machine machine;
-    const std::string command = "route -p ADD 10.40.0.0 mask 255.255.0.0 198.51.100.254 METRIC 3";
-    std::int32_t result = -1;
-    EXPECT_EQ(machine.Run([&] { result = proc::RunCommand(command); }), Success());
-    EXPECT_EQ(result, 0);
-    EXPECT_THAT(
-        TimelessCalls(machine),
-        ElementsAre("CreatePipe size=0", "SetHandleInformation mask=0x1 flags=0x0",
-                    "CreatePipe size=0", "SetHandleInformation mask=0x1 flags=0x0",
-                    "CreateProcessA application= command line=" + command, "GetExitCodeProcess",
-                    "CloseHandle kind=process handle", "CloseHandle kind=thread handle",
-                    "CloseHandle kind=pipe handle", "CloseHandle kind=pipe handle"));
-    EXPECT_THAT(machine.Texts("WaitForSingleObject"),
-                testing::Each("WaitForSingleObject milliseconds=100"));
-    const machine::PersistedRoute added{"10.40.0.0", "255.255.0.0", "198.51.100.254", 3};
-    EXPECT_EQ(machine->GetState().routes.back(), added);
-}
 
 /// Where a run stops; what comes later can change its result no more.
 std::int32_t ExpectedResult(const Entries& entries, std::int32_t exitCode) {
