@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -99,8 +100,8 @@ HANDLE StartLingering(CChildProcess& child, const std::string& mark, unsigned mi
     const std::string command = ChildCommand("linger " + mark + " " + std::to_string(milliseconds));
     EXPECT_EQ(child.ExecuteCmd(nullptr, command.c_str(), {}, {}, false, 0, nullptr), 0);
     for (int tries = 0; tries < 1000; ++tries) {
-        if (GetFileAttributesA(mark.c_str()) != INVALID_FILE_ATTRIBUTES) {
-            const DWORD id = std::strtoul(support::ReadFile(mark).c_str(), nullptr, 10);
+        // Not there, or still being written.
+        if (DWORD id = 0; std::ifstream(mark) >> id && id != 0) {
             return OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, FALSE, id);
         }
         Sleep(10);
