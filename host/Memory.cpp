@@ -1,7 +1,10 @@
 // Storage for toolbox-host's own objects. A run makes and drops hundreds of thousands of small
 // ones, for each platform call is recorded, and Wine's heap walks over its free blocks for every
 // one of them: half of the time of a large plan was spent there. Small blocks are handed out from
-// lists by size here; what is larger comes from the C library.
+// lists by size here; what is larger comes from the C library, whose heap the module shares: there
+// one of them may free what the other allocated.
+#include <windows.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdlib>
@@ -15,8 +18,9 @@ namespace {
 constexpr std::size_t kStep = 16;      // also the alignment and the size of a block's head
 constexpr std::size_t kLargest = 512;  // that the lists serve
 constexpr std::size_t kPiece = 256 * 1024;
+constexpr std::size_t kRoom = std::size_t{4} << 30;  // of address space, for all pieces
 
-/// Before every block: which list it came from, 0 for none.
+/// Before every block of a list: which one.
 struct alignas(kStep) Head {
     std::size_t list;
 };
@@ -34,63 +38,58 @@ public:
             return first;
         }
         const std::size_t size = sizeof(Head) + list * kStep;
-        if (left_ < size) {
-            auto* const piece = static_cast<std::byte*>(std::malloc(kPiece));
-            if (piece == nullptr) {
-                return nullptr;
-            }
-            next_ = piece;
-            left_ = kPiece;
+        if (committed_ - used_ < size && !CommitPiece()) {
+            return nullptr;
         }
-        std::byte* const block = next_;
-        next_ += size;
-        left_ -= size;
-        return block + sizeof(Head);
+        auto* const head = new (room_ + used_) Head{list};
+        used_ += size;
+        return head + 1;
     }
 
-    void Give(void* block, std::size_t list) {
+    bool Have(const void* block) const noexcept {
+        return block >= room_ && block < room_ + kRoom && room_ != nullptr;
+    }
+
+    void Give(void* block) {
+        const std::size_t list = (static_cast<Head*>(block) - 1)->list;
         const std::lock_guard lock(lock_);
         free_[list] = new (block) FreeBlock{free_[list]};
     }
 
 private:
+    bool CommitPiece() {
+        if (room_ == nullptr) {
+            room_ =
+                static_cast<std::byte*>(VirtualAlloc(nullptr, kRoom, MEM_RESERVE, PAGE_NOACCESS));
+        }
+        if (room_ == nullptr || kRoom - committed_ < kPiece ||
+            VirtualAlloc(room_ + committed_, kPiece, MEM_COMMIT, PAGE_READWRITE) == nullptr) {
+            return false;
+        }
+        committed_ += kPiece;
+        return true;
+    }
+
     machine::LeafLock lock_;
     std::array<FreeBlock*, kLargest / kStep + 1> free_{};
-    std::byte* next_ = nullptr;
-    std::size_t left_ = 0;
+    std::byte* room_ = nullptr;
+    std::size_t committed_ = 0;
+    std::size_t used_ = 0;
 };
 
 constinit Lists lists;
 
-Head* HeadOf(void* block) {
-    return reinterpret_cast<Head*>(static_cast<std::byte*>(block) - sizeof(Head));
-}
-
 void* Allocate(std::size_t size) {
-    if (size <= kLargest) {
-        const std::size_t list = (size + kStep - 1) / kStep + (size == 0 ? 1 : 0);
-        void* const block = lists.Take(list);
-        if (block != nullptr) {
-            HeadOf(block)->list = list;
-        }
-        return block;
-    }
-    void* const all = size + sizeof(Head) < size ? nullptr : std::malloc(size + sizeof(Head));
-    if (all == nullptr) {
-        return nullptr;
-    }
-    return new (all) Head{0} + 1;
+    void* const block =
+        size <= kLargest ? lists.Take(size == 0 ? 1 : (size + kStep - 1) / kStep) : nullptr;
+    return block != nullptr ? block : std::malloc(size == 0 ? 1 : size);
 }
 
 void Free(void* block) {
-    if (block == nullptr) {
-        return;
-    }
-    Head* const head = HeadOf(block);
-    if (head->list == 0) {
-        std::free(head);
+    if (lists.Have(block)) {
+        lists.Give(block);
     } else {
-        lists.Give(block, head->list);
+        std::free(block);
     }
 }
 

@@ -2,6 +2,7 @@
 // libraries are real.
 #include <windows.h>
 
+#include <algorithm>
 #include <string>
 
 #include "machine/Call.h"
@@ -27,8 +28,12 @@ std::uintptr_t IdentityOf(HMODULE module) {
     return reinterpret_cast<std::uintptr_t>(module);
 }
 
+// A program may have an operator new of its own for small blocks. The module frees what it is given
+// here, so its text gets a block that is none of these: all images share the C runtime's memory.
+constexpr std::size_t noSmallBlock = 4096;
+
 // The stand-in for the library's function. The module and this library share the string type's
-// layout and the C runtime's memory.
+// layout.
 int Decrypt(const std::string& enciphered, std::string& plain) {
     const ServingCore core;
     if (!core) {
@@ -42,7 +47,11 @@ int Decrypt(const std::string& enciphered, std::string& plain) {
     if (const auto fault = call.Fault()) {
         return result(static_cast<int>(*fault));
     }
-    plain = Decipher(enciphered);
+    const std::string text = Decipher(enciphered);
+    if (text.size() > plain.capacity()) {
+        plain.reserve(std::max(text.size(), noSmallBlock));
+    }
+    plain.assign(text.data(), text.size());
     return result(0);
 }
 

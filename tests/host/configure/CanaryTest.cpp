@@ -14,7 +14,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-const std::string kPassword = "Canary-Sings-42";
+const std::string kPassword = "Canary-Sings-42-Times-A-Day";  // no short string
 const std::string kUser = "songbird";
 
 machine::State Machine() {
