@@ -67,6 +67,36 @@ constexpr std::array kWmiCodes = {
     Meaning{0x80041010, "WMI: invalid class"},     Meaning{0x80041017, "WMI: invalid query"},
 };
 
+// What joins, renames and the directory give: in words that say what to look at, and the same where
+// Windows has no text at hand.
+constexpr std::array kNetworkCodes = {
+    Meaning{2, "not found"},
+    Meaning{5, "access denied"},
+    Meaning{87, "invalid parameter"},
+    Meaning{1210, "the computer name is invalid"},
+    Meaning{1317, "the domain has no such computer account"},
+    Meaning{1326, "the account's name or password is wrong"},
+    Meaning{1355, "the domain does not exist or cannot be reached"},
+    Meaning{2138, "the Workstation service has not been started"},
+    Meaning{2224, "the account already exists"},
+    Meaning{2691, "the machine is already joined to a domain"},
+    Meaning{2692, "the machine is not joined to a domain"},
+    Meaning{2695, "the workgroup name is invalid"},
+    Meaning{0x80070005, "access denied"},
+    Meaning{0x8007052E, "the account's name or password is wrong"},
+    Meaning{0x80071392, "the object already exists"},
+    Meaning{0x80072030, "there is no such object in the directory"},
+    Meaning{0x80072032, "the object's distinguished name is invalid"},
+    Meaning{0x80072035, "the directory server refuses to do it"},
+    Meaning{0x8007203A, "the directory server cannot be reached"},
+    Meaning{0xC0000008, "invalid handle"},
+    Meaning{0xC0000022, "access denied"},
+    Meaning{10091, "the network subsystem is not ready"},
+    Meaning{11001, "there is no host of that name"},
+    Meaning{11002, "the name server does not answer"},
+    Meaning{11004, "the host's name has no address"},
+};
+
 template <class Table>
 const char* Find(const Table& table, std::uint32_t code) {
     const auto found = std::find_if(table.begin(), table.end(),
@@ -85,6 +115,9 @@ std::string DescribeCode(std::uint32_t code) {
     if (const char* const known = Find(kWmiCodes, code)) {
         return known;
     }
+    if (const char* const known = Find(kNetworkCodes, code)) {
+        return known;
+    }
     // The texts of the network services (2100 to 2999) lie in a library of their own.
     constexpr std::uint32_t kFirstNetworkCode = 2100;
     constexpr std::uint32_t kLastNetworkCode = 2999;
@@ -101,7 +134,8 @@ std::string DescribeCode(std::uint32_t code) {
         FreeLibrary(networkTexts);
     }
     std::string text(buffer, length);
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ')) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ' ||
+                             text.back() == '.')) {
         text.pop_back();
     }
     std::replace(text.begin(), text.end(), '\r', ' ');

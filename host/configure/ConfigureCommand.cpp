@@ -10,6 +10,7 @@
 #include "host/Files.h"
 #include "host/HostError.h"
 #include "host/Text.h"
+#include "host/check/FileCheck.h"
 #include "host/configure/Faults.h"
 #include "host/configure/Json.h"
 #include "host/configure/MachineFiles.h"
@@ -30,6 +31,8 @@ struct ConfigureOptions {
     bool plan = false;
     bool untilDone = false;
     bool log = false;
+    bool details = false;
+    bool summary = false;
     std::vector<std::string> faults;
     std::string traceFile;
     std::string saveFile;
@@ -92,12 +95,6 @@ bool HasAccounts(const machine::State& machine) {
                        [](const machine::Domain& domain) { return !domain.accounts.empty(); });
 }
 
-bool ChangesSomething(const Outcome& outcome) {
-    return std::any_of(outcome.passes.begin(), outcome.passes.end(), [](const Pass& pass) {
-        return !pass.changes.empty() || CountRows(pass.rows).changes != 0;
-    });
-}
-
 int ExitCodeOf(const Outcome& outcome, const ConfigureOptions& options) {
     const Story& story = outcome.Last().story;
     if (!outcome.violations.empty()) {
@@ -111,6 +108,9 @@ int ExitCodeOf(const Outcome& outcome, const ConfigureOptions& options) {
         return kFailure;
     }
     if (options.plan) {
+        if (outcome.afterRestart && outcome.afterRestart->story.failure) {
+            return kFailure;
+        }
         return ChangesSomething(outcome) ? kChangesPlanned : kDone;
     }
     // A restart that the file keeps quiet about makes the module answer "Failure".
@@ -123,6 +123,8 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     const Request request{common.module, options.file, options.untilDone,
                           ParseFaults(options.faults),
                           [&output](const std::string& text) { output.Progress(text); }};
+    // Before the run, which may take the file away.
+    const check::CheckedFile checked = check::CheckFile(options.file);
     Outcome outcome;
     if (options.thisMachine && !options.plan) {
         outcome = RunHere(request);
@@ -146,8 +148,14 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
         }
     }
     const std::string machineName = MachineName(options);
-    output.Document() = ToJson(outcome, options.file, machineName);
-    PrintReport(outcome, {options.file, machineName, options.plan, options.untilDone}, output);
+    output.Document() = ToJson(outcome, checked, options.file, machineName);
+    PrintReport(outcome,
+                {options.file, machineName, options.thisMachine, options.plan, options.untilDone,
+                 options.summary   ? Extent::kSummary
+                 : options.details ? Extent::kDetails
+                                   : Extent::kUsual,
+                 checked},
+                output);
     if (options.log) {
         for (const Pass& pass : outcome.passes) {
             for (const Mark& mark : pass.run.log) {
@@ -207,6 +215,12 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
                    "Save the passwords of the directory's accounts too")
         ->needs(save);
     command->add_flag("--log", options->log, "Print the module's log beside the report");
+    CLI::Option* const summary = command->add_flag("--summary", options->summary,
+                                                   "Print the closing lines of the report only");
+    command
+        ->add_flag("--details", options->details,
+                   "Print every call and route, and what else changes on the machine")
+        ->excludes(summary);
     command->callback([&common, &action, options] {
         action = [&common, options](Output& output) { return Configure(common, *options, output); };
     });

@@ -67,6 +67,11 @@ void NoteIdleFaults(const Outcome& outcome, Output& output) {
     for (const Pass& pass : outcome.passes) {
         ending.merge(EndingCalls(pass));
     }
+    for (const std::optional<Pass>* const pass : {&outcome.afterRestart, &outcome.furtherRun}) {
+        if (*pass) {
+            ending.merge(EndingCalls(**pass));
+        }
+    }
     const auto note = [&output](const std::string& rule, const char* what, const char* member) {
         output.Note("toolbox-host: --fail " + rule + " " + what);
         output.Document()[member].push_back(ToUtf8(rule));

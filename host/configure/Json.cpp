@@ -1,8 +1,10 @@
 #include "host/configure/Json.h"
 
 #include "host/Text.h"
-#include "host/configure/RestartStory.h"
+#include "host/check/FindingText.h"
+#include "host/configure/Closing.h"
 #include "host/configure/Values.h"
+#include "host/reading/Secrets.h"
 #include "host/reading/SettingNames.h"
 
 namespace host::configure {
@@ -125,10 +127,10 @@ Json OfFailure(const Pass& pass) {
 }
 
 Json OfCounts(const Counts& counts) {
-    return {{"changes", counts.changes}, {"alreadySet", counts.alreadySet},
-            {"skipped", counts.skipped}, {"failed", counts.failed},
-            {"waiting", counts.waiting}, {"notAttempted", counts.notAttempted},
-            {"ignored", counts.ignored}};
+    return {{"changes", counts.changes},     {"alreadySet", counts.alreadySet},
+            {"skipped", counts.skipped},     {"failed", counts.failed},
+            {"waiting", counts.waiting},     {"notAttempted", counts.notAttempted},
+            {"leftAlone", counts.leftAlone}, {"ignored", counts.ignored}};
 }
 
 Json OfReply(const Run& run) {
@@ -169,8 +171,13 @@ Json OfRestart(const Outcome& outcome) {
 
 }  // namespace
 
-Json ToJson(const Outcome& outcome, const std::string& file, const std::string& machine) {
+Json ToJson(const Outcome& outcome, const check::CheckedFile& checked, const std::string& file,
+            const std::string& machine) {
     Json json = {{"file", Text(file)}, {"machine", Text(machine)}};
+    json["findings"] = Array(checked.findings.List(), [&checked](const check::Finding& finding) {
+        const std::size_t line = finding.place.line;
+        return check::ToJson(finding, line == 0 ? "" : reading::ShownLine(checked.file, line));
+    });
     json["passes"] = Array(outcome.passes, OfPass);
     json["restart"] = OfRestart(outcome);
     if (outcome.furtherRun) {

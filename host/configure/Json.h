@@ -4,12 +4,13 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "host/check/FileCheck.h"
 #include "host/configure/Passes.h"
 
 namespace host::configure {
 
 /// The same object for a plan and for a run. All texts are UTF-8.
-nlohmann::ordered_json ToJson(const Outcome& outcome, const std::string& file,
-                              const std::string& machine);
+nlohmann::ordered_json ToJson(const Outcome& outcome, const check::CheckedFile& checked,
+                              const std::string& file, const std::string& machine);
 
 }  // namespace host::configure

@@ -1,5 +1,6 @@
 #include "host/configure/Passes.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/Files.h"
@@ -18,16 +19,18 @@ Pass MakePass(Run run) {
 }
 
 /// A run on the machine as it is after one more restart.
-Pass RunAfterRestart(const Request& request, const machine::State& machine) {
-    machine::State restarted = machine;
+Pass RunAfterRestart(const Request& request, Outcome& outcome) {
+    machine::State restarted = outcome.machine;
     machine::ApplyRestart(restarted);
-    const std::vector<Change> restart = Compare(machine, restarted);
+    const std::vector<Change> restart = Compare(outcome.machine, restarted);
     machine::Simulation simulation(std::move(restarted));
+    simulation.SetFaultPlan(outcome.faults);
     Pass pass =
         MakePass(RunOnSimulation(request.module, simulation, request.file, [&](const auto&) {
             request.watcher("looking at what comes after the restart");
         }));
     pass.restart = restart;
+    outcome.faults = simulation.GetFaultPlan();
     return pass;
 }
 
@@ -89,6 +92,12 @@ bool Outcome::Settled() const {
            CountRows(furtherRun->rows).changes == 0;
 }
 
+bool ChangesSomething(const Outcome& outcome) {
+    return std::any_of(outcome.passes.begin(), outcome.passes.end(), [](const Pass& pass) {
+        return !pass.changes.empty() || CountRows(pass.rows).changes != 0;
+    });
+}
+
 Outcome RunPasses(const Request& request, const machine::State& machine) {
     // Read first: a run on this machine would take the file away.
     const std::vector<Setting> settings = reading::SettingsOf(reading::File::Read(request.file));
@@ -102,9 +111,9 @@ Outcome RunPasses(const Request& request, const machine::State& machine) {
         outcome.faults = simulation.GetFaultPlan();
     }
     if (outcome.Last().story.stoppedForRestart) {
-        outcome.afterRestart = RunAfterRestart(request, outcome.machine);
+        outcome.afterRestart = RunAfterRestart(request, outcome);
     } else if (request.untilDone && outcome.Last().story.completed) {
-        outcome.furtherRun = RunAfterRestart(request, outcome.machine);
+        outcome.furtherRun = RunAfterRestart(request, outcome);
     }
     FillRows(settings, outcome);
     CollectViolations(outcome);

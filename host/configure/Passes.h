@@ -37,13 +37,16 @@ struct Outcome {
     std::optional<Pass> furtherRun;
     machine::State machine;     ///< as the last pass left it
     machine::Trace trace;       ///< of all passes; of the clones nothing
-    machine::FaultPlan faults;  ///< as the last pass left them
+    machine::FaultPlan faults;  ///< as the last run left them, clones included
     std::vector<std::string> violations;
 
     const Pass& Last() const { return passes.back(); }
     /// Whether the further run was made and did nothing.
     bool Settled() const;
 };
+
+/// Whether the passes have changed anything, or would.
+bool ChangesSomething(const Outcome& outcome);
 
 struct Request {
     std::string module;

@@ -46,7 +46,7 @@ public:
         return nullptr;
     }
 
-    /// The pause behind an adapter's addresses; null for any other setting.
+    /// The pause after an adapter's addresses; null for any other setting.
     const Step* PauseOf(const Setting& setting) const {
         const auto found =
             std::find_if(story_.steps.begin(), story_.steps.end(), [&setting](const Step& step) {
@@ -79,7 +79,8 @@ private:
         const std::optional<Kind> kind = KindOf(step.command);
         const auto found =
             std::find_if(settings_.begin(), settings_.end(), [&](const Setting& setting) {
-                return setting.kind == kind && (!setting.adapter || setting.adapter == nic);
+                return setting.kind == kind && !setting.leftAlone &&
+                       (!setting.adapter || setting.adapter == nic);
             });
         return found == settings_.end() ? nullptr : &*found;
     }
@@ -107,7 +108,7 @@ private:
 std::string PauseText(const Step& pause) {
     const auto milliseconds =
         std::strtoul(pause.description.c_str() + pause.description.find('=') + 1, nullptr, 10);
-    return util::Format("waits %lu s after static addressing", milliseconds / 1000);
+    return util::Format("then waits %lu s for the adapter", milliseconds / 1000);
 }
 
 bool AsksForSomething(const Setting& setting) {
@@ -124,7 +125,7 @@ bool AsksForSomething(const Setting& setting) {
     }
 }
 
-/// The fate of a setting behind the restart marker, or not: only the next pass can tell.
+/// The fate of a setting after the restart marker, or not: only the next pass can tell.
 void TakeFromNextPass(const Story& story, const Row* next, Row& row) {
     if (next == nullptr) {
         row.fate = Fate::kWaits;
@@ -142,11 +143,11 @@ void TakeFromNextPass(const Story& story, const Row* next, Row& row) {
         return;
     }
     row.fate = story.fileKept ? Fate::kWaits : Fate::kNotAttempted;
-    row.reason = story.fileKept ? "after the restart"
-                                : "the run stopped for a restart, and nobody sends the file again";
-    if (next->fate == Fate::kFailed) {
-        row.reason += "; it would fail then: " + next->reason;
-    }
+    row.reason = !story.fileKept ? "the run stopped for a restart, and nobody sends the file again"
+                 : next->fate == Fate::kFailed
+                     ? "after the restart, and it would fail then: " + next->reason
+                 : next->reason.empty() ? "after the restart"
+                                        : "after the restart; " + next->reason;
 }
 
 Row MakeRow(const Setting& setting, const Run& run, const Story& story,
@@ -159,6 +160,12 @@ Row MakeRow(const Setting& setting, const Run& run, const Story& story,
     if (const machine::Adapter* const adapter = AdapterOf(run.before, row.index)) {
         row.adapter = AdapterLabel(*adapter);
     }
+    if (setting.leftAlone) {
+        row.fate = Fate::kLeftAlone;
+        row.current = CurrentValues(run.before, setting.kind, row.index);
+        row.reason = WhyLeftAlone(row, run.after);
+        return row;
+    }
     if (!AsksForSomething(setting)) {
         row.fate = setting.kind == Kind::kUnused || setting.kind == Kind::kDnsServers
                        ? Fate::kIgnored
@@ -170,7 +177,7 @@ Row MakeRow(const Setting& setting, const Run& run, const Story& story,
     if (const Step* const step = assignment.StepOf(setting)) {
         row.fate = step->failed ? Fate::kFailed : Fate::kChange;
         row.calls = step->calls;
-        row.reason = step->failed ? story.failure->text : WhyExecuted(row, *step);
+        row.reason = step->failed ? FailureText(*story.failure) : WhyExecuted(row, story, *step);
     } else if (assignment.WasPassed(setting)) {
         row.fate = Fate::kAlreadySet;
         row.reason = WhySkipped(row, run.before);
@@ -203,6 +210,8 @@ const char* Identifier(Fate fate) {
             return "not-attempted";
         case Fate::kLabel:
             return "label";
+        case Fate::kLeftAlone:
+            return "left-alone";
         case Fate::kIgnored:
             break;
     }
@@ -220,15 +229,10 @@ std::vector<Row> MakeRows(const std::vector<Setting>& settings, const Run& run, 
     return rows;
 }
 
-namespace {
-
-/// Whether the module has passed over a setting that differs from what the machine has.
 bool IsSkipped(const Row& row) {
     return row.fate == Fate::kAlreadySet && row.current && row.reason != kAlreadySet &&
            row.reason != kFoundThere;
 }
-
-}  // namespace
 
 Counts CountRows(const std::vector<Row>& rows) {
     const auto count = [&rows](Fate fate) {
@@ -243,6 +247,7 @@ Counts CountRows(const std::vector<Row>& rows) {
             count(Fate::kFailed),
             count(Fate::kWaits),
             count(Fate::kNotAttempted),
+            count(Fate::kLeftAlone),
             count(Fate::kIgnored)};
 }
 

@@ -21,6 +21,7 @@ enum class Fate {
     kWaits,         ///< its turn comes after the restart
     kNotAttempted,  ///< the run ended before it
     kLabel,         ///< tells the module something and changes nothing by itself
+    kLeftAlone,     ///< the file says that it stays as it is
     kIgnored,       ///< has no effect
 };
 
@@ -51,8 +52,12 @@ struct Counts {
     std::size_t failed = 0;
     std::size_t waiting = 0;
     std::size_t notAttempted = 0;
+    std::size_t leftAlone = 0;
     std::size_t ignored = 0;
 };
+
+/// Whether the module has passed over a setting that differs from what the machine has.
+bool IsSkipped(const Row& row);
 
 Counts CountRows(const std::vector<Row>& rows);
 

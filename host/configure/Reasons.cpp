@@ -36,23 +36,54 @@ bool IsThere(const Row& row, const machine::State& before) {
     }
 }
 
+/// The method that changed the adapter's addresses before the step: it drops what hangs on them.
+std::string AddressingBefore(const Story& story, const Step& step) {
+    for (const Step& earlier : story.steps) {
+        const bool addresses = earlier.command == "SetStatic" || earlier.command == "SetDhcp";
+        if (addresses && earlier.nic == step.nic && !earlier.calls.empty()) {
+            return earlier.calls.back().name;
+        }
+    }
+    return {};
+}
+
+/// A join that finds no computer object, and then makes one.
+bool MakesObject(const Step& step) {
+    return step.command == "JoinDomain" && step.calls.size() > 1 &&
+           !step.calls.front().Succeeded() && step.calls.back().Succeeded();
+}
+
 }  // namespace
 
-std::string WhyExecuted(const Row& row, const Step& step) {
+std::string WhyExecuted(const Row& row, const Story& story, const Step& step) {
     const Kind kind = row.setting.kind;
     if (kind == Kind::kUnit && step.command == "JoinDomain") {
         return "goes with the join";
     }
-    if (!step.before) {
+    if (MakesObject(step)) {
+        return "no computer object yet: creates it";
+    }
+    if (!step.before || !row.current || !Same(*row.current, row.wanted)) {
         return {};
     }
-    if (step.before != row.current) {
-        return "a step before it has left " + ListText(*step.before);
+    const std::string method = AddressingBefore(story, step);
+    if (step.before != row.current && !method.empty()) {
+        return "set again: " + method + (step.before->empty() ? " drops it" : " changes it");
     }
-    if (row.current && Same(*row.current, row.wanted) && kind == Kind::kDnsSuffixes) {
-        return "the letter case differs";
+    return kind == Kind::kDnsSuffixes ? "the letter case differs" : "";
+}
+
+std::string WhyLeftAlone(const Row& row, const machine::State& after) {
+    if (row.setting.kind == Kind::kRoutes) {
+        return "left alone";
     }
-    return {};
+    const machine::Adapter* const adapter = AdapterOf(after, row.index);
+    if (adapter != nullptr && adapter->dhcpEnabled.value_or(false) && !adapter->staticDns.empty()) {
+        return "left alone: " + ListText(adapter->staticDns) +
+               (adapter->staticDns.size() == 1 ? ", set by hand, stays" : ", set by hand, stay") +
+               " in spite of DHCP";
+    }
+    return "left alone";
 }
 
 std::string WhySkipped(const Row& row, const machine::State& before) {
@@ -61,7 +92,7 @@ std::string WhySkipped(const Row& row, const machine::State& before) {
     }
     switch (row.setting.kind) {
         case Kind::kAddresses:
-            return "skipped although it differs: the module compares the first address alone";
+            return "skipped: the module compares the first address only";
         case Kind::kUnit:
             return before.membership.member ? kFoundThere : "skipped: the machine is in no domain";
         case Kind::kWorkgroup:
@@ -84,18 +115,17 @@ std::string WhyNoWish(const Row& row, const Run& run, const Story& story, const 
             }
             return story.failure ? "the run ended before it" : "not reached in this run";
         case Kind::kAccount:
-            return "for what changes names and membership; never shown";
+            return "used to change names and membership; never shown";
         case Kind::kRestartAnswer:
             if (!util::NoCaseEqual(ListText(row.wanted), "false")) {
                 return "a needed restart is reported";
             }
             return run.Reply("Status-Module") == logging::kMarkerModule
                        ? "a needed restart is not reported: the run stopped for one, and the "
-                         "module "
-                         "calls that a failure"
+                         "module calls that a failure"
                        : "a needed restart would not be reported";
         case Kind::kDnsServers:
-            return "no server is left";
+            return "every server is 0.0.0.0: nothing is set";
         default:
             return row.setting.notes.empty() ? "" : row.setting.notes.front();
     }

@@ -13,7 +13,10 @@ constexpr const char* kAlreadySet = "already set";
 constexpr const char* kFoundThere = "the module finds the computer there";
 
 /// Why the module executed the setting's command, where the values before the run do not say it.
-std::string WhyExecuted(const Row& row, const Step& step);
+std::string WhyExecuted(const Row& row, const Story& story, const Step& step);
+
+/// What becomes of a setting that the file leaves alone. `after` is the machine after the run.
+std::string WhyLeftAlone(const Row& row, const machine::State& after);
 
 /// Why the module passed over the setting.
 std::string WhySkipped(const Row& row, const machine::State& before);

@@ -1,8 +1,13 @@
 #include "host/configure/Report.h"
 
+#include <algorithm>
+#include <iterator>
+
+#include "host/check/FindingText.h"
+#include "host/configure/Closing.h"
 #include "host/configure/Codes.h"
-#include "host/configure/RestartStory.h"
 #include "host/configure/RowText.h"
+#include "host/configure/Sections.h"
 #include "host/configure/Values.h"
 #include "host/reading/SettingNames.h"
 
@@ -10,12 +15,83 @@ namespace host::configure {
 
 namespace {
 
-std::string Joined(const std::vector<std::string>& texts) {
-    std::string joined;
-    for (const std::string& text : texts) {
-        joined += (joined.empty() ? "" : ", ") + text;
+using Kind = Setting::Kind;
+
+std::string Padded(const std::string& text, std::size_t width) {
+    return text + std::string(width - std::min(text.size(), width), ' ');
+}
+
+std::string RightAligned(const std::string& text, std::size_t width) {
+    return std::string(width - std::min(text.size(), width), ' ') + text;
+}
+
+/// Prints the sections in columns: the line of the file, the sign, the name, the values.
+class SectionPrinter {
+public:
+    SectionPrinter(const std::vector<Row>& rows, bool details, Output& output)
+        : details_(details), output_(output) {
+        for (const Row& row : rows) {
+            placeWidth_ = std::max(placeWidth_, PlaceText(row).size());
+        }
     }
-    return joined.empty() ? "nothing" : joined;
+
+    void Print(const SectionRows& section) {
+        output_.Line("");
+        output_.Line(HeadingOf(section), section.unread == nullptr ? Tone::kHeading : Tone::kQuiet);
+        for (const Row* const row : section.rows) {
+            Print(*row);
+        }
+        if (section.adapter != nullptr) {
+            for (const std::string& note : section.adapter->setting.notes) {
+                output_.Line(Indent() + note, Tone::kQuiet);
+            }
+        }
+    }
+
+private:
+    static constexpr std::size_t kLabelWidth = 15;
+
+    void Print(const Row& row) {
+        const RowText told = TextOf(row, details_);
+        output_.Line("  " + RightAligned(PlaceText(row), placeWidth_) + " " + told.sign + " " +
+                         Padded(told.label, kLabelWidth) + told.text,
+                     told.tone);
+        for (const SubLine& line : told.below) {
+            output_.Line(Indent() + line.text, line.tone);
+        }
+    }
+
+    std::string Indent() const { return std::string(placeWidth_ + 5 + kLabelWidth, ' '); }
+
+    bool details_;
+    Output& output_;
+    std::size_t placeWidth_ = 0;
+};
+
+/// What a later pass repeats of an earlier one.
+bool IsOldNews(const Row& row) {
+    switch (row.fate) {
+        case Fate::kAlreadySet:
+        case Fate::kLabel:
+        case Fate::kLeftAlone:
+        case Fate::kIgnored:
+            return true;
+        default:
+            return false;
+    }
+}
+
+void PrintSections(const Pass& pass, bool isFirst, bool details, Output& output) {
+    SectionPrinter printer(pass.rows, details, output);
+    for (SectionRows& section : GroupBySection(pass.rows)) {
+        if (!isFirst && !details) {
+            std::erase_if(section.rows, [](const Row* row) { return IsOldNews(*row); });
+            if (section.rows.empty()) {
+                continue;
+            }
+        }
+        printer.Print(section);
+    }
 }
 
 void PrintChanges(const std::vector<Change>& changes, const char* heading, Output& output) {
@@ -40,32 +116,43 @@ void PrintChanges(const std::vector<Change>& changes, const char* heading, Outpu
     }
 }
 
-std::string WhatFailed(const Pass& pass) {
-    const Failure& failure = *pass.story.failure;
-    if (failure.step) {
-        const Step& step = pass.story.steps[*failure.step];
-        const std::string adapter =
-            step.index ? " (adapter index " + std::to_string(*step.index) + ")" : "";
-        return step.command + adapter;
+/// Whether a setting has told the change already.
+bool IsTold(const Change& change, const std::vector<Row>& rows) {
+    struct Teller {
+        const char* what;
+        std::vector<Kind> kinds;
+    };
+    static const Teller kTellers[] = {
+        {"DHCP", {Kind::kDhcp, Kind::kAddresses}},
+        {"IP addresses", {Kind::kAddresses}},
+        {"gateways", {Kind::kGateways}},
+        {"DNS servers", {Kind::kDnsServers}},
+        {"DNS servers set by hand", {Kind::kDnsServers}},
+        {"DNS suffixes", {Kind::kDnsSuffixes}},
+        {"computer name after the restart", {Kind::kComputerName}},
+        {"membership after the restart", {Kind::kDomain, Kind::kWorkgroup}},
+        {"", {Kind::kRoutes}},
+    };
+    const auto teller = std::ranges::find_if(
+        kTellers, [&change](const Teller& candidate) { return change.what == candidate.what; });
+    return teller != std::end(kTellers) && std::ranges::any_of(rows, [&](const Row& row) {
+               const bool isThere = change.where == row.adapter || change.where == "machine" ||
+                                    change.where == "routes";
+               return row.fate == Fate::kChange && isThere &&
+                      std::ranges::find(teller->kinds, row.setting.kind) != teller->kinds.end();
+           });
+}
+
+std::string Listed(const std::vector<std::string>& texts) {
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += (joined.empty() ? "" : ", ") + text;
     }
-    if (failure.afterLastStep) {
-        return "reading a present setting after " + pass.story.steps.back().command;
-    }
-    switch (failure.stage) {
-        case Stage::kReading:
-            return "reading the configuration; nothing was executed";
-        case Stage::kAnalysing:
-            return "looking at the machine; nothing was executed";
-        case Stage::kRunning:
-            return "the run";
-        case Stage::kPuttingAway:
-            break;
-    }
-    return "putting the file away; every command before it was executed";
+    return joined.empty() ? "nothing" : joined;
 }
 
 /// What was done, what failed, what was not attempted: all three, always.
-void PrintFailure(const Pass& pass, const std::string& file, Output& output) {
+void PrintFailure(const Pass& pass, Output& output) {
     const Failure& failure = *pass.story.failure;
     output.Line("Failed: " + WhatFailed(pass), Tone::kBad);
     if (!failure.call.empty()) {
@@ -81,16 +168,15 @@ void PrintFailure(const Pass& pass, const std::string& file, Output& output) {
     std::vector<std::string> done;
     std::vector<std::string> left;
     for (const Row& row : pass.rows) {
-        const std::string name =
-            std::string(Label(row.setting.kind)) + " (" + PlaceText(row, file) + ")";
+        const std::string name = std::string(Label(row.setting.kind)) + " (" + PlaceText(row) + ")";
         if (row.fate == Fate::kChange) {
             done.push_back(name);
         } else if (row.fate == Fate::kNotAttempted) {
             left.push_back(name);
         }
     }
-    output.Line("  done: " + Joined(done));
-    output.Line("  not attempted: " + Joined(left));
+    output.Line("  done: " + Listed(done));
+    output.Line("  not attempted: " + Listed(left));
 }
 
 std::string ReplyText(const Pass& pass) {
@@ -101,24 +187,21 @@ std::string ReplyText(const Pass& pass) {
     return text.empty() ? "none" : text;
 }
 
-void PrintPass(const Pass& pass, const std::string& summary, const ReportOptions& options,
-               Output& output) {
-    for (const Row& row : pass.rows) {
-        PrintRow(row, options.file, output);
+void PrintDetails(const Pass& pass, Output& output) {
+    std::vector<Change> untold;
+    std::ranges::copy_if(pass.changes, std::back_inserter(untold),
+                         [&pass](const Change& change) { return !IsTold(change, pass.rows); });
+    if (!untold.empty()) {
+        output.Line("");
     }
-    output.Line(std::string(options.plan ? "Plan: " : "Run: ") + CountsText(CountRows(pass.rows)) +
-                    ". " + summary,
-                Tone::kHeading);
-    if (pass.story.failure) {
-        PrintFailure(pass, options.file, output);
+    PrintChanges(untold, "What else changes on the machine:", output);
+    if (!pass.story.failure) {
+        output.Line("");
+        output.Line("Reply: " + ReplyText(pass));
     }
-    if (pass.changes.empty()) {
-        output.Line("Machine: nothing changed.");
-    }
-    PrintChanges(pass.changes, "Machine, before and after:", output);
 }
 
-void PrintEnd(const Outcome& outcome, Output& output) {
+void PrintSettled(const Outcome& outcome, Output& output) {
     if (outcome.furtherRun) {
         if (outcome.Settled()) {
             output.Line("Settled: a restart and a further run change nothing more.", Tone::kGood);
@@ -145,30 +228,69 @@ void PrintEnd(const Outcome& outcome, Output& output) {
     }
 }
 
+/// Without what only said that something was to come.
+std::vector<Change> Effective(std::vector<Change> changes) {
+    std::erase_if(changes,
+                  [](const Change& change) { return change.what.ends_with("after the restart"); });
+    return changes;
+}
+
+/// One line for each fault that check finds; of very many the first.
+void PrintFindings(const ReportOptions& options, Output& output) {
+    constexpr std::size_t kShown = 10;
+    const std::vector<check::Finding>& findings = options.checked.findings.List();
+    for (std::size_t i = 0; i < std::min(findings.size(), kShown); ++i) {
+        check::PrintHeadline(options.file, findings[i], output);
+    }
+    if (findings.size() > kShown) {
+        output.Line("... and " + std::to_string(findings.size() - kShown) +
+                    " more findings: toolbox-host check " + options.file);
+    }
+}
+
+void PrintPass(const Outcome& outcome, const Pass& pass, const ReportOptions& options,
+               Output& output) {
+    const bool isFirst = &pass == &outcome.passes.front();
+    if (options.untilDone && options.extent != Extent::kSummary) {
+        output.Line("");
+        output.Line("Pass " + std::to_string(&pass - outcome.passes.data() + 1), Tone::kHeading);
+    }
+    if (options.extent != Extent::kSummary) {
+        PrintChanges(Effective(pass.restart), "The restart has made effective:", output);
+        PrintSections(pass, isFirst, options.extent == Extent::kDetails, output);
+        if (options.extent == Extent::kDetails) {
+            PrintDetails(pass, output);
+        }
+        output.Line("");
+    }
+    output.Line(SummaryText(outcome, pass, options),
+                pass.story.failure ? Tone::kBad : Tone::kHeading);
+    if (pass.story.failure) {
+        PrintFailure(pass, output);
+        output.Line("Reply: " + ReplyText(pass), Tone::kBad);
+    }
+}
+
 }  // namespace
 
 void PrintReport(const Outcome& outcome, const ReportOptions& options, Output& output) {
-    output.Line((options.plan ? "Plan for " : "Running ") + options.file + " on " +
-                options.machine);
-    for (std::size_t i = 0; i < outcome.passes.size(); ++i) {
-        const Pass& pass = outcome.passes[i];
-        const bool last = i + 1 == outcome.passes.size();
-        if (options.untilDone) {
-            output.Line("");
-            output.Line("Pass " + std::to_string(i + 1), Tone::kHeading);
-        }
-        PrintChanges(pass.restart, "The restart has made effective:", output);
-        PrintPass(pass, RestartSummary(pass), options, output);
-        if (last) {
-            for (const std::string& line : RestartStory(outcome, options.file)) {
-                output.Line(line);
-            }
-        }
-        output.Line("Reply: " + ReplyText(pass), pass.story.failure ? Tone::kBad : Tone::kHeading);
+    if (options.extent != Extent::kSummary) {
+        output.Line((options.plan ? "Plan for " : "Running ") + options.file + " on " +
+                    options.machine);
+    }
+    if (options.plan) {
+        PrintFindings(options, output);
+    }
+    for (const Pass& pass : outcome.passes) {
+        PrintPass(outcome, pass, options, output);
+    }
+    for (const std::string& line : RestartLines(outcome)) {
+        output.Line(line);
     }
     if (options.untilDone) {
-        PrintEnd(outcome, output);
+        PrintSettled(outcome, output);
     }
+    output.Line(NextStep(outcome, options));
 }
 
 }  // namespace host::configure

@@ -4,18 +4,25 @@
 #include <string>
 
 #include "host/Output.h"
+#include "host/check/FileCheck.h"
 #include "host/configure/Passes.h"
 
 namespace host::configure {
 
+/// How much a report tells.
+enum class Extent { kSummary, kUsual, kDetails };
+
 struct ReportOptions {
     std::string file;     ///< as the user names it
     std::string machine;  ///< "the embedded machine", "this machine", a file
+    bool onThisMachine = false;
     bool plan = false;
     bool untilDone = false;
+    Extent extent = Extent::kUsual;
+    const check::CheckedFile& checked;
 };
 
-/// Prints every pass, what a restart brings and the module's replies as lines of data.
+/// Prints every pass, what a restart brings and what to do next as lines of data.
 void PrintReport(const Outcome& outcome, const ReportOptions& options, Output& output);
 
 }  // namespace host::configure

@@ -21,12 +21,12 @@ struct Look {
     Tone tone;
 };
 
-Look LookOf(Fate fate) {
-    switch (fate) {
+Look LookOf(const Row& row) {
+    switch (row.fate) {
         case Fate::kChange:
             return {'~', Tone::kChange};
         case Fate::kAlreadySet:
-            return {'=', Tone::kGood};
+            return IsSkipped(row) ? Look{'/', Tone::kPlain} : Look{'=', Tone::kGood};
         case Fate::kFailed:
             return {'!', Tone::kBad};
         case Fate::kWaits:
@@ -34,20 +34,19 @@ Look LookOf(Fate fate) {
         case Fate::kNotAttempted:
             return {'?', Tone::kBad};
         case Fate::kLabel:
-            return {'*', Tone::kPlain};
+        case Fate::kLeftAlone:
+            return {' ', Tone::kPlain};
         case Fate::kIgnored:
             break;
     }
     return {'x', Tone::kQuiet};
 }
 
-std::string Padded(const std::string& text, std::size_t width) {
-    return text.size() < width ? text + std::string(width - text.size(), ' ') : text + "  ";
-}
-
-std::string Line(char sign, const std::string& text, const std::string& right) {
-    const std::string line = std::string("  ") + sign + " " + text;
-    return right.empty() ? line : Padded(line, 40) + right;
+std::string CallText(const ChangingCall& call) {
+    if (!call.reached) {
+        return call.name + " gave " + call.result;
+    }
+    return call.value == 0 ? call.name : call.name + " gave " + CodeText(call.value);
 }
 
 /// The calls of a row by how they begin: "route DELETE 10.0.0.0", "route -p ADD 10.0.0.0".
@@ -59,140 +58,147 @@ public:
         }
     }
 
-    /// The call for a route, with what it gave; empty where there was none.
-    std::string Text(const std::string& verb, const std::string& route) const {
+    /// What became of the route's own call.
+    std::string Outcome(const Row& row, const std::string& verb, const std::string& route) const {
         const auto found = calls_.find("route " + verb + " " + route.substr(0, route.find(' ')));
         if (found == calls_.end()) {
-            return {};
+            return row.fate == Fate::kFailed ? " (not reached)" : " (no call of its own)";
         }
-        const ChangingCall& call = *found->second;
-        return call.value == 0 ? call.name : call.name + " gave " + CodeText(call.value);
+        const std::uint32_t code = found->second->value;
+        return code == 0 ? std::string() : " (route gave " + CodeText(code) + ")";
     }
 
 private:
     std::unordered_map<std::string, const ChangingCall*> calls_;
 };
 
-/// Each route that goes, comes or stays, with its own call.
-void PrintRoutes(const Row& row, Output& output) {
-    const RouteCalls calls(row);
-    Texts current = row.current.value_or(Texts());
-    Texts wanted = row.wanted;
-    std::sort(current.begin(), current.end());
-    std::sort(wanted.begin(), wanted.end());
+struct RouteChanges {
     Texts gone;
     Texts added;
     Texts kept;
-    std::set_difference(current.begin(), current.end(), wanted.begin(), wanted.end(),
-                        std::back_inserter(gone));
-    std::set_difference(wanted.begin(), wanted.end(), current.begin(), current.end(),
-                        std::back_inserter(added));
-    std::set_intersection(current.begin(), current.end(), wanted.begin(), wanted.end(),
-                          std::back_inserter(kept));
-    const std::string uncalled = row.fate == Fate::kFailed ? "not reached" : "left alone";
-    for (const std::string& route : gone) {
-        const std::string call = calls.Text("DELETE", route);
-        output.Line(Line('-', route, call.empty() ? uncalled : call), Tone::kChange);
+
+    explicit RouteChanges(const Row& row) {
+        Texts current = row.current.value_or(Texts());
+        Texts wanted = row.wanted;
+        std::sort(current.begin(), current.end());
+        std::sort(wanted.begin(), wanted.end());
+        std::set_difference(current.begin(), current.end(), wanted.begin(), wanted.end(),
+                            std::back_inserter(gone));
+        std::set_difference(wanted.begin(), wanted.end(), current.begin(), current.end(),
+                            std::back_inserter(added));
+        std::set_intersection(current.begin(), current.end(), wanted.begin(), wanted.end(),
+                              std::back_inserter(kept));
     }
-    for (const std::string& route : added) {
-        const std::string call = calls.Text("-p ADD", route);
-        output.Line(Line('+', route, call.empty() ? uncalled : call), Tone::kChange);
-    }
-    for (const std::string& route : kept) {
-        output.Line(Line('=', route, "already there"), Tone::kGood);
+};
+
+void AddPart(std::string& text, std::size_t count, const char* what) {
+    if (count != 0) {
+        text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + what;
     }
 }
 
-std::string RightSide(const Row& row) {
-    const std::string calls = CallsText(row);
-    if (calls.empty() || row.reason.empty()) {
-        return calls + row.reason;
+/// Each route that goes, comes or stays, with what its own call gave.
+void TellRoutes(const Row& row, bool details, RowText& told) {
+    const RouteChanges changes(row);
+    told.text.clear();
+    AddPart(told.text, changes.gone.size(), "to delete");
+    AddPart(told.text, changes.added.size(), "to add");
+    AddPart(told.text, changes.kept.size(), changes.kept.size() == 1 ? "stays" : "stay");
+    const RouteCalls calls(row);
+    for (const std::string& route : changes.gone) {
+        told.below.push_back({"- " + route + calls.Outcome(row, "DELETE", route), Tone::kChange});
     }
-    return calls + ": " + row.reason;
+    for (const std::string& route : changes.added) {
+        told.below.push_back({"+ " + route + calls.Outcome(row, "-p ADD", route), Tone::kChange});
+    }
+    for (const std::string& route : changes.kept) {
+        told.below.push_back({"= " + route, Tone::kGood});
+    }
+    if (!details && told.below.size() > kRoutesShown) {
+        const std::size_t left = told.below.size() - kRoutesShown;
+        told.below.resize(kRoutesShown);
+        told.below.push_back(
+            {"and " + std::to_string(left) + " more; --details lists them", Tone::kQuiet});
+    }
 }
 
-std::string LeftSide(const Row& row) {
+std::string WithReason(const std::string& text, const std::string& reason) {
+    return reason.empty() ? text : text + " (" + reason + ")";
+}
+
+/// "10.0.0.1" where nothing differs.
+std::string ChangeText(const Row& row) {
+    const bool same = row.current && *row.current == row.wanted;
+    return WithReason(same ? ListText(row.wanted) : StepText(row), row.reason);
+}
+
+std::string MainText(const Row& row) {
     switch (row.fate) {
         case Fate::kAlreadySet:
-            return row.reason == kAlreadySet ? ListText(row.current) : StepText(row);
+            if (IsSkipped(row)) {
+                return "has " + ListText(row.current) + ", the file wants " + ListText(row.wanted) +
+                       " (" + row.reason + ")";
+            }
+            return row.reason == kAlreadySet ? ListText(row.current) + ", already set"
+                                             : WithReason(ListText(row.current), row.reason);
+        case Fate::kNotAttempted:
+            return WithReason(ListText(row.wanted), "not attempted: " + row.reason);
+        case Fate::kFailed:
+            return StepText(row) + " fails: " + row.reason;
         case Fate::kLabel:
-            return ListText(row.wanted);
+        case Fate::kLeftAlone:
+            return row.reason;
         case Fate::kIgnored:
-            return row.setting.keys.size() > 1
-                       ? util::Format("%u keys", static_cast<unsigned>(row.setting.keys.size()))
-                       : row.setting.at.key;
+            return row.setting.at.key + (row.reason.empty() ? "" : ": ") + row.reason;
         default:
-            return StepText(row);
+            return ChangeText(row);
     }
-}
-
-bool IsSection(const Row& row) {
-    return row.setting.kind == Setting::Kind::kUnused && row.setting.at.key.empty();
 }
 
 }  // namespace
 
-std::string PlaceText(const Row& row, const std::string& file) {
-    return file + ":" + std::to_string(row.setting.at.place.line);
-}
-
-std::string StepText(const Row& row) {
-    const bool manyRoutes = row.setting.kind == Setting::Kind::kRoutes && row.wanted.size() > 1;
-    if (manyRoutes) {
-        return std::to_string(row.current.value_or(Texts()).size()) + " routes -> " +
-               std::to_string(row.wanted.size()) + " routes";
-    }
-    return ListText(row.current) + " -> " + ListText(row.wanted);
-}
-
-std::string CallsText(const Row& row) {
-    std::string text;
-    for (const ChangingCall& call : row.calls) {
-        text += (text.empty() ? "" : ", ") + call.name;
-        if (!call.reached) {
-            text += " gave " + call.result;
-        } else if (call.value != 0) {
-            text += " gave " + CodeText(call.value);
-        }
-    }
-    return text;
-}
-
-std::string CountsText(const Counts& counts) {
-    std::string text = util::Format(
-        "%u %s, %u already right", static_cast<unsigned>(counts.changes),
-        counts.changes == 1 ? "change" : "changes", static_cast<unsigned>(counts.alreadySet));
-    const auto add = [&text](std::size_t count, const char* what) {
-        if (count != 0) {
-            text += util::Format(", %u %s", static_cast<unsigned>(count), what);
-        }
-    };
-    add(counts.skipped, "skipped");
-    add(counts.failed, "failed");
-    add(counts.waiting, "after the restart");
-    add(counts.notAttempted, "not attempted");
-    add(counts.ignored, "without effect");
-    return text;
-}
-
-void PrintRow(const Row& row, const std::string& file, Output& output) {
-    const std::string what =
-        IsSection(row) ? "[" + row.setting.at.section + "]" : std::string(Label(row.setting.kind));
-    const std::string heading =
-        PlaceText(row, file) + "  " + (row.adapter.empty() ? what : Padded(what, 15) + row.adapter);
-    output.Line(heading, Tone::kHeading);
-    const Look look = LookOf(row.fate);
+RowText TextOf(const Row& row, bool details) {
+    const Look look = LookOf(row);
+    RowText told{look.sign, look.tone, reading::Label(row.setting.kind), MainText(row), {}};
     const bool acted = row.fate == Fate::kChange || row.fate == Fate::kFailed;
     if (row.setting.kind == Setting::Kind::kRoutes && acted) {
-        PrintRoutes(row, output);
-    } else {
-        output.Line(Line(look.sign, LeftSide(row), RightSide(row)), look.tone);
+        const std::string failure = row.fate == Fate::kFailed ? " fails: " + row.reason : "";
+        TellRoutes(row, details, told);
+        told.text += failure;
     }
     for (const std::string& note : row.setting.notes) {
         if (note != row.reason) {
-            output.Line("    " + note, Tone::kQuiet);
+            told.below.push_back({note, Tone::kQuiet});
         }
     }
+    for (const ChangingCall& call : row.calls) {
+        if (details) {
+            told.below.push_back({"call: " + CallText(call), Tone::kQuiet});
+        }
+    }
+    return told;
+}
+
+std::string PlaceText(const Row& row) {
+    return ":" + std::to_string(row.setting.at.place.line);
+}
+
+std::string StepText(const Row& row) {
+    return ListText(row.current) + " -> " + ListText(row.wanted);
+}
+
+std::string CountsText(const Counts& counts) {
+    std::string text = counts.changes == 0   ? "no changes"
+                       : counts.changes == 1 ? "1 change"
+                                             : std::to_string(counts.changes) + " changes";
+    AddPart(text, counts.alreadySet, "already set");
+    AddPart(text, counts.skipped, "skipped");
+    AddPart(text, counts.failed, "failed");
+    AddPart(text, counts.waiting, "after the restart");
+    AddPart(text, counts.notAttempted, "not attempted");
+    AddPart(text, counts.leftAlone, "left alone");
+    AddPart(text, counts.ignored, "without effect");
+    return text;
 }
 
 }  // namespace host::configure

@@ -1,6 +1,7 @@
 #include "host/configure/Steps.h"
 
 #include "common/logging/Phrases.h"
+#include "common/util/Strings.h"
 #include "host/configure/Announcement.h"
 #include "host/configure/FailureReading.h"
 
@@ -17,7 +18,7 @@ std::optional<ChangingCall> ReadCall(const std::vector<machine::TraceEntry>& cal
     if (call.function == "ExecMethod") {
         changing.name = call.Argument("method");
         changing.parameters = call.Argument("in");
-        changing.onAdapter = call.Argument("path").starts_with("Win32_NetworkAdapterConf");
+        changing.onAdapter = !call.Argument("path").starts_with("Win32_ComputerSystem");
         changing.value = call.outcome.value_or(call.code);
         return changing;
     }
@@ -87,6 +88,16 @@ std::vector<Step> ReadSteps(const Run& run) {
 }
 
 }  // namespace
+
+std::string FailureText(const Failure& failure) {
+    if (failure.code == 0) {
+        return failure.text;
+    }
+    const auto code = static_cast<std::uint32_t>(failure.code);
+    constexpr std::uint32_t kFirstHresult = 0x80000000;
+    return failure.text +
+           (code < kFirstHresult ? util::Format(" (%u)", code) : util::Format(" (0x%08X)", code));
+}
 
 Story ReadStory(const Run& run) {
     Story story;

@@ -53,6 +53,9 @@ struct Failure {
     std::optional<std::uint32_t> adapter;  ///< the WMI index of the adapter that the call concerns
 };
 
+/// Why it failed, with the code: "IP is not enabled on the adapter (84)".
+std::string FailureText(const Failure& failure);
+
 struct Story {
     std::vector<Step> steps;
     std::optional<Failure> failure;

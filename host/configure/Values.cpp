@@ -172,7 +172,9 @@ Texts WantedValues(const Setting& setting) {
 std::string ListText(const Texts& values) {
     std::string text;
     for (const std::string& value : values) {
-        text += (text.empty() ? "" : ", ") + value;
+        // Blanks at an end would look like the list's own.
+        const bool quoted = value != util::TrimBlanks(value) || value.empty();
+        text += (text.empty() ? "" : ", ") + (quoted ? "\"" + value + "\"" : value);
     }
     return text.empty() ? "none" : text;
 }

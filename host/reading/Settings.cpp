@@ -7,6 +7,7 @@
 #include "common/config/Event.h"
 #include "common/util/Strings.h"
 #include "toolbox/config/ConfigurationFileEvents.h"
+#include "toolbox/config/ConfigurationKeys.h"
 
 namespace host::reading {
 
@@ -135,7 +136,9 @@ private:
     }
 
     void TakeEvent(const LookUp& lookUp, const Event& event) {
-        const std::string_view value = util::TrimBlanks(event.value);
+        // The module reads an address without the blanks around it; all else it takes as it stands.
+        const std::string_view value =
+            event.kind == Kinds::DNS_SUFFIX ? event.value : util::TrimBlanks(event.value);
         switch (event.kind) {
             case Kinds::STATIC:
             case Kinds::IP_INTERFACE:
@@ -179,8 +182,8 @@ private:
         constexpr std::size_t kAll = ConfigurationFileEvents::kRouteFields;
         if (fields.size() < kAll) {
             setting_.notes.push_back("line " + std::to_string(lookUp.source->Line()) +
-                                     ": only fields with a comma behind them count, so that the "
-                                     "route lacks some");
+                                     ": only fields with a comma after them count, so the route "
+                                     "lacks some");
         }
         fields.resize(kAll);
         Add(lookUp, RouteText(fields[0], fields[1], fields[2], util::StringToInt(fields[4])),
@@ -254,6 +257,10 @@ private:
             }
         }
         for (const LookUp* const lookUp : inVain) {
+            if (adapter && LeavesAlone(*lookUp)) {
+                AddLeftAlone(section, *lookUp->source, *adapter);
+                continue;
+            }
             AddUnused(section, *lookUp->source, WhyNothingFollows(section, *lookUp));
         }
         for (const Entry& entry : section.entries) {
@@ -261,6 +268,25 @@ private:
                 AddUnused(section, entry, WhyNotRead(section, entry));
             }
         }
+    }
+
+    /// A number of routes below 0, or no DNS server: the usual ways to say "as it is".
+    static bool LeavesAlone(const LookUp& lookUp) {
+        namespace key = config::key;
+        return (util::NoCaseEqual(lookUp.key, key::kStaticRouteCount) &&
+                util::StringToInt(std::string(lookUp.Text())) < 0) ||
+               (util::NoCaseEqual(lookUp.key, key::kDnsServerCount) && lookUp.Text() == "0");
+    }
+
+    void AddLeftAlone(const Section& section, const Entry& entry, std::size_t adapter) {
+        Setting& setting = settings_.emplace_back();
+        setting.kind =
+            *TopicOf(section.role, entry.key) == Topic::kRoutes ? Kind::kRoutes : Kind::kDnsServers;
+        setting.order = settings_.size();
+        setting.adapter = adapter;
+        setting.at = PlaceOfKey(section, entry);
+        setting.keys = {setting.at};
+        setting.leftAlone = true;
     }
 
     static std::string WhyNothingFollows(const Section& section, const LookUp& lookUp) {

@@ -52,6 +52,7 @@ struct Setting {
     KeyPlace at;                 ///< the key that carries the value
     std::vector<KeyPlace> keys;  ///< all keys that lead to it, `at` among them, by line
     std::vector<Value> wanted;
+    bool leftAlone = false;          ///< the file says that the machine keeps what it has
     std::vector<std::string> notes;  ///< what a reader of the file might not expect
 };
 

@@ -65,7 +65,7 @@ TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
 
 TEST_F(CommandLine, DataAndTheRestGoTheirOwnWays) {
     const Outcome outcome = host_tests::StartHost({"configure", rename_, "--log"});
-    EXPECT_THAT(outcome.data, HasSubstr("Reply: Result=Reboot"));
+    EXPECT_THAT(outcome.data, HasSubstr("\nNext: restart the machine"));
     EXPECT_THAT(outcome.data, Not(HasSubstr("HandleMessage")));
     EXPECT_THAT(outcome.notes, HasSubstr("[1] Configure::HandleMessage\n"));
     // No terminal: neither colours nor progress.

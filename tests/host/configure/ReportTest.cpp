@@ -61,33 +61,56 @@ TEST_F(Report, SaysOfEverySettingWhatBecomesOfItAndWhy) {
     EXPECT_EQ(plan.exitCode, 2U);
     EXPECT_EQ(plan.notes, "");
     EXPECT_EQ(plan.data, R"(Plan for site.ini on box.json
-site.ini:2  Adapter        PCI 3/0/0 "Ethernet 2" (index 7)
-  * Back office                         the next free PCI adapter
-site.ini:4  IP addresses   PCI 3/0/0 "Ethernet 2" (index 7)
-  = 10.0.0.20/255.255.255.0 -> 10.0.0.20/255.255.0.0  )"
-                         R"(skipped although it differs: the module compares the first address alone
-    waits 8 s after static addressing
-site.ini:6  Gateways       PCI 3/0/0 "Ethernet 2" (index 7)
-  = 10.0.0.254                          already set
-site.ini:8  DNS servers    PCI 3/0/0 "Ethernet 2" (index 7)
-  ~ 10.0.0.1 -> 10.0.0.1, 10.0.0.2      SetDNSServerSearchOrder
-site.ini:10  DNS suffixes   PCI 3/0/0 "Ethernet 2" (index 7)
-  = corp.example                        already set
-site.ini:11  Not used
-  x Static-Route-Count                  the module reads it and nothing follows from it here
-site.ini:12  Not used
-  x DHCP                                the key stands in line 3 already, and the first one counts
-site.ini:13  Not used
-  x Speed                               the module does not look for this key here
-site.ini:15  [Printers]
-  x 2 keys                              the module does not read this section
-Plan: 1 change, 2 already right, 1 skipped, 4 without effect. Restart: no.
-Machine, before and after:
-  PCI 3/0/0 "Ethernet 2" (index 7)
-    ~ DNS servers: 10.0.0.1 -> 10.0.0.1, 10.0.0.2
-    ~ DNS servers set by hand: 10.0.0.1 -> 10.0.0.1, 10.0.0.2
-Reply: Result=Success
+site.ini:12:1: warning: "DHCP" stands in line 3 already: the module takes that one and ignores this
+site.ini:13:1: warning: the module ignores the key "Speed"
+site.ini:14:2: warning: the module ignores the section "Printers"
+
+[TCP/IP] Back office, on PCI 3/0/0 "Ethernet 2" (index 7)
+   :4 / IP addresses   has 10.0.0.20/255.255.255.0, the file wants 10.0.0.20/255.255.0.0 )"
+                         R"((skipped: the module compares the first address only)
+                       then waits 8 s for the adapter
+   :6 = Gateways       10.0.0.254, already set
+   :8 ~ DNS servers    10.0.0.1 -> 10.0.0.1, 10.0.0.2
+  :10 = DNS suffixes   corp.example, already set
+  :11   Static routes  left alone
+  :12 x Not used       DHCP: the key stands in line 3 already, and the first one counts
+  :13 x Not used       Speed: the module does not look for this key here
+
+[Printers] 2 keys: the module does not read this section
+
+Plan: 1 change, 2 already set, 1 skipped, 1 left alone, 3 without effect. No restart.
+Next: look at the 3 findings of check (toolbox-host check site.ini).
 )");
+}
+
+TEST_F(Report, DetailsAddTheCallsAndWhatNoSettingTells) {
+    machine::State machine = OneAdapter();
+    machine.adapters[0].dhcpLease = machine::DhcpLease{{"10.0.0.77"}, {"255.0.0.0"}, {}, {}, ""};
+    const std::string dhcp =
+        "[TCP/IP]\nDescription=x\nDHCP=true\nDNS-Server-Count=0\n"
+        "DNS-SuffixSearchOrder=corp.example,example\nStatic-Route-Count=-1\n";
+    const std::string usual = R"([TCP/IP] x, on PCI 3/0/0 "Ethernet 2" (index 7)
+  :3 ~ DHCP           off -> on
+  :4   DNS servers    left alone: 10.0.0.1, set by hand, stays in spite of DHCP
+  :5 ~ DNS suffixes   corp.example -> corp.example, example
+  :6   Static routes  left alone
+
+Plan: 2 changes, 2 left alone. No restart.
+Next: run it without --plan to make the changes.
+)";
+    EXPECT_THAT(Run(dhcp, machine, {"--plan"}).data, testing::EndsWith(usual));
+    const std::string details = Run(dhcp, machine, {"--plan", "--details"}).data;
+    EXPECT_THAT(details, HasSubstr("off -> on\n                      call: EnableDHCP\n"));
+    EXPECT_THAT(details, HasSubstr("What else changes on the machine:\n"
+                                   "  PCI 3/0/0 \"Ethernet 2\" (index 7)\n    ~ IP addresses: "));
+    EXPECT_THAT(details, Not(HasSubstr("~ DHCP: ")));
+    EXPECT_THAT(details, HasSubstr("\nReply: Result=Success\n"));
+    EXPECT_EQ(Run(dhcp, machine, {"--plan", "--summary"}).data,
+              "Plan: 2 changes, 2 left alone. No restart.\n"
+              "Next: run it without --plan to make the changes.\n");
+    std::string blank = dhcp;
+    EXPECT_THAT(Run(blank.insert(blank.find(",example") + 1, " "), machine, {"--plan"}).data,
+                HasSubstr("corp.example, \" example\" fails: invalid domain name (73)"));
 }
 
 TEST_F(Report, FailuresNameTheirPlace) {
@@ -135,8 +158,8 @@ TEST_F(Report, FailuresNameTheirPlace) {
         {"SetDNSServerSearchOrder=91", machine, kOffice,
          "Failed: SetDns (adapter index 7)\n  call: SetDNSServerSearchOrder\n",
          "  code: 91 (0x5B), access denied\n  status code of the reply: 4 (0x4)\n"
-         "  done: nothing\n  not attempted: DNS suffixes (site.ini:10)\n"
-         "Machine: nothing changed.\n"},
+         "  done: nothing\n  not attempted: DNS suffixes (:10)\n"
+         "Reply: Result=Failure, Status-Module=Win32, Status-Code=4\nNext: "},
         {"route#2=7", machine, routes,
          "Failed: SetStaticRoute\n  call: route -p ADD 10.2.0.0 mask 255.255.0.0 10.0.0.9 METRIC 1",
          "code: 7 (0x7), the program's exit code"},
@@ -173,8 +196,8 @@ TEST_F(Report, WhatIsReadAfterACommandIsNotBlamedOnIt) {
     ASSERT_NE(point, 0U);
     const Outcome run = Run(kOffice, OneAdapter(), {"--fail", "call:" + std::to_string(point)});
     EXPECT_THAT(run.data, HasSubstr("Failed: reading a present setting after SetDns"));
-    EXPECT_THAT(run.data, HasSubstr("  done: DNS servers (site.ini:8)\n"
-                                    "  not attempted: DNS suffixes (site.ini:10)\n"));
+    EXPECT_THAT(run.data, HasSubstr("  done: DNS servers (:8)\n"
+                                    "  not attempted: DNS suffixes (:10)\n"));
 }
 
 TEST_F(Report, TheRestartStoryLooksAhead) {
@@ -185,17 +208,24 @@ TEST_F(Report, TheRestartStoryLooksAhead) {
         "DNSDomain=corp.example\nComputerName=PC7\n";
     const Outcome run = Run(join, machine);
     EXPECT_EQ(run.exitCode, 3U);
-    EXPECT_THAT(run.data, HasSubstr(R"(site.ini:5  Domain
-  > workgroup WORKGROUP -> domain corp.example  after the restart
-site.ini:6  Computer name
-  ~ BOX -> PC7                          Rename
-Run: 1 change, 0 already right, 1 after the restart. Restart: yes.
+    EXPECT_THAT(run.data,
+                testing::EndsWith(R"(
+  :5 > Domain         workgroup WORKGROUP -> domain corp.example )"
+                                  R"((after the restart; no computer object yet: creates it)
+  :6 ~ Computer name  BOX -> PC7
+
+Run: 1 change, 1 after the restart. Restart needed.
+With the restart: computer name PC7.
+The file stays and is sent again: 1 change then, marked ">", and another restart.
+Next: restart the machine and send the file again; --until-done does both.
 )"));
-    EXPECT_THAT(run.data, HasSubstr(R"(Restart:
-  takes effect with it: computer name PC7
-  the file stays and is sent again; then:
-    site.ini:5  Domain: workgroup WORKGROUP -> domain corp.example     JoinDomainOrWorkgroup)"));
-    EXPECT_THAT(run.data, HasSubstr("\n  and the module asks for one more restart\nReply: "));
+    // A plan looks there too, with the faults that are to come.
+    for (const char* fault : {"JoinDomainOrWorkgroup=1326", "Rename=1326"}) {
+        const Outcome plan = Run(join, machine, {"--plan", "--summary", "--fail", fault});
+        EXPECT_EQ(plan.exitCode, 1U) << fault;
+        EXPECT_THAT(plan.data, HasSubstr(": the account's name or password is wrong (1326).\n"));
+        EXPECT_THAT(plan.data, testing::EndsWith("Next: remove the cause and plan again.\n"));
+    }
 }
 
 TEST_F(Report, ARestartThatIsNotReportedIsToldAllTheSame) {
@@ -205,9 +235,10 @@ TEST_F(Report, ARestartThatIsNotReportedIsToldAllTheSame) {
     EXPECT_EQ(run.exitCode, 1U);
     EXPECT_THAT(run.data,
                 HasSubstr("the run stopped for one, and the module calls that a failure"));
-    EXPECT_THAT(run.data, HasSubstr("Restart: needed, and not reported."));
-    EXPECT_THAT(run.data, HasSubstr("RebootAfterConfig is false: the file is put away"));
-    EXPECT_THAT(run.data, HasSubstr("Reply: Result=Failure, Status-Module=Tovrune, Status-Code=3"));
+    EXPECT_THAT(run.data, HasSubstr("Restart needed, and not reported."));
+    EXPECT_THAT(run.data, HasSubstr("RebootAfterConfig is false: the module puts the file away"));
+    EXPECT_THAT(run.data,
+                HasSubstr("\nNext: restart the machine and send the file again yourself"));
     // The marker stands at the end: the adapter's settings had their turn.
     EXPECT_THAT(run.data, Not(HasSubstr("not attempted")));
 }

@@ -44,7 +44,7 @@ Run MakeRun(const std::vector<std::string>& lines, const std::string& result,
 std::string Fates(const std::vector<Setting>& settings, const Run& run) {
     std::string text;
     for (const Row& row : MakeRows(settings, run, ReadStory(run), nullptr)) {
-        if (row.fate != Fate::kLabel && row.fate != Fate::kIgnored) {
+        if (row.fate != Fate::kLabel && row.fate != Fate::kLeftAlone) {
             text += (text.empty() ? "" : " ") + std::string(Identifier(row.setting.kind)) + ":" +
                     Identifier(row.fate);
         }
@@ -88,7 +88,7 @@ TEST(Story, FatesFollowFromTheLogAlone) {
          "addresses:already-set gateways:failed dns-servers:not-attempted "
          "dns-suffixes:not-attempted domain:not-attempted computer-name:not-attempted "
          "dhcp:not-attempted dns-suffixes:not-attempted"},
-        {"stopped after the rename: the join goes behind it",
+        {"stopped after the rename: the join comes after it",
          MakeRun(
              {kFirstNic, kFirstIndex, std::string(kRun) + "ChangeCompName (Name=PC7 {User=***})"},
              "Reboot"),

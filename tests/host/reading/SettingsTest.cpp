@@ -89,9 +89,9 @@ TEST(Settings, KeysWithoutEffectSayWhy) {
         "3 adapter 3 = x",
         "4 dhcp 4 = on",
         "5 unused 5; the key stands in line 4 already, and the first one counts",
-        "6 unused 6; the module reads it and nothing follows from it here",
+        "6 dns-servers 6",
         "7 dns-suffixes 7 = a",
-        "8 unused 8; the module reads it and nothing follows from it here",
+        "8 routes 8",
         "9 unused 9; the module does not look for this key here",
         "11 unused 11,12; the module does not read this section",
         "14 unused 14; the section has no Description: the module makes no adapter of it",
@@ -110,7 +110,7 @@ TEST(Settings, LostRouteFieldsAndRefusedFilesAreNoted) {
                      "Route0=10.1.0.0,255.255.0.0,10.0.0.9\n")
                     .back(),
                 testing::StartsWith("7 routes 6,7 = 10.1.0.0 mask 255.255.0.0 via ? metric 0; "
-                                    "line 7: only fields with a comma behind them count"));
+                                    "line 7: only fields with a comma after them count"));
     EXPECT_EQ(Read("[TCP/IP]\nDescription=x\nDHCP=true\nDNS-Server-Count=100001\n"
                    "[Networking]\nComputerName=PC7\n")
                   .back(),

@@ -1,0 +1,47 @@
+#include "host/configure/Sections.h"
+
+#include <algorithm>
+
+#include "common/util/Strings.h"
+#include "host/configure/Values.h"
+
+namespace host::configure {
+
+std::vector<SectionRows> GroupBySection(const std::vector<Row>& rows) {
+    std::vector<SectionRows> sections;
+    for (const Row& row : rows) {
+        const std::string& name = row.setting.at.section;
+        auto section = std::find_if(
+            sections.rbegin(), sections.rend(),
+            [&name](const SectionRows& known) { return util::NoCaseEqual(known.name, name); });
+        if (section == sections.rend()) {
+            sections.push_back({name, nullptr, nullptr, {}});
+            section = sections.rbegin();
+        }
+        if (row.setting.kind == Setting::Kind::kAdapter) {
+            section->adapter = &row;
+        } else if (row.setting.kind == Setting::Kind::kUnused && row.setting.at.key.empty()) {
+            section->unread = &row;
+        } else {
+            section->rows.push_back(&row);
+        }
+    }
+    return sections;
+}
+
+std::string HeadingOf(const SectionRows& section) {
+    std::string heading = "[" + section.name + "]";
+    if (section.adapter != nullptr) {
+        const Row& row = *section.adapter;
+        heading += " " + ListText(row.wanted) +
+                   (row.adapter.empty() ? ", no adapter: " + row.reason : ", on " + row.adapter);
+    }
+    if (section.unread != nullptr) {
+        const std::size_t keys = section.unread->setting.keys.size();
+        heading += " " + std::to_string(keys) + (keys == 1 ? " key: " : " keys: ") +
+                   section.unread->reason;
+    }
+    return heading;
+}
+
+}  // namespace host::configure
