@@ -36,14 +36,6 @@ TEST_F(LedgerTest, FindsAnInterfaceThatIsKeptAndAReleaseTooMany) {
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE);
 }
 
-[[gnu::noinline]] IWbemLocator* MakeLocator() {
-    IWbemLocator* locator = nullptr;
-    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
-                     reinterpret_cast<void**>(&locator));
-    return locator;
-}
-
 TEST_F(LedgerTest, FindsKeysHandlesAndInitialisationsThatAreKept) {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
@@ -72,17 +64,6 @@ TEST_F(LedgerTest, FindsKeysHandlesAndInitialisationsThatAreKept) {
     EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
     EXPECT_EQ(simulation_.GetLedger().Misuse().size(), 1U);
     simulation_.GetLedger().Clear();
-}
-
-TEST(LedgerLifetime, AnInterfaceThatOutlivesTheSimulationCanStillBeReleased) {
-    IWbemLocator* locator = nullptr;
-    {
-        Simulation simulation(DefaultState());
-        simulation.Attach(GetModuleHandleA(nullptr));
-        locator = MakeLocator();
-    }
-    ASSERT_NE(locator, nullptr);
-    EXPECT_EQ(locator->Release(), 0U);
 }
 
 TEST(ComMemoryBalance, CountsWhatIsNotFreed) {

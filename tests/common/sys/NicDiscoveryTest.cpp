@@ -227,20 +227,6 @@ TEST_F(Discovery, KnowsServersThatWereSetByHand) {
     }
 }
 
-TEST_F(Discovery, FindsAnAdapterByItsPlace) {
-    machine.state.adapters = {native::PciAdapter(7, 2), native::PciAdapter(8, 2),
-                              native::PciAdapter(9, 3)};
-    machine.state.adapters[2].pciLocation = "PCI bus 3, device 4, function 5";
-    sys::NicList list;
-    EXPECT_EQ(sys::findNicIndexByPciLocation(list, 2, 0, 0), -1);
-    sys::fillNicList(list);
-    EXPECT_EQ(sys::findNicIndexByPciLocation(list, 2, 0, 0), 7);  // the first of two
-    EXPECT_EQ(sys::findNicIndexByPciLocation(list, 3, 4, 5), 9);
-    for (const std::uint32_t bus : {0U, 3U, 65538U, 0xFFFFFFFFU}) {
-        EXPECT_EQ(sys::findNicIndexByPciLocation(list, bus, 0, 0), -1) << bus;
-    }
-}
-
 TEST_F(Discovery, MakesTheProcessesTreeOnceItCanBeRead) {
     machine.state.adapters = {CompleteAdapter(), native::PciAdapter(9, 3)};
     machine.state.routes = {{"10.0.0.0", "255.0.0.0", "10.1.1.1", 5}};
