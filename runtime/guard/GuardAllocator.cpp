@@ -85,7 +85,9 @@ public:
         const std::size_t first = FindRoom(pages);
         std::byte* const data = base_ + first * kPage;
         std::byte* const start = data + (pages - 1) * kPage - room;
-        if (room != 0 && VirtualAlloc(data, room, MEM_COMMIT, PAGE_READWRITE) == nullptr) {
+        const void* const committed =
+            room == 0 ? data : VirtualAlloc(data, room, MEM_COMMIT, PAGE_READWRITE);
+        if (committed == nullptr) {
             return nullptr;
         }
         std::memset(start, 0xA5, room);
