@@ -29,6 +29,10 @@ struct FreeBlock {
     FreeBlock* next;
 };
 
+Head* HeadOf(void* block) {
+    return static_cast<Head*>(block) - 1;
+}
+
 class Lists {
 public:
     void* Take(std::size_t list) {
@@ -41,9 +45,10 @@ public:
         if (committed_ - used_ < size && !CommitPiece()) {
             return nullptr;
         }
-        auto* const head = new (room_ + used_) Head{list};
+        std::byte* const block = room_ + used_ + sizeof(Head);
+        HeadOf(block)->list = list;
         used_ += size;
-        return head + 1;
+        return block;
     }
 
     bool Have(const void* block) const noexcept {
@@ -51,7 +56,7 @@ public:
     }
 
     void Give(void* block) {
-        const std::size_t list = (static_cast<Head*>(block) - 1)->list;
+        const std::size_t list = HeadOf(block)->list;
         const std::lock_guard lock(lock_);
         free_[list] = new (block) FreeBlock{free_[list]};
     }
@@ -62,8 +67,12 @@ private:
             room_ =
                 static_cast<std::byte*>(VirtualAlloc(nullptr, kRoom, MEM_RESERVE, PAGE_NOACCESS));
         }
-        if (room_ == nullptr || kRoom - committed_ < kPiece ||
-            VirtualAlloc(room_ + committed_, kPiece, MEM_COMMIT, PAGE_READWRITE) == nullptr) {
+        if (room_ == nullptr || kRoom - committed_ < kPiece) {
+            return false;
+        }
+        const void* const piece =
+            VirtualAlloc(room_ + committed_, kPiece, MEM_COMMIT, PAGE_READWRITE);
+        if (piece == nullptr) {
             return false;
         }
         committed_ += kPiece;
