@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include "machine/ComMemoryBalance.h"
 #include "tests/machine/RawWmi.h"
 #include "tests/machine/SimulatedTest.h"
 
@@ -64,19 +63,6 @@ TEST_F(LedgerTest, FindsKeysHandlesAndInitialisationsThatAreKept) {
     EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
     EXPECT_EQ(simulation_.GetLedger().Misuse().size(), 1U);
     simulation_.GetLedger().Clear();
-}
-
-TEST(ComMemoryBalance, CountsWhatIsNotFreed) {
-    ComMemoryBalance balance;
-    BSTR text = SysAllocString(L"kept");
-    SysFreeString(SysAllocString(L"freed"));
-    SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, 2);
-    EXPECT_GE(balance.OutstandingBlocks(), 2U);
-    const ComMemoryBalance later;
-    EXPECT_EQ(later.OutstandingBlocks(), 0U);
-    SysFreeString(text);
-    SafeArrayDestroy(array);
-    EXPECT_EQ(balance.OutstandingBlocks(), 0U);
 }
 
 }  // namespace

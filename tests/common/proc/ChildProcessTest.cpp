@@ -139,21 +139,6 @@ TEST(ChildProcess, DestructorWaitsThenEndsTheChild) {
     }
 }
 
-TEST(ChildProcess, StartUpInformationPointsAtTheDefaultPipes) {
-    logging::NullLogSink log;
-    CChildProcess child(log, INFINITE);
-    STARTUPINFOA info{};
-    info.dwFlags = STARTF_FORCEOFFFEEDBACK;
-    child.InitializeStartupInfo(info);
-    EXPECT_EQ(info.cb, sizeof info);
-    EXPECT_EQ(info.dwFlags, DWORD{STARTF_FORCEOFFFEEDBACK | STARTF_USESTDHANDLES});
-    EXPECT_EQ(info.hStdError, info.hStdOutput);
-    for (HANDLE const handle : {info.hStdInput, info.hStdOutput}) {
-        EXPECT_TRUE(IsInherited(handle));
-        CloseHandle(handle);
-    }
-}
-
 TEST(PipeCapture, GivesTheChildItsEndsAndEchoesToTheRestoredHandles) {
     const StandardHandles standard;
     PipeCapture capture;

