@@ -177,4 +177,18 @@ TEST(IniFile, AMergingLoadReplacesWhatDiffersAndSaysSo) {
     }
 }
 
+TEST(IniFile, TheFirstLineSaysHowLinesEnd) {
+    const std::pair<const char*, IniFile::LineEnding> cases[] = {
+        {"[A]", IniFile::LineEnding::kNone},
+        {"[A]\nk=v\r\n", IniFile::LineEnding::kLineFeed},
+        {"[A]\r\nk=v\n", IniFile::LineEnding::kCarriageReturnLineFeed},
+    };
+    for (const auto& [text, ending] : cases) {
+        const ScratchFile scratch(text);
+        IniFile file;
+        ASSERT_EQ(file.Load(scratch.Path(), false), IniFile::kSuccess);
+        EXPECT_EQ(file.Ending(), ending) << text;
+    }
+}
+
 }  // namespace

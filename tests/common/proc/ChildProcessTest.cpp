@@ -5,6 +5,7 @@
 
 #include <fstream>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -93,6 +94,10 @@ TEST(ChildProcess, RunningAsAnotherUserIsOnlyLogged) {
         "ExecuteAsUser:Execute()"};
     EXPECT_EQ(log.lines, expected);
     EXPECT_EQ(GetFileAttributesA(mark.c_str()), INVALID_FILE_ATTRIBUTES);
+    // It has let go of the object, which another thread may use.
+    std::thread([&child] {
+        EXPECT_EQ(child.ExecuteCmd(nullptr, "x", "someone", {}, true, 0, nullptr), -1);
+    }).join();
 }
 
 /// Starts a child that sleeps and returns a handle to it, once it lives.
