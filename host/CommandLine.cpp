@@ -17,6 +17,7 @@
 #include "host/Text.h"
 #include "host/check/CheckCommand.h"
 #include "host/configure/ConfigureCommand.h"
+#include "host/init/InitCommand.h"
 #include "host/snapshot/SnapshotCommand.h"
 
 namespace host {
@@ -137,6 +138,7 @@ int Run(int argc, const char* const* argv, TextStream& data, TextStream& notes) 
         options.colours);
     configure::AddConfigureCommand(app, options, action);
     snapshot::AddSnapshotCommand(app, action);
+    init::AddInitCommand(app, options, action);
     check::AddCheckCommand(app, action);
     AddMessageCommands(app, options, action);
 

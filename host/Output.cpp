@@ -121,6 +121,10 @@ void Output::Raw(std::string_view text) {
     rawPrinted_ = true;
 }
 
+void Output::File(std::string_view text) {
+    Raw(data_.Leads().isTerminal ? ToUtf8(text) : text);
+}
+
 int Output::Finish(int exitCode) {
     Progress({});
     if (IsJson() && !rawPrinted_) {

@@ -47,6 +47,9 @@ public:
     /// Data that is a document of its own, in UTF-8: printed as it is in either format, in place of
     /// the object.
     void Raw(std::string_view text);
+    /// Data that is a configuration file: its bytes in either format, in the system code page, and
+    /// as UTF-8 on a terminal.
+    void File(std::string_view text);
     /// Prints the object. To be called once, at the end, whatever the outcome. Returns the exit
     /// code: the given one, or another where the data could not be written.
     int Finish(int exitCode);

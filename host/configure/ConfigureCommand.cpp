@@ -16,7 +16,6 @@
 #include "host/configure/MachineFiles.h"
 #include "host/configure/Passes.h"
 #include "host/configure/Report.h"
-#include "host/snapshot/Snapshot.h"
 #include "machine/State.h"
 
 namespace host::configure {
@@ -25,8 +24,7 @@ namespace {
 
 struct ConfigureOptions {
     std::string file;
-    std::string machineFile;
-    bool thisMachine = false;
+    MachineChoice machine;
     bool yes = false;
     bool plan = false;
     bool untilDone = false;
@@ -41,7 +39,7 @@ struct ConfigureOptions {
 
 /// Combinations that the parser cannot express.
 void CheckCombination(const ConfigureOptions& options) {
-    const bool real = options.thisMachine && !options.plan;
+    const bool real = options.machine.thisMachine && !options.plan;
     if (real && !options.yes) {
         throw HostError(
             "--this-machine changes this machine: add --yes to do that, or --plan to "
@@ -63,31 +61,13 @@ void CheckCombination(const ConfigureOptions& options) {
 /// A report must not end where the next run would read.
 void CheckFiles(const CommonOptions& common, const ConfigureOptions& options) {
     const NamedFile configuration{"the configuration file", options.file};
-    const NamedFile machine{"the machine file", options.machineFile};
+    const NamedFile machine{"the machine file", options.machine.file};
     const NamedFile module{"the module", common.module};
     RefuseToOverwrite(
         {"--trace", options.traceFile},
         {configuration, machine, module, {"what --save-machine writes", options.saveFile}});
     // A machine file may become what its run makes of it.
     RefuseToOverwrite({"--save-machine", options.saveFile}, {configuration, module});
-}
-
-std::string MachineName(const ConfigureOptions& options) {
-    return options.thisMachine           ? "this machine"
-           : options.machineFile.empty() ? "the embedded machine"
-                                         : options.machineFile;
-}
-
-machine::State ReadMachine(const ConfigureOptions& options, Output& output) {
-    if (!options.thisMachine) {
-        return options.machineFile.empty() ? machine::DefaultState()
-                                           : LoadMachine(options.machineFile);
-    }
-    snapshot::Snapshot taken = snapshot::TakeSnapshot();
-    for (const std::string& note : taken.notes) {
-        output.Note(note);
-    }
-    return std::move(taken.state);
 }
 
 bool HasAccounts(const machine::State& machine) {
@@ -126,10 +106,10 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     // Before the run, which may take the file away.
     const check::CheckedFile checked = check::CheckFile(options.file);
     Outcome outcome;
-    if (options.thisMachine && !options.plan) {
+    if (options.machine.thisMachine && !options.plan) {
         outcome = RunHere(request);
     } else {
-        const machine::State machine = ReadMachine(options, output);
+        const machine::State machine = options.machine.Read(output);
         outcome = RunPasses(request, machine);
     }
     output.Progress({});
@@ -138,8 +118,8 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     }
     if (!options.saveFile.empty()) {
         const bool keep =
-            options.withPasswords || (!options.machineFile.empty() &&
-                                      util::IsSameFile(options.machineFile, options.saveFile));
+            options.withPasswords || (!options.machine.file.empty() &&
+                                      util::IsSameFile(options.machine.file, options.saveFile));
         SaveMachine(outcome.machine, options.saveFile, keep);
         if (!keep && HasAccounts(outcome.machine)) {
             output.Note(options.saveFile +
@@ -147,15 +127,16 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
                         "--with-passwords saves them too");
         }
     }
-    const std::string machineName = MachineName(options);
+    const std::string machineName = options.machine.Name();
     output.Document() = ToJson(outcome, checked, options.file, machineName);
-    PrintReport(outcome,
-                {options.file, machineName, options.thisMachine, options.plan, options.untilDone,
-                 options.summary   ? Extent::kSummary
-                 : options.details ? Extent::kDetails
-                                   : Extent::kUsual,
-                 checked},
-                output);
+    PrintReport(
+        outcome,
+        {options.file, machineName, options.machine.thisMachine, options.plan, options.untilDone,
+         options.summary   ? Extent::kSummary
+         : options.details ? Extent::kDetails
+                           : Extent::kUsual,
+         checked},
+        output);
     if (options.log) {
         for (const Pass& pass : outcome.passes) {
             for (const Mark& mark : pass.run.log) {
@@ -180,14 +161,7 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
         ->required()
         ->type_name("FILE")
         ->check(NotEmpty());
-    CLI::Option* const machine =
-        command
-            ->add_option("--machine", options->machineFile,
-                         "A machine file to run against, else an embedded machine")
-            ->type_name("FILE")
-            ->check(NotEmpty());
-    command->add_flag("--this-machine", options->thisMachine, "Run against the real machine")
-        ->excludes(machine);
+    AddMachineOptions(*command, options->machine);
     command->add_flag("--yes", options->yes, "Yes, change the real machine");
     command->add_flag("--plan", options->plan,
                       "Change nothing; exit code 2 when there would be changes");

@@ -6,6 +6,7 @@
 
 #include "host/Files.h"
 #include "host/HostError.h"
+#include "host/snapshot/Snapshot.h"
 #include "machine/MachineFile.h"
 
 namespace host::configure {
@@ -50,6 +51,29 @@ machine::State LoadMachine(const std::string& file) {
     } catch (const machine::MachineFileError& error) {
         throw HostError(file + ": " + error.what(), kBadInput);
     }
+}
+
+std::string MachineChoice::Name() const {
+    return thisMachine ? "this machine" : file.empty() ? "the embedded machine" : file;
+}
+
+machine::State MachineChoice::Read(Output& output) const {
+    if (!thisMachine) {
+        return file.empty() ? machine::DefaultState() : LoadMachine(file);
+    }
+    snapshot::Snapshot taken = snapshot::TakeSnapshot();
+    for (const std::string& note : taken.notes) {
+        output.Note(note);
+    }
+    return std::move(taken.state);
+}
+
+void AddMachineOptions(CLI::App& command, MachineChoice& choice) {
+    CLI::Option* const machine =
+        command.add_option("--machine", choice.file, "A machine file, else an embedded machine")
+            ->type_name("FILE")
+            ->check(NotEmpty());
+    command.add_flag("--this-machine", choice.thisMachine, "The real machine")->excludes(machine);
 }
 
 void SaveMachine(machine::State machine, const std::string& file, bool withPasswords) {

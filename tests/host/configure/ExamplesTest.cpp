@@ -77,6 +77,16 @@ TEST_P(Examples, PlanAndRunSayTheSameAndSettle) {
     EXPECT_TRUE(again.at("passes").at(0).at("changes").empty());
 }
 
+TEST_P(Examples, WhatInitWritesChangesNothing) {
+    const Files files;
+    const std::string machine = Path(GetParam(), ".json");
+    EXPECT_EQ(host_tests::RunHost({"init", "--machine", machine, "-o", "it.ini"}).data,
+              "wrote it.ini\n");
+    EXPECT_EQ(ReadFile("it.ini"), host_tests::RunHost({"init", "--machine", machine}).data);
+    const Json plan = ConfigureJson({"it.ini", "--machine", machine, "--plan"}, 0);
+    EXPECT_EQ(plan.at("passes").at(0).at("counts").at("changes"), 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     All, Examples,
     testing::Values(

@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "host/Module.h"
 #include "host/check/FileCheck.h"
+#include "host/init/MachineInFile.h"
 #include "machine/Actions.h"
 #include "machine/MachineFile.h"
 #include "tests/host/check/RandomFile.h"
@@ -179,6 +181,77 @@ TEST(Settling, RandomConfigurationsOnRandomMachines) {
     for (const char* const reached :
          {"joins", "leaves", "renames", "moves", "routes", "static addresses", "restarts"}) {
         EXPECT_GT(figures[reached], 0U) << reached;
+    }
+}
+
+/// What a file can say only in part, or not at all.
+void AddOddities(machine::State& state, check_tests::RandomFile& random) {
+    const auto now = [&random] { return random.Below(8) == 0; };
+    for (machine::Adapter& adapter : state.adapters) {
+        adapter.ipEnabled = !now();
+        if (now()) {
+            adapter.gateways.reset();
+        }
+        if (now()) {
+            adapter.dnsServers = adapter.staticDns = {"10.0.0.3", "10.0.0.4"};
+        }
+        if (now()) {
+            adapter.dnsServers.reset();
+            adapter.staticDns.clear();
+        }
+        if (now()) {
+            adapter.ipAddress->push_back("fe80::7");
+            adapter.ipSubnet->push_back("64");
+        }
+        if (now() && now()) {
+            (now() ? adapter.gateways : adapter.ipAddress) = machine::TextList{"fe80::1"};
+        }
+        adapter.connectionName = now() ? "LAN\r\nDHCP=true" : " LAN";
+    }
+    if (now()) {
+        state.dnsSuffixes =
+            random.Below(2) == 0 ? machine::TextList{} : machine::TextList{"a.example", "b,c "};
+    }
+    for (int defaults = random.Below(3); defaults > 0; --defaults) {
+        state.routes.push_back({"0.0.0.0", "0.0.0.0", "10.0.0." + std::to_string(defaults), 3});
+    }
+    if (now()) {
+        state.membership = machine::Membership::OfWorkgroup(now() ? " SALES" : "");
+    }
+    if (now()) {
+        state.pendingComputerName = "PC-NEXT";
+    }
+}
+
+TEST(Describing, WhatDescribesARandomMachineChangesNothingOnIt) {
+    const std::uint64_t machines = support::SampleOf(40, 400, 400);
+    check_tests::RandomFile random(30'000, 40);
+    Figures& figures = FiguresOf("files that describe random machines");
+    for (std::uint64_t i = 0; i < machines && !HasFailure(); ++i) {
+        NotePoint("machine " + std::to_string(i));
+        machine::State machine = RandomMachine(random);
+        AddOddities(machine, random);
+        const std::string text =
+            host::init::DescribeInFile(host::Module::DefaultPath(), machine, "it");
+        const Subject subject{"described", text, std::nullopt, machine};
+        Trial trial(subject);
+        EXPECT_FALSE(Foresee(subject, trial.File().Present()).hasErrors);
+        const requests::RunResult run = trial.Run();
+        EXPECT_EQ(run.reply.at("Result"), "Success");
+        EXPECT_FALSE(HadEffect(run));
+        EXPECT_EQ(trial.Machine().GetState(), machine);
+        ++figures["machines"];
+        figures["with sections"] += text.find("\nDescription=") != std::string::npos;
+        figures["with sections aside"] += text.find("\n; Description=") != std::string::npos;
+        figures["with routes"] += text.find("\nRoute0=") != std::string::npos;
+        figures["with a suffix list that no file can say"] +=
+            text.find("\nDNS-SuffixSearchOrder=\n") != std::string::npos;
+        if (HasFailure()) {
+            std::printf("%s\n%s\n", text.c_str(), machine::FormatState(machine).c_str());
+        }
+    }
+    for (const auto& [name, count] : figures) {
+        EXPECT_GT(count, 0U) << name;
     }
 }
 
