@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kStep = 16;      // also the alignment and the size of a block's head
 constexpr std::size_t kLargest = 512;  // that the lists serve
-constexpr std::size_t kPiece = 256 * 1024;
+constexpr std::size_t kPiece = std::size_t{256} << 10;
 constexpr std::size_t kRoom = std::size_t{4} << 30;  // of address space, for all pieces
 
 /// Before every block of a list: which one.
