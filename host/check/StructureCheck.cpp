@@ -16,6 +16,31 @@ using Kind = IniFile::Line::Kind;
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
+/// Whether there are bytes beyond ASCII, all of them in characters of UTF-8.
+bool HasUtf8(std::string_view bytes) {
+    bool any = false;
+    std::size_t following = 0;
+    for (const char character : bytes) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (following > 0) {
+            if ((byte & 0xC0) != 0x80) {
+                return false;
+            }
+            --following;
+        } else if (byte >= 0x80) {
+            following = byte >= 0xC2 && byte < 0xE0   ? 1
+                        : byte >= 0xE0 && byte < 0xF0 ? 2
+                        : byte >= 0xF0 && byte < 0xF5 ? 3
+                                                      : 0;
+            if (following == 0) {
+                return false;
+            }
+            any = true;
+        }
+    }
+    return any && following == 0;
+}
+
 }  // namespace
 
 bool StructureCheck::CheckEncoding() {
@@ -31,23 +56,69 @@ bool StructureCheck::CheckEncoding() {
         if (rest.starts_with('[')) {
             findings_.Error("byte-order-mark", place,
                             "a byte-order mark: the module takes it for text and does not see the "
-                            "header behind it");
+                            "header after it");
         } else {
             findings_.Warning("byte-order-mark", place,
                               "a byte-order mark: the module takes it for text and ignores this "
                               "line");
         }
     }
+    return CheckBytes();
+}
+
+bool StructureCheck::CheckBytes() {
+    const std::string_view bytes = file_.Bytes();
+    const auto placeAt = [&](std::size_t offset, std::size_t length) {
+        return file_.PlaceOf(bytes.substr(offset, length));
+    };
     const std::size_t nul = bytes.find('\0');
-    if (nul != std::string_view::npos) {
-        findings_.Warning("nul-byte", file_.PlaceOf(bytes.substr(nul, 1)),
-                          "a NUL byte: the module keeps it, and Windows reads a text up to it "
-                          "only");
+    if (nul < 2 && bytes.size() > 1) {
+        findings_.Error("utf-16", placeAt(nul, 1),
+                        "the file is UTF-16: the module reads bytes and finds no section in it");
+        return false;
+    }
+    const auto isBinary = [](unsigned char byte) {
+        constexpr std::string_view kOfText = "\t\n\v\f\r\x1A";
+        return byte < ' ' && kOfText.find(static_cast<char>(byte)) == std::string_view::npos;
+    };
+    const auto binary = std::ranges::find_if(bytes, isBinary);
+    if (binary != bytes.end()) {
+        const auto offset = static_cast<std::size_t>(binary - bytes.begin());
+        findings_.Error(*binary == '\0' ? "nul-byte" : "binary", placeAt(offset, 1),
+                        util::Format("byte 0x%02X at offset %llu: no text has it, and Windows "
+                                     "would get it as it stands",
+                                     static_cast<unsigned>(static_cast<unsigned char>(*binary)),
+                                     static_cast<unsigned long long>(offset)));
+    }
+    if (bytes.find('\n') == std::string_view::npos && bytes.find('\r') < bytes.size() - 1) {
+        findings_.Error("line-ends", placeAt(bytes.find('\r'), 1),
+                        "the lines end with a carriage return alone: the module sees a single "
+                        "line and drops all after its first carriage return");
+        return false;
     }
     return true;
 }
 
+/// Where UTF-8 is not said to be. One text that is no UTF-8 clears all others.
+void StructureCheck::CheckForUtf8() {
+    const std::string_view bytes = file_.Bytes();
+    if (!HasUtf8(bytes) || bytes.starts_with(kUtf8Mark)) {
+        return;
+    }
+    for (const IniFile::Line& line : file_.Lines()) {
+        const auto first = std::ranges::find_if(
+            line.text, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
+        if (line.kind != Kind::kComment && first != line.text.end()) {
+            const auto at = static_cast<std::size_t>(first - line.text.begin());
+            findings_.Error("utf-8", file_.PlaceOf(line.text.substr(at, 1)),
+                            "the file is UTF-8: the module reads it in the system code page and "
+                            "takes each byte for a character; save it as ANSI");
+        }
+    }
+}
+
 void StructureCheck::CheckLines() {
+    CheckForUtf8();
     for (std::size_t number = 1; number <= file_.LineCount(); ++number) {
         CheckCarriageReturn(number);
     }
@@ -73,8 +144,8 @@ void StructureCheck::CheckCarriageReturn(std::size_t number) {
     const std::size_t carriageReturn = raw.find('\r');
     if (carriageReturn != std::string_view::npos &&
         raw.find_first_not_of("\r \t", carriageReturn) != std::string_view::npos) {
-        findings_.Warning("carriage-return", {number, carriageReturn + 1, 1},
-                          "a carriage return within the line: the module drops the rest of it");
+        findings_.Error("carriage-return", {number, carriageReturn + 1, 1},
+                        "a carriage return within the line: the module drops the rest of it");
     }
 }
 
@@ -93,7 +164,7 @@ void StructureCheck::CheckContinuations(const IniFile::Line& line, std::size_t l
     const bool secret = reading::IsSecretKey(entry->key);
     findings_.Warning("no-equals-sign", secret ? Place{place.line, place.column, 1} : place,
                       lines +
-                          " without \"=\": the module adds it, behind a line feed, to the "
+                          " without \"=\": the module adds it, after a line feed, to the "
                           "value of " +
                           Quoted(entry->key) + " in " + LineText(entry->Line()));
 }
@@ -117,7 +188,7 @@ void StructureCheck::CheckHeader(const IniFile::Line& line) {
                           "section's name");
     } else if (!behind.empty() && behind.front() != ';' && behind.front() != '#') {
         findings_.Warning("behind-header", file_.PlaceOf(behind),
-                          "the module ignores what stands behind the bracket");
+                          "the module ignores what follows the bracket");
     }
     const reading::Section& section = *file_.Find(line.section);
     if (section.header.line == line.number) {

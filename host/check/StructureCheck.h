@@ -24,6 +24,8 @@ public:
     void CheckKeys();
 
 private:
+    bool CheckBytes();
+    void CheckForUtf8();
     void CheckCarriageReturn(std::size_t number);
     void CheckContinuations(const IniFile::Line& line, std::size_t last);
     void CheckHeader(const IniFile::Line& line);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/config/Event.h"
+#include "common/ipc/IpAddress.h"
 #include "common/util/Strings.h"
 #include "toolbox/config/ConfigurationFileEvents.h"
 #include "toolbox/config/ConfigurationKeys.h"
@@ -146,24 +147,40 @@ private:
                 break;
             case Kinds::IP_ADDRESS:
                 Carry(lookUp);
-                addresses_.push_back(value);
+                addresses_.push_back({AsRead(value), value});
                 break;
             case Kinds::SUBNET_MASK:
-                masks_.push_back(value);
+                masks_.push_back({AsRead(value), value});
                 break;
             case Kinds::DHCP:
                 Add(lookUp, "on", value);
                 break;
+            case Kinds::GATEWAY:
+                Add(lookUp, AsRead(value), value);
+                break;
             case Kinds::DNS_SERVER:
-                if (value == "0.0.0.0") {
+                if (const std::string server = AsRead(value); server != "0.0.0.0") {
+                    Add(lookUp, server, value);
+                } else {
                     Carry(lookUp);
                     setting_.notes.emplace_back("the module passes over the server 0.0.0.0");
-                    break;
                 }
-                [[fallthrough]];
+                break;
             default:
                 Add(lookUp, std::string(value), value);
         }
+    }
+
+    /// The address that the module makes of the text; the text where that is a host's name.
+    std::string AsRead(std::string_view value) {
+        if (!value.empty() && util::IsLetter(value.front())) {
+            return std::string(value);
+        }
+        std::string address = ipc::IPv4Address(std::string(value)).ToString();
+        if (address != value) {
+            setting_.notes.push_back("\"" + std::string(value) + "\" is read as " + address);
+        }
+        return address;
     }
 
     void TakeRoute(const LookUp& lookUp) {
@@ -193,10 +210,10 @@ private:
     void PairAddresses() {
         for (std::size_t i = 0; i < std::max(addresses_.size(), masks_.size()); ++i) {
             const bool hasAddress = i < addresses_.size();
-            std::string pair(hasAddress ? addresses_[i] : "?");
-            pair.append("/").append(i < masks_.size() ? masks_[i] : "?");
+            std::string pair(hasAddress ? addresses_[i].text : "?");
+            pair.append("/").append(i < masks_.size() ? masks_[i].text : "?");
             setting_.wanted.push_back(
-                {std::move(pair), file_.PlaceOf(hasAddress ? addresses_[i] : masks_[i])});
+                {std::move(pair), file_.PlaceOf((hasAddress ? addresses_ : masks_)[i].source)});
         }
     }
 
@@ -212,8 +229,13 @@ private:
     std::vector<const LookUp*> lookUps_;
     Setting setting_;
     const Entry* carrier_ = nullptr;
-    std::vector<std::string_view> addresses_;
-    std::vector<std::string_view> masks_;
+    /// An address as it is read, and where.
+    struct Address {
+        std::string text;
+        std::string_view source;
+    };
+    std::vector<Address> addresses_;
+    std::vector<Address> masks_;
 };
 
 /// The settings of a whole file.

@@ -85,9 +85,24 @@ TEST(CheckFindings, TheFileAsAWhole) {
          "W 0:1 nothing-to-do, E 1:1 byte-order-mark, W 2:1 outside-sections"},
         {"a mark before a comment", "\xEF\xBB\xBF; x\n[Networking]\nComputerName=PC-1\n",
          "W 1:1 byte-order-mark"},
-        {"a NUL", "[Networking]\nComputerName=PC-1\n; \0"s, "W 3:3 nul-byte"},
+        {"UTF-16 without a mark", "[\0G\0"s, "E 1:2 utf-16"},
+        {"a NUL", "[Networking]\nComputerName=PC-1\n; \0"s, "E 3:3 nul-byte"},
+        {"binary data",
+         "[Networking]\nComputerName=PC-1\n; \x7F"
+         "ELF\x02\n",
+         "E 3:7 binary"},
+        {"Macintosh line ends", "[Networking]\rComputerName=PC-1\r", "E 1:13 line-ends"},
+        {"LF CR", "[Networking]\n\rComputerName=PC-1\n\r", "E 2:1 carriage-return"},
+        {"UTF-8",
+         "; \xC3\xBC\n[TCP/IP]\nDescription=B\xC3\xBCro\nDHCP=true\nDNS-Server-Count=0\n"
+         "DNS-SuffixSearchOrder=a.b\nStatic-Route-Count=-1\n",
+         "E 3:14 utf-8"},
+        {"the code page",
+         "[TCP/IP]\nDescription=B\xFCro\nDHCP=true\nDNS-Server-Count=0\n"
+         "DNS-SuffixSearchOrder=a.b\nStatic-Route-Count=-1\n",
+         ""},
         {"a lone carriage return", "[Networking]\nComputerName=PC-1\rWorkgroup=x\n",
-         "W 2:18 carriage-return"},
+         "E 2:18 carriage-return"},
     });
     EXPECT_EQ(host::check::CheckFile("no-such-file.ini").findings.Errors(), 1U);
 }
