@@ -86,6 +86,25 @@ void Describe(int adapters) {
     Write(name + "/etc/netplan/network.yaml", plan);
 }
 
+/// Routes for both programs; the machine has none.
+void DescribeRoutes(int routes) {
+    std::string configuration = util::Format(
+        "[NicEntry1]\nDescription=Adapter 1\nDHCP=true\nDNS-Server-Count=0\n"
+        "DNS-SuffixSearchOrder=corp.example\nStatic-Route-Count=%d\n",
+        routes);
+    std::string plan =
+        "network:\n  version: 2\n  ethernets:\n    eth1:\n      addresses: [10.0.1.2/24]\n"
+        "      routes:\n";
+    for (int i = 0; i < routes; ++i) {
+        configuration += util::Format("Route%d=172.%d.%d.0,255.255.255.0,10.0.1.1,,1,\n", i,
+                                      16 + i / 256, i % 256);
+        plan += util::Format("        - {to: 172.%d.%d.0/24, via: 10.0.1.1, metric: 1}\n",
+                             16 + i / 256, i % 256);
+    }
+    Write("routes.ini", configuration);
+    Write("routes/etc/netplan/network.yaml", plan);
+}
+
 void Measure(const std::string& host, const std::string& run) {
     bench::Compare("./run, with nothing to build",
                    {{"./run --help",
@@ -97,6 +116,31 @@ void Measure(const std::string& host, const std::string& run) {
                          Run({"wine", host, "--help"}, 0);
                      }}},
                    1);
+    const auto plan = [&host](const std::string& machine, const std::string& configuration) {
+        constexpr int kChanges = 2;
+        Run({"wine", host, "configure", "--plan", "--machine", machine, configuration}, kChanges);
+    };
+    constexpr int kRoutes = 10'000;
+    Describe(1);
+    DescribeRoutes(kRoutes);
+    bench::Compare("whole process, 10,000 routes",
+                   {{"netplan generate",
+                     [&] {
+                         Run({"netplan", "generate", "--root-dir", "routes"}, 0);
+                     }},
+                    {"configure --plan",
+                     [&] {
+                         plan("1.json", "routes.ini");
+                     }}},
+                   1);
+    std::vector<bench::Subject> sizes;
+    for (const int adapters : {8, 64, 500}) {
+        Describe(adapters);
+        const std::string name = std::to_string(adapters);
+        sizes.push_back({"configure --plan", [&plan, name] { plan(name + ".json", name + ".ini"); },
+                         static_cast<std::size_t>(adapters)});
+    }
+    bench::Compare("per adapter of 8, 64, 500", sizes, 1);
     for (const int adapters : {1, 8, 64}) {
         Describe(adapters);
         const std::string name = std::to_string(adapters);

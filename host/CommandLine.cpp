@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "common/util/Strings.h"
+#include "host/Completion.h"
 #include "host/ExitCode.h"
 #include "host/Files.h"
 #include "host/HostError.h"
@@ -19,6 +21,7 @@
 #include "host/configure/ConfigureCommand.h"
 #include "host/init/InitCommand.h"
 #include "host/snapshot/SnapshotCommand.h"
+#include "toolbox/config/ModuleVersion.h"
 
 namespace host {
 
@@ -96,6 +99,62 @@ int Perform(const Action& action, Output& output) {
     return output.Finish(exitCode);
 }
 
+/// Thrown where the command line asks for the text instead of anything else.
+struct Printed {
+    std::string text;
+};
+
+/// The program and the module that it is built with have one version.
+std::string VersionText() {
+    return util::Format("toolbox-host %d.%d.%d\n", MODULE_VERSION_MAJOR, MODULE_VERSION_MINOR,
+                        MODULE_VERSION_BUILD);
+}
+
+constexpr const char* kExitCodes =
+    "Exit codes:\n"
+    "    0  done, or nothing to do\n"
+    "    1  failure of the module, the machine or a file; a plan that would fail\n"
+    "    2  a plan that holds changes\n"
+    "    3  a restart is needed\n"
+    "   64  wrong usage\n"
+    "   65  a configuration or machine file is bad or cannot be read\n"
+    "  130  interrupted; 141 the reader of the output has gone; 143 ended from outside\n";
+
+/// What stands below the help of each level.
+void AddFooters(CLI::App& app) {
+    app.footer(std::string(kExitCodes) +
+               "\nExample:\n  toolbox-host configure --plan site.ini\n"
+               "Each subcommand has a --help of its own.");
+    app.get_subcommand("configure")
+        ->footer(std::string(kExitCodes) +
+                 "\n--fail takes NAME[#N][=CODE], by default every call "
+                 "and its usual code. NAME[argument~text]\nrestricts it to calls with such an "
+                 "argument; call:N is the Nth of all calls. The names:\n" +
+                 FaultNames() +
+                 "\n\nExample:\n  toolbox-host configure --plan site.ini --machine office.json "
+                 "--fail EnableStatic=84");
+    app.get_subcommand("check")->footer(
+        "Exit codes: 0 no error; 65 errors, with --strict warnings too, or no such file; 64 wrong "
+        "usage\n\nExample:\n  toolbox-host check --strict site.ini");
+    app.get_subcommand("snapshot")
+        ->footer(
+            "Exit codes: 0 written; 1 failure; 64 wrong usage\n\n"
+            "Example:\n  toolbox-host snapshot --output this.json");
+    app.get_subcommand("init")->footer(
+        "Exit codes: 0 written; 1 failure, also where no file can describe the machine; 64 wrong "
+        "usage;\n65 the machine file is bad or cannot be read\n\n"
+        "Example:\n  toolbox-host init --machine office.json --output office.ini");
+    app.get_subcommand("version")->footer(
+        "Exit codes: 0 printed; 1 no module\n\nExample:\n  toolbox-host version");
+    app.get_subcommand("update-info")
+        ->footer(
+            "Exit codes: 0 answered; 1 no module; 64 wrong usage\n\n"
+            "Example:\n  toolbox-host update-info --count 2");
+    app.get_subcommand("send")->footer(
+        "Exit codes: 0 success; 1 failure; 3 a restart is needed; 64 wrong usage\n\n"
+        "Example:\n  toolbox-host send Internal UpdateInfo Auto-Update-Count=2");
+}
+
 /// An option that takes one of these names, each with what it means.
 template <typename Value>
 void AddChoice(CLI::App& app, const std::string& option, const std::string& description,
@@ -142,12 +201,26 @@ int Run(int argc, const char* const* argv, TextStream& data, TextStream& notes) 
     check::AddCheckCommand(app, action);
     AddMessageCommands(app, options, action);
 
+    app.add_flag_callback(
+        "--version", [] { throw Printed{VersionText()}; }, "Print this program's version");
+    app.add_option_function<std::string>(
+           "--completion", [&app](const std::string&) { throw Printed{BashCompletion(app)}; },
+           "Print the completion for a shell")
+        ->check(CLI::IsMember({"bash"}).description(""))
+        ->type_name("bash");
+    AddFooters(app);
+
+    const auto print = [&](const std::string& text) {
+        Output output(Format::kText, Colours::kNever, data, notes);
+        output.Raw(ToUtf8(text));
+        return output.Finish(kDone);
+    };
     try {
         app.parse(argc, argv);
+    } catch (const Printed& printed) {
+        return print(printed.text);
     } catch (const CLI::CallForHelp&) {
-        Output output(Format::kText, Colours::kNever, data, notes);
-        output.Raw(ToUtf8(app.help()));
-        return output.Finish(kDone);
+        return print(app.help());
     } catch (const CLI::ParseError& error) {
         Output output(AsksForJson(argc, argv) ? Format::kJson : Format::kText, options.colours,
                       data, notes);

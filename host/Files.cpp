@@ -24,23 +24,6 @@ std::string Reason() {
     return DescribeSystemError(GetLastError());
 }
 
-/// Everything up to the end; nothing, and the last error, when that fails. Stops behind the limit.
-std::optional<std::string> ReadToEnd(HANDLE file) {
-    std::string text;
-    for (DWORD count = kPiece; count != 0 && text.size() <= kMostBytes;) {
-        const std::size_t before = text.size();
-        text.resize(before + kPiece);
-        const bool isRead = ReadFile(file, text.data() + before, kPiece, &count, nullptr) != 0;
-        if (!isRead && GetLastError() == ERROR_BROKEN_PIPE) {
-            count = 0;  // its writer has gone: the end
-        } else if (!isRead) {
-            return std::nullopt;
-        }
-        text.resize(before + count);
-    }
-    return text;
-}
-
 bool WriteAll(HANDLE file, std::string_view text) {
     while (!text.empty()) {
         const auto piece = static_cast<DWORD>(std::min<std::size_t>(text.size(), kPiece));
@@ -65,6 +48,22 @@ bool Replace(HANDLE file, std::string_view text) {
 
 }  // namespace
 
+std::optional<std::string> ReadToEnd(void* file, std::size_t most) {
+    std::string text;
+    for (DWORD count = kPiece; count != 0 && text.size() <= most;) {
+        const std::size_t before = text.size();
+        text.resize(before + kPiece);
+        const bool isRead = ReadFile(file, text.data() + before, kPiece, &count, nullptr) != 0;
+        if (!isRead && GetLastError() == ERROR_BROKEN_PIPE) {
+            count = 0;  // its writer has gone: the end
+        } else if (!isRead) {
+            return std::nullopt;
+        }
+        text.resize(before + count);
+    }
+    return text;
+}
+
 const CLI::Validator& NotEmpty() {
     static const CLI::Validator notEmpty(
         [](const std::string& text) { return std::string(text.empty() ? "it is empty" : ""); }, "");
@@ -76,7 +75,7 @@ std::string ReadWholeFile(const std::string& path) {
                                       FILE_ATTRIBUTE_NORMAL, nullptr));
     std::optional<std::string> text;
     if (file) {
-        text = ReadToEnd(file.Get());
+        text = ReadToEnd(file.Get(), kMostBytes);
     }
     if (!text) {
         throw HostError("cannot read " + path + ": " + Reason(), kBadInput);
@@ -100,7 +99,7 @@ void WriteWholeFile(const std::string& path, std::string_view text) {
         }
         return;
     }
-    const std::optional<std::string> before = ReadToEnd(file.Get());
+    const std::optional<std::string> before = ReadToEnd(file.Get(), kMostBytes);
     if (Replace(file.Get(), text)) {
         return;
     }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,10 @@ const CLI::Validator& NotEmpty();
 /// What the file holds. Throws HostError (bad input) with the system's reason, and for a file of
 /// more than 64 MB: what has no end is no input either.
 std::string ReadWholeFile(const std::string& path);
+
+/// Everything up to the end of an open file or pipe; nothing, and the last error, when that fails.
+/// Stops when it has more than `most` bytes.
+std::optional<std::string> ReadToEnd(void* file, std::size_t most);
 
 /// Writes the text into the file, or the device, of that name, which keeps its identity and its
 /// rights. Throws HostError with the system's reason; a file is then as it was before.

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -59,6 +60,7 @@ public:
     std::map<std::uintptr_t, std::unique_ptr<std::byte[]>> buffers;  // of LSA and NetApi
     // By interface pointer; those already released too.
     std::unordered_map<const void*, std::unique_ptr<ComObjectBase>> objects;
+    std::function<void()> routeWatcher;     // told of each route program; may be empty
     std::vector<RouteChild> routeChildren;  // whose handles are not closed yet
     HandleSet standardHandles;              // given out by GetStdHandle
     std::vector<std::unique_ptr<ImportTable>> images;

@@ -157,6 +157,11 @@ bool Simulation::IsInApartment() const {
     return core_->apartments.contains(GetCurrentThreadId());
 }
 
+void Simulation::WatchRoutes(std::function<void()> watcher) {
+    const Locked locked(*core_);
+    core_->routeWatcher = std::move(watcher);
+}
+
 void Simulation::SetProgramFile(std::string path) {
     const Locked locked(*core_);
     core_->programFile = std::move(path);

@@ -18,6 +18,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -82,6 +83,9 @@ public:
     void SetApartment(HostApartment apartment);
     // Whether the thread is in any.
     bool IsInApartment() const;
+
+    // Has each start of the route program told, on the thread and under the lock of the call.
+    void WatchRoutes(std::function<void()> watcher);
 
     // What GetModuleFileNameA calls the running program; by default its real path.
     void SetProgramFile(std::string path);

@@ -8,6 +8,7 @@
 
 #include "host/ExitCode.h"
 #include "host/Files.h"
+#include "host/InputFile.h"
 #include "host/Text.h"
 #include "host/check/FileCheck.h"
 #include "host/check/FindingText.h"
@@ -29,10 +30,11 @@ std::string Counted(std::size_t count, const std::string& noun) {
 }
 
 int Check(const CheckArguments& arguments, Output& output) {
-    static_cast<void>(ReadWholeFile(arguments.file));  // says why where it cannot be read
-    const CheckedFile checked = CheckFile(arguments.file);
+    const InputFile input(arguments.file);
+    const CheckedFile checked = CheckFile(input.Path());
+    const std::string& file = input.Name();
     const Findings& findings = checked.findings;
-    output.Document() = {{"file", ToUtf8(arguments.file)},
+    output.Document() = {{"file", ToUtf8(file)},
                          {"errors", findings.Errors()},
                          {"warnings", findings.Warnings()},
                          {"findings", Json::array()}};
@@ -43,15 +45,15 @@ int Check(const CheckArguments& arguments, Output& output) {
             finding.place.line != std::exchange(number, finding.place.line)) {
             line = reading::ShownLine(checked.file, number);
         }
-        PrintFinding(arguments.file, finding, line, output);
+        PrintFinding(file, finding, line, output);
         output.Document()["findings"].push_back(ToJson(finding, line));
     }
     const std::size_t all = findings.Errors() + findings.Warnings();
     if (all > findings.List().size()) {
         output.Line("... and " + std::to_string(all - findings.List().size()) + " more");
     }
-    output.Line(all == 0 ? arguments.file + ": no faults"
-                         : arguments.file + ": " + Counted(findings.Errors(), "error") + ", " +
+    output.Line(all == 0 ? file + ": no faults"
+                         : file + ": " + Counted(findings.Errors(), "error") + ", " +
                                Counted(findings.Warnings(), "warning"),
                 all == 0 ? Tone::kGood : Tone::kPlain);
     const bool refused = findings.Errors() > 0 || (arguments.strict && all > 0);
@@ -65,7 +67,7 @@ void AddCheckCommand(CLI::App& app, Action& action) {
     CLI::App* const check =
         app.add_subcommand("check", "Find every fault of a configuration file, without running it");
     const auto arguments = std::make_shared<CheckArguments>();
-    check->add_option("file", arguments->file, "The configuration file")
+    check->add_option("file", arguments->file, "The configuration file; - reads standard input")
         ->required()
         ->type_name("FILE")
         ->check(NotEmpty());

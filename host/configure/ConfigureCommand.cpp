@@ -9,6 +9,7 @@
 #include "host/ExitCode.h"
 #include "host/Files.h"
 #include "host/HostError.h"
+#include "host/InputFile.h"
 #include "host/Text.h"
 #include "host/check/FileCheck.h"
 #include "host/configure/Faults.h"
@@ -100,11 +101,18 @@ int ExitCodeOf(const Outcome& outcome, const ConfigureOptions& options) {
 int Configure(const CommonOptions& common, const ConfigureOptions& options, Output& output) {
     CheckCombination(options);
     CheckFiles(common, options);
-    const Request request{common.module, options.file, options.untilDone,
-                          ParseFaults(options.faults),
-                          [&output](const std::string& text) { output.Progress(text); }};
+    const machine::FaultPlan faults = ParseFaults(options.faults);
+    const InputFile input(options.file);
+    if (options.machine.thisMachine && !options.plan && !input.IsFile()) {
+        throw HostError("--this-machine: the module takes the file away, so it has to be a file",
+                        kWrongUsage);
+    }
+    const Request request{
+        common.module, input.Path(),
+        input.Name(),  options.untilDone,
+        faults,        [&output](const std::string& text) { output.Progress(text); }};
     // Before the run, which may take the file away.
-    const check::CheckedFile checked = check::CheckFile(options.file);
+    const check::CheckedFile checked = check::CheckFile(input.Path());
     Outcome outcome;
     if (options.machine.thisMachine && !options.plan) {
         outcome = RunHere(request);
@@ -128,10 +136,10 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
         }
     }
     const std::string machineName = options.machine.Name();
-    output.Document() = ToJson(outcome, checked, options.file, machineName);
+    output.Document() = ToJson(outcome, checked, input.Name(), machineName);
     PrintReport(
         outcome,
-        {options.file, machineName, options.machine.thisMachine, options.plan, options.untilDone,
+        {input.Name(), machineName, options.machine.thisMachine, options.plan, options.untilDone,
          options.summary   ? Extent::kSummary
          : options.details ? Extent::kDetails
                            : Extent::kUsual,
@@ -157,7 +165,7 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
     CLI::App* const command = app.add_subcommand(
         "configure", "Run a configuration file against a machine, a simulated one unless told");
     const auto options = std::make_shared<ConfigureOptions>();
-    command->add_option("file", options->file, "The configuration file")
+    command->add_option("file", options->file, "The configuration file; - reads standard input")
         ->required()
         ->type_name("FILE")
         ->check(NotEmpty());

@@ -1,9 +1,11 @@
 #include "host/configure/Passes.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "host/Files.h"
+#include "host/configure/Values.h"
 #include "machine/Simulation.h"
 
 namespace host::configure {
@@ -25,10 +27,9 @@ Pass RunAfterRestart(const Request& request, Outcome& outcome) {
     const std::vector<Change> restart = Compare(outcome.machine, restarted);
     machine::Simulation simulation(std::move(restarted));
     simulation.SetFaultPlan(outcome.faults);
-    Pass pass =
-        MakePass(RunOnSimulation(request.module, simulation, request.file, [&](const auto&) {
-            request.watcher("looking at what comes after the restart");
-        }));
+    Pass pass = MakePass(RunOnSimulation(
+        request.module, simulation, request.file, request.name, request.routes,
+        [&](const auto&) { request.watcher("looking at what comes after the restart"); }));
     pass.restart = restart;
     outcome.faults = simulation.GetFaultPlan();
     return pass;
@@ -40,9 +41,9 @@ void RunUntilDone(const Request& request, machine::Simulation& simulation, Outco
     while (true) {
         const std::string number =
             request.untilDone ? "pass " + std::to_string(outcome.passes.size() + 1) + ": " : "";
-        Pass pass =
-            MakePass(RunOnSimulation(request.module, simulation, request.file,
-                                     [&](const auto& line) { request.watcher(number + line); }));
+        Pass pass = MakePass(
+            RunOnSimulation(request.module, simulation, request.file, request.name, request.routes,
+                            [&](const auto& line) { request.watcher(number + line); }));
         pass.restart = std::move(restart);
         outcome.passes.push_back(std::move(pass));
         if (!outcome.Last().story.fileKept || outcome.passes.size() == most) {
@@ -51,6 +52,22 @@ void RunUntilDone(const Request& request, machine::Simulation& simulation, Outco
         simulation.Restart();
         restart = Compare(outcome.Last().run.after, simulation.GetState());
     }
+}
+
+std::size_t RoutesToChange(const std::vector<Setting>& settings, const machine::State& machine) {
+    std::vector<std::string> current = *CurrentValues(machine, Setting::Kind::kRoutes, {});
+    std::ranges::sort(current);
+    std::size_t count = 0;
+    for (const Setting& setting : settings) {
+        if (setting.kind == Setting::Kind::kRoutes && !setting.leftAlone) {
+            std::vector<std::string> wanted = WantedValues(setting);
+            std::ranges::sort(wanted);
+            std::vector<std::string> changed;
+            std::ranges::set_symmetric_difference(current, wanted, std::back_inserter(changed));
+            count += changed.size();
+        }
+    }
+    return count;
 }
 
 /// Later passes tell what became of the settings that an earlier one did not come to.
@@ -98,9 +115,10 @@ bool ChangesSomething(const Outcome& outcome) {
     });
 }
 
-Outcome RunPasses(const Request& request, const machine::State& machine) {
+Outcome RunPasses(Request request, const machine::State& machine) {
     // Read first: a run on this machine would take the file away.
     const std::vector<Setting> settings = reading::SettingsOf(reading::File::Read(request.file));
+    request.routes = RoutesToChange(settings, machine);
     Outcome outcome;
     {
         machine::Simulation simulation(machine);

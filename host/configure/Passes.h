@@ -51,13 +51,15 @@ bool ChangesSomething(const Outcome& outcome);
 struct Request {
     std::string module;
     std::string file;
+    std::string name;  ///< of the file, for people
     bool untilDone = false;
     machine::FaultPlan faults;
     Watcher watcher;
+    std::size_t routes = 0;  ///< that are to be changed, for who watches
 };
 
 /// Runs on the machine, of which a copy is changed. Throws HostError.
-Outcome RunPasses(const Request& request, const machine::State& machine);
+Outcome RunPasses(Request request, const machine::State& machine);
 
 /// Runs once on this machine.
 Outcome RunHere(const Request& request);

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "host/HostError.h"
@@ -37,6 +38,16 @@ void ReplaceAll(std::string& text, const std::string& from, const std::string& t
          at = text.find(from, at + to.size())) {
         text.replace(at, from.size(), to);
     }
+}
+
+/// "1,234"
+std::string Grouped(std::size_t number) {
+    constexpr std::size_t kGroup = 3;
+    std::string digits = std::to_string(number);
+    for (std::size_t end = digits.size(); end > kGroup; end -= kGroup) {
+        digits.insert(end - kGroup, ",");
+    }
+    return digits;
 }
 
 /// A call that the simulation does not serve would reach this machine.
@@ -86,7 +97,8 @@ std::string Run::Reply(const std::string& name) const {
 }
 
 Run RunOnSimulation(const std::string& modulePath, machine::Simulation& simulation,
-                    const std::string& file, const Watcher& watcher) {
+                    const std::string& file, const std::string& name, std::size_t routes,
+                    const Watcher& watcher) {
     const PrivateFolder folder;
     const std::string copy = folder.CopyOf(file);
     const std::string agent = folder.Path() + "\\agent";
@@ -99,7 +111,7 @@ Run RunOnSimulation(const std::string& modulePath, machine::Simulation& simulati
     const std::size_t unexpectedBefore = simulation.Unexpected().size();
     std::optional<std::uint32_t> adapter;
     LogSink log([&](LogLine line) {
-        ReplaceAll(line.text, copy, file);
+        ReplaceAll(line.text, copy, name);
         HideAccount(line.text);
         watcher(line.text);
         Mark mark{std::move(line), simulation.GetTrace().Size() - callsBefore, std::nullopt};
@@ -112,18 +124,24 @@ Run RunOnSimulation(const std::string& modulePath, machine::Simulation& simulati
         }
         run.log.push_back(std::move(mark));
     });
+    std::size_t route = 0;
+    simulation.WatchRoutes([&] {
+        ++route;
+        watcher("route " + Grouped(route) + " of " + Grouped(std::max(route, routes)));
+    });
     const Module module(modulePath);
     {
         const Attachment attachment(simulation, module);
         RefuseUnserved(simulation);
         Send(module, copy, log, run);
     }
+    simulation.WatchRoutes({});
     run.after = simulation.GetState();
     const auto& calls = simulation.GetTrace().Entries();
     run.calls.assign(calls.begin() + static_cast<std::ptrdiff_t>(callsBefore), calls.end());
     RemoveStrayCopy(run.calls, copy, folder.Path());
     run.violations = TakeViolations(simulation, run.calls, unexpectedBefore);
-    ReplaceAll(run.moduleError, copy, file);
+    ReplaceAll(run.moduleError, copy, name);
     return run;
 }
 

@@ -41,9 +41,10 @@ using Watcher = std::function<void(const std::string&)>;
 
 /// Loads the module, lets it work on the simulated machine and unloads it, as a restart of the
 /// agent would. The module gets a copy of the file in a private folder and puts that away there;
-/// log lines name the file as it was given.
+/// log lines name the file as people do. `routes` is how many are to be changed.
 Run RunOnSimulation(const std::string& module, machine::Simulation& simulation,
-                    const std::string& file, const Watcher& watcher);
+                    const std::string& file, const std::string& name, std::size_t routes,
+                    const Watcher& watcher);
 
 /// Lets the module work on this machine and on the file itself, which it puts away beside this
 /// program. `before` and `after` are what the module's own queries see; empty texts where they see

@@ -17,7 +17,8 @@ configure::Outcome Plan(const std::string& module, const std::string& text,
     const configure::PrivateFolder folder;
     const std::string file = folder.Path() + "\\machine.ini";
     WriteWholeFile(file, text);
-    return configure::RunPasses({module, file, false, {}, [](const std::string&) {}}, machine);
+    return configure::RunPasses({module, file, file, false, {}, [](const std::string&) {}, 0},
+                                machine);
 }
 
 /// Where the module cannot read the adapters, every section of one fails the request.

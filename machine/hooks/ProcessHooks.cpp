@@ -61,6 +61,9 @@ HANDLE InheritedOutput(const ProcessRequest& request) {
 
 // The system's own route program is never started, on a real Windows machine either.
 BOOL StartRoute(Call& call, const ProcessRequest& request) {
+    if (call->routeWatcher) {
+        call->routeWatcher();
+    }
     const std::string commandLine =
         OrEmpty(request.commandLine != nullptr ? request.commandLine : request.application);
     const RouteChild child(call->state, commandLine,
