@@ -13,6 +13,7 @@ std::span<const AdapterProperty> AdapterProperties() {
         {"manufacturer", &Adapter::manufacturer, "", "Manufacturer"},
         {"adapterType", &Adapter::adapterType, "", "AdapterType"},
         {"macAddress", &Adapter::macAddress, "MACAddress", "MACAddress"},
+        {"condition", &Adapter::condition, "", ""},
         {"ipEnabled", &Adapter::ipEnabled, "IPEnabled", "NetEnabled"},
         {"dhcpEnabled", &Adapter::dhcpEnabled, "DHCPEnabled", ""},
         {"ipAddress", &Adapter::ipAddress, "IPAddress", ""},
@@ -23,6 +24,7 @@ std::span<const AdapterProperty> AdapterProperties() {
         {"dnsHostName", &Adapter::dnsHostName, "DNSHostName", ""},
         {"staticDns", &Adapter::staticDns, "", ""},
         {"dhcpLease", &Adapter::dhcpLease, "", ""},
+        {"leaseDueIn", &Adapter::leaseDueIn, "", ""},
     };
     return kProperties;
 }

@@ -17,7 +17,8 @@ struct AdapterProperty {
         std::variant<std::uint32_t Adapter::*, bool Adapter::*, std::string Adapter::*,
                      TextList Adapter::*, std::optional<bool> Adapter::*,
                      std::optional<std::string> Adapter::*, std::optional<TextList> Adapter::*,
-                     std::optional<DhcpLease> Adapter::*>;
+                     std::optional<DhcpLease> Adapter::*, Condition Adapter::*,
+                     std::optional<std::uint32_t> Adapter::*>;
 
     std::string_view name;  ///< in a machine file
     Member member;

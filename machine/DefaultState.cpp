@@ -1,4 +1,5 @@
 #include "machine/State.h"
+#include "machine/model/Routes.h"
 
 namespace machine {
 namespace {
@@ -94,6 +95,7 @@ State DefaultState() {
     state.routes = {{"10.20.0.0", "255.255.0.0", "198.51.100.254", 5}};
     state.domains = {ExampleDomain()};
     state.hosts = {{"gateway.lab.example", {"192.0.2.1"}}};
+    model::PersistGateways(state);
     return state;
 }
 

@@ -10,6 +10,7 @@
 #include "machine/com/ComObject.h"
 #include "machine/hooks/HandleBook.h"
 #include "machine/hooks/Hooks.h"
+#include "machine/model/Network.h"
 
 namespace machine {
 namespace {
@@ -134,6 +135,11 @@ const std::vector<std::string>& Simulation::UnservedImports() const {
 std::chrono::nanoseconds Simulation::TimeInCalls() const {
     const Locked locked(*core_);
     return core_->timeInCalls;
+}
+
+void Simulation::Settle() {
+    const Locked locked(*core_);
+    model::Settle(core_->state);
 }
 
 void Simulation::Restart() {

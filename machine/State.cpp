@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "machine/model/AdapterView.h"
 #include "machine/model/Identity.h"
 #include "machine/model/Network.h"
 
@@ -50,9 +51,10 @@ void ApplyRestart(State& state) {
     if (state.pendingMembership) {
         state.membership = *std::exchange(state.pendingMembership, std::nullopt);
     }
+    state.system.lockedCalls = 0;
     for (Adapter& adapter : state.adapters) {
-        if (adapter.ipEnabled && adapter.dhcpEnabled.value_or(false)) {
-            model::TakeLease(adapter);
+        if (model::HasIp(adapter) && adapter.dhcpEnabled.value_or(false)) {
+            model::TakeLease(state, adapter);
         }
     }
 }

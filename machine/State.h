@@ -25,6 +25,9 @@ struct DhcpLease {
     bool operator==(const DhcpLease&) const = default;
 };
 
+// Where an adapter stands. Only a connected one has IP; what it had comes back when it is again.
+enum class Condition { Connected, Unplugged, Disabled, InTeam, BehindSwitch };
+
 struct Adapter {
     std::uint32_t index = 0;                 // WMI index, unique on the machine
     std::string connectionName;              // as the network folder shows it: "Ethernet 2"
@@ -35,7 +38,8 @@ struct Adapter {
     std::optional<std::string> manufacturer;
     std::optional<std::string> adapterType;
     std::optional<std::string> macAddress;
-    bool ipEnabled = true;
+    Condition condition = Condition::Connected;
+    bool ipEnabled = true;  // whether TCP/IP is bound to it
     std::optional<bool> dhcpEnabled;
     std::optional<TextList> ipAddress;
     std::optional<TextList> ipSubnet;
@@ -45,6 +49,7 @@ struct Adapter {
     std::optional<std::string> dnsHostName;
     TextList staticDns;  // servers set by hand: registry text "NameServer"
     std::optional<DhcpLease> dhcpLease;
+    std::optional<std::uint32_t> leaseDueIn;  // milliseconds; nothing: none is asked for
 
     bool operator==(const Adapter&) const = default;
 };
@@ -82,8 +87,11 @@ struct RegistryKey {
 struct Account {
     std::string name;
     std::string password;
-    bool mayJoin = true;  // join computers to the domain, rename them, let them leave
-    bool mayMove = true;  // move computer objects between units
+    bool mayJoin = true;    // join computers to the domain, rename them, let them leave
+    bool mayMove = true;    // move computer objects between units
+    bool mayReuse = false;  // take over computer objects that another account made
+    // Computer objects that it may yet make; nothing: any number.
+    std::optional<std::uint32_t> quota = std::nullopt;
 
     bool operator==(const Account&) const = default;
 };
@@ -96,6 +104,14 @@ struct OrganizationalUnit {
     bool operator==(const OrganizationalUnit&) const = default;
 };
 
+// Who made a computer object.
+struct ObjectOwner {
+    std::string computer;
+    std::string account;
+
+    bool operator==(const ObjectOwner&) const = default;
+};
+
 struct Domain {
     std::string dnsName;    // "corp.example"
     std::string flatName;   // "CORP"
@@ -103,6 +119,11 @@ struct Domain {
     std::vector<Account> accounts;
     TextList computers;  // the container CN=Computers
     std::vector<OrganizationalUnit> units;
+    std::vector<ObjectOwner> owners = {};  // of the objects whose maker is known
+    // What every join gets, as when a port is closed on the way; 0: the domain decides.
+    std::uint32_t joinAnswer = 0;
+    // An account with a connection to the controller.
+    std::optional<std::string> connectedAs = std::nullopt;
 
     bool operator==(const Domain&) const = default;
 };
@@ -130,12 +151,26 @@ struct HostName {
 
 enum class CryptoLibrary { Present, Absent, WithoutExport };
 
+// Where versions of Windows differ. The defaults are what is met most often.
+struct Versions {
+    std::uint32_t staticOnStatic = 0;  // what EnableStatic answers on a static adapter: 0 or 81
+    std::uint32_t refusedRoute = 0;    // the exit code of a refused route: 0 or 1
+    std::uint32_t notElevated = 0x80041003;  // what methods answer without elevation: this or 91
+    std::uint32_t leaseTakes = 5000;         // milliseconds
+
+    bool operator==(const Versions&) const = default;
+};
+
 struct OperatingSystem {
     CryptoLibrary libCrypto = CryptoLibrary::Present;
     // True: the process set COM security before the module was loaded.
     bool comSecuritySet = false;
     // True: the methods of adapters answer 1, done but a restart is needed, instead of 0.
     bool adapterChangesNeedRestart = false;
+    bool elevated = true;            // false: the agent has no administrator's token
+    std::uint32_t lockedCalls = 0;   // so many methods of adapters find the configuration locked
+    bool workstationService = true;  // false: it is switched off
+    Versions versions;
 
     bool operator==(const OperatingSystem&) const = default;
 };
@@ -146,7 +181,7 @@ struct State {
     std::string hostName;                            // TCP/IP host name
     Membership membership;
     std::optional<Membership> pendingMembership;  // takes effect at the next restart
-    TextList dnsSuffixes;                         // the machine's suffix search list
+    TextList dnsSuffixes;                         // the search list set by hand
     std::vector<Adapter> adapters;
     std::vector<PersistedRoute> routes;
     std::vector<RegistryKey> registry;

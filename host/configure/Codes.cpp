@@ -56,6 +56,8 @@ constexpr std::array kAdapterMethods = {
     Meaning{97, "the interface cannot be configured"},
     Meaning{98, "not every DHCP lease could be released or renewed"},
     Meaning{100, "DHCP is not enabled on the adapter"},
+    Meaning{0x80041003, "access denied: the agent is not elevated"},
+    Meaning{0x8004A024, "another program has locked the network configuration, which passes"},
 };
 
 // Windows finds the texts of WMI's codes in a library of its own, which is not everywhere.
@@ -76,12 +78,17 @@ constexpr std::array kNetworkCodes = {
     Meaning{1210, "the computer name is invalid"},
     Meaning{1317, "the domain has no such computer account"},
     Meaning{1326, "the account's name or password is wrong"},
+    Meaning{1219, "another account is connected to the server already"},
+    Meaning{1332, "the domain has no such computer account, and none is to be made"},
     Meaning{1355, "the domain does not exist or cannot be reached"},
     Meaning{2138, "the Workstation service has not been started"},
     Meaning{2224, "the account already exists"},
     Meaning{2691, "the machine is already joined to a domain"},
     Meaning{2692, "the machine is not joined to a domain"},
     Meaning{2695, "the workgroup name is invalid"},
+    Meaning{2699, "the domain controller's name cannot be resolved"},
+    Meaning{2732, "another account made the computer account, and this one may not take it over"},
+    Meaning{8557, "the account may make no more computer accounts in the domain"},
     Meaning{0x80070005, "access denied"},
     Meaning{0x8007052E, "the account's name or password is wrong"},
     Meaning{0x80071392, "the object already exists"},

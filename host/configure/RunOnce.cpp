@@ -136,6 +136,7 @@ Run RunOnSimulation(const std::string& modulePath, machine::Simulation& simulati
         Send(module, copy, log, run);
     }
     simulation.WatchRoutes({});
+    simulation.Settle();
     run.after = simulation.GetState();
     const auto& calls = simulation.GetTrace().Entries();
     run.calls.assign(calls.begin() + static_cast<std::ptrdiff_t>(callsBefore), calls.end());

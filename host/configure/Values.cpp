@@ -4,6 +4,8 @@
 
 #include "common/util/Strings.h"
 #include "host/reading/SettingNames.h"
+#include "machine/model/AdapterView.h"
+#include "machine/model/Identity.h"
 
 namespace host::configure {
 
@@ -134,7 +136,7 @@ std::optional<Texts> CurrentValues(const machine::State& state, Kind kind,
     switch (kind) {
         case Kind::kWorkgroup:
         case Kind::kDomain:
-            return Texts{MembershipText(state.membership)};
+            return Texts{MembershipText(machine::model::ShownMembership(state))};
         case Kind::kUnit: {
             const std::string unit = UnitOf(state, state.membership.dnsDomain, state.computerName);
             return unit.empty() ? Texts() : Texts{unit};
@@ -142,7 +144,7 @@ std::optional<Texts> CurrentValues(const machine::State& state, Kind kind,
         case Kind::kComputerName:
             return Texts{state.computerName};
         case Kind::kDnsSuffixes:
-            return state.dnsSuffixes;
+            return machine::model::ShownSuffixes(state);
         case Kind::kRoutes: {
             Texts routes;
             for (const machine::PersistedRoute& route : state.routes) {

@@ -8,6 +8,7 @@
 #include "common/util/Strings.h"
 #include "host/configure/Values.h"
 #include "host/init/Writer.h"
+#include "machine/model/AdapterView.h"
 #include "machine/model/Address.h"
 #include "machine/model/Directory.h"
 #include "toolbox/config/ConfigurationFileEvents.h"
@@ -28,7 +29,7 @@ bool AreAddresses(const Texts& texts) {
 /// Whether a section is bound to it: the module lists what TCP/IP is bound to and takes PCI
 /// devices.
 bool TakesSection(const machine::Adapter& adapter) {
-    return adapter.ipEnabled && adapter.pnpDeviceId.value_or("").starts_with("PCI");
+    return machine::model::HasIp(adapter) && adapter.pnpDeviceId.value_or("").starts_with("PCI");
 }
 
 bool UsesDhcp(const machine::Adapter& adapter) {
@@ -173,17 +174,19 @@ std::vector<machine::PersistedRoute> RoutesToSay(const machine::State& state) {
 
 void DescribeSuffixes(const machine::State& wanted, const machine::State& present,
                       Description& description) {
-    if (CanBeList(wanted.dnsSuffixes)) {
-        description.suffixes = wanted.dnsSuffixes;
-    } else if (CanBeList(present.dnsSuffixes)) {
-        description.suffixes = present.dnsSuffixes;
+    const machine::TextList wantedSuffixes = machine::model::ShownSuffixes(wanted);
+    const machine::TextList presentSuffixes = machine::model::ShownSuffixes(present);
+    if (CanBeList(wantedSuffixes)) {
+        description.suffixes = wantedSuffixes;
+    } else if (CanBeList(presentSuffixes)) {
+        description.suffixes = presentSuffixes;
         description.suffixRemarks.push_back("By hand: make the machine's suffix list " +
-                                            ListText(wanted.dnsSuffixes) +
+                                            ListText(wantedSuffixes) +
                                             ". No file can; these are those that it has.");
     } else {
         description.suffixRemarks.push_back(
             "The machine's suffix list is " +
-            (wanted.dnsSuffixes.empty() ? "empty" : ListText(wanted.dnsSuffixes)) +
+            (wantedSuffixes.empty() ? "empty" : ListText(wantedSuffixes)) +
             ", which no file can say. So the count of servers is one too high: the module then "
             "sets neither suffixes nor routes.");
     }

@@ -8,9 +8,13 @@
 
 #include "common/err/GeneralError.h"
 #include "common/sys/Domain.h"
+#include "common/sys/RegistryText.h"
+#include "common/sys/Wmi.h"
 #include "common/sys/WmiQueries.h"
 #include "common/sys/nic/NicRegistry.h"
 #include "host/snapshot/ReadFailure.h"
+#include "machine/model/RegistryView.h"
+#include "machine/model/Routes.h"
 
 namespace host::snapshot {
 
@@ -52,6 +56,8 @@ public:
         }
     }
 
+    void Say(const std::string& note) { notes_.push_back(note); }
+
 private:
     void Note(const std::string& what, const std::string& why) {
         notes_.push_back(what + " cannot be read: " + why);
@@ -59,14 +65,6 @@ private:
 
     Texts& notes_;
 };
-
-Texts TextsOf(const std::vector<ipc::IPv4Address>& addresses) {
-    Texts texts;
-    for (const ipc::IPv4Address& address : addresses) {
-        texts.push_back(address.ToString());
-    }
-    return texts;
-}
 
 std::optional<std::string> NullWhenEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
@@ -76,18 +74,18 @@ std::optional<Texts> NullWhenEmpty(Texts texts) {
     return texts.empty() ? std::nullopt : std::optional(std::move(texts));
 }
 
-/// The registry's list of servers, separated by commas or blanks.
-Texts SplitServers(const std::string& text) {
-    Texts servers;
-    std::string server;
+/// A list of the registry, separated by commas or blanks.
+Texts SplitList(const std::string& text) {
+    Texts items;
+    std::string item;
     for (const char character : text + " ") {
         if (character != ' ' && character != ',') {
-            server += character;
-        } else if (!server.empty()) {
-            servers.push_back(std::exchange(server, {}));
+            item += character;
+        } else if (!item.empty()) {
+            items.push_back(std::exchange(item, {}));
         }
     }
-    return servers;
+    return items;
 }
 
 /// What of an adapter is read: "Adapter 7: IPAddress and IPSubnet".
@@ -134,6 +132,31 @@ void ReadHardware(Reader& reader, machine::Adapter& adapter) {
     }
 }
 
+struct List {
+    const wchar_t* property;
+    std::optional<Texts>* target;
+};
+
+/// Every element, as it stands there: the module's own queries take the first address alone, and
+/// make addresses of texts.
+void ReadLists(Reader& reader, const machine::Adapter& adapter, const char* what,
+               const std::vector<List>& lists) {
+    static constexpr sys::WmiQuery kQuery = {
+        "select IPAddress, IPSubnet, DefaultIPGateway, DNSServerSearchOrder from "
+        "Win32_NetworkAdapterConfiguration where Index=",
+        {"the lists of an adapter", 0}};
+    reader.Query(Of(adapter, what), [&] {
+        return sys::RunWmiQuery(kQuery, kQuery.text + std::to_string(adapter.index),
+                                sys::WmiRows::kFirst, [&lists](sys::WmiRow& row) {
+                                    for (const List& list : lists) {
+                                        Texts texts;
+                                        row.ReadTexts(list.property, texts);
+                                        *list.target = NullWhenEmpty(std::move(texts));
+                                    }
+                                });
+    });
+}
+
 void ReadAddressing(Reader& reader, machine::Adapter& adapter) {
     reader.Query(Of(adapter, "DHCPEnabled"), [&] {
         bool dhcp = false;
@@ -143,31 +166,14 @@ void ReadAddressing(Reader& reader, machine::Adapter& adapter) {
         }
         return result;
     });
-    ipc::IPv4Address address;
-    ipc::IPv4Address mask;
-    reader.Query(Of(adapter, "IPAddress and IPSubnet"), [&] {
-        const sys::Result result = sys::getIpAddressAndMask(adapter.index, address, mask);
-        if (address.NetworkOrder() != 0) {
-            adapter.ipAddress = Texts{address.ToString()};
-            adapter.ipSubnet = Texts{mask.ToString()};
-        }
-        return result;
-    });
-    std::vector<ipc::IPv4Address> gateways;
-    reader.Query(Of(adapter, "DefaultIPGateway"),
-                 [&] { return sys::getGateways(adapter.index, gateways); });
-    adapter.gateways = NullWhenEmpty(TextsOf(gateways));
+    ReadLists(reader, adapter, "IPAddress and IPSubnet",
+              {{L"IPAddress", &adapter.ipAddress}, {L"IPSubnet", &adapter.ipSubnet}});
+    ReadLists(reader, adapter, "DefaultIPGateway", {{L"DefaultIPGateway", &adapter.gateways}});
 }
 
-void ReadNames(Reader& reader, machine::Adapter& adapter, machine::State& state) {
-    std::vector<ipc::IPv4Address> servers;
-    Texts suffixes;
-    reader.Query(Of(adapter, "DNSServerSearchOrder and DNSDomainSuffixSearchOrder"),
-                 [&] { return sys::getDnsServersAndSuffixes(adapter.index, servers, suffixes); });
-    adapter.dnsServers = NullWhenEmpty(TextsOf(servers));
-    if (state.dnsSuffixes.empty()) {
-        state.dnsSuffixes = std::move(suffixes);  // the machine's, shown with every adapter
-    }
+void ReadNames(Reader& reader, machine::Adapter& adapter) {
+    ReadLists(reader, adapter, "DNSServerSearchOrder",
+              {{L"DNSServerSearchOrder", &adapter.dnsServers}});
     std::string domain;
     std::string hostName;
     reader.Query(Of(adapter, "DNSDomain and DNSHostName"),
@@ -178,21 +184,60 @@ void ReadNames(Reader& reader, machine::Adapter& adapter, machine::State& state)
         reader.ReadIfThere(
             Of(adapter,
                "NameServer of HKEY_LOCAL_MACHINE\\" + sys::interfaceKey(*adapter.settingId)),
-            [&] { adapter.staticDns = SplitServers(sys::readNameServer(*adapter.settingId)); });
+            [&] { adapter.staticDns = SplitList(sys::readNameServer(*adapter.settingId)); });
     }
 }
 
-/// What DHCP gave last is the best guess at what it gives next.
-void GuessLease(machine::Adapter& adapter) {
-    if (!adapter.dhcpEnabled.value_or(false)) {
+/// What DHCP gave last is the best guess at what it gives next. Gateways with a persistent route
+/// were set by hand, and what is of IPv6 comes with router advertisements.
+void GuessLease(const machine::State& state, machine::Adapter& adapter) {
+    if (!adapter.dhcpEnabled.value_or(false) || !adapter.ipEnabled) {
         return;
     }
+    const auto isOfIPv6 = [](const std::string& text) {
+        return text.find('.') == std::string::npos;
+    };
     machine::DhcpLease& lease = adapter.dhcpLease.emplace();
     lease.ipAddress = adapter.ipAddress.value_or(Texts());
     lease.ipSubnet = adapter.ipSubnet.value_or(Texts());
     lease.gateways = adapter.gateways.value_or(Texts());
+    std::erase_if(lease.ipAddress, isOfIPv6);
+    std::erase_if(lease.ipSubnet, isOfIPv6);
+    std::erase_if(lease.gateways, [&](const std::string& gateway) {
+        return isOfIPv6(gateway) || machine::model::IsSetByHand(state, gateway);
+    });
     lease.dnsServers = adapter.staticDns.empty() ? adapter.dnsServers.value_or(Texts()) : Texts();
     lease.dnsDomain = adapter.dnsDomain;
+}
+
+/// PCI adapters without IP: no section gets one of them, and which one another gets depends on
+/// them. Their settings cannot be seen.
+void ReadUnusedAdapters(Reader& reader, machine::State& state) {
+    static constexpr sys::WmiQuery kQuery = {"select Index, PNPDeviceID from Win32_NetworkAdapter",
+                                             {"the list of all adapters", 0}};
+    reader.Query("The list of adapters without IP", [&] {
+        return sys::RunWmiQuery(
+            kQuery, kQuery.text, sys::WmiRows::kAll, [&state](sys::WmiRow& row) {
+                machine::Adapter adapter;
+                std::string device;
+                row.ReadInteger(L"Index", adapter.index);
+                row.ReadText(L"PNPDeviceID", device);
+                if (device.starts_with("PCI") && FindAdapter(state, adapter.index) == nullptr) {
+                    adapter.pnpDeviceId = device;
+                    adapter.condition = machine::Condition::Unplugged;
+                    state.adapters.push_back(adapter);
+                }
+            });
+    });
+    for (machine::Adapter& adapter : state.adapters) {
+        if (adapter.condition == machine::Condition::Unplugged) {
+            ReadHardware(reader, adapter);
+            reader.Say(Of(adapter,
+                          "has no IP and is taken for unplugged; it may be disabled, in a "
+                          "team or behind a virtual switch. Its settings are not seen"));
+        }
+    }
+    std::ranges::stable_sort(state.adapters, {}, &machine::Adapter::index);
 }
 
 void ReadAdapters(Reader& reader, machine::State& state) {
@@ -203,10 +248,23 @@ void ReadAdapters(Reader& reader, machine::State& state) {
         adapter.index = index;
         ReadHardware(reader, adapter);
         ReadAddressing(reader, adapter);
-        ReadNames(reader, adapter, state);
-        GuessLease(adapter);
+        ReadNames(reader, adapter);
         state.adapters.push_back(std::move(adapter));
     }
+}
+
+/// WMI shows the suffixes that count: the list of a policy, one's own, or those of the connections.
+/// The machine has the first two, where they stand.
+void ReadSuffixes(Reader& reader, machine::State& state) {
+    const std::string own = machine::model::kParametersKey;
+    reader.ReadIfThere("SearchList of HKEY_LOCAL_MACHINE\\" + own, [&] {
+        state.dnsSuffixes = SplitList(sys::readLocalMachineText(own, "SearchList"));
+    });
+    const std::string policy = machine::model::kDnsPolicyKey;
+    reader.ReadIfThere("SearchList of HKEY_LOCAL_MACHINE\\" + policy, [&] {
+        const std::string list = sys::readLocalMachineText(policy, "SearchList");
+        state.registry.push_back({policy, {machine::RegistryValue::Text("SearchList", list)}});
+    });
 }
 
 void ReadRoutes(Reader& reader, machine::State& state) {
@@ -276,7 +334,12 @@ Snapshot TakeSnapshot() {
             break;
         }
     }
+    ReadSuffixes(reader, state);
     ReadRoutes(reader, state);
+    for (machine::Adapter& adapter : state.adapters) {
+        GuessLease(state, adapter);
+    }
+    ReadUnusedAdapters(reader, state);
     ReadMembership(reader, state);
     return snapshot;
 }

@@ -18,8 +18,8 @@ struct Snapshot {
 /// Reads the machine that this program runs on through the module's own queries. Never fails: what
 /// cannot be read is left out and noted.
 ///
-/// The queries see the IP-enabled adapters, of each the first address, and nothing of a directory
-/// but the unit that holds the computer's object.
+/// It sees the adapters with IP and all of their lists, the hardware of PCI adapters without, and
+/// nothing of a directory but the unit that holds the computer's object.
 Snapshot TakeSnapshot();
 
 }  // namespace host::snapshot

@@ -19,8 +19,9 @@ int Take(const std::string& file, Output& output) {
         output.Note(note);
     }
     output.Note(
-        "Seen of each adapter: its first address. Not seen: directories with their accounts "
-        "and units; add them to plan a join.");
+        "Not seen: directories with their accounts, units and owners (add them to plan a join), "
+        "what a DHCP server gives to an adapter that does not ask it, whether this program is "
+        "elevated, and how this version of Windows differs.");
     if (file.empty()) {
         output.Raw(machine::FormatState(snapshot.state));
         return kDone;

@@ -3,13 +3,15 @@
 #include <type_traits>
 #include <utility>
 
+#include "machine/model/AdapterView.h"
+
 namespace machine::cim {
 namespace {
 
 /// How WMI has a member of the type.
 template <typename Member>
 struct Delivery {
-    static constexpr Type kType = Type::Text;  // the lease, which WMI does not know
+    static constexpr Type kType = Type::Text;  // what WMI does not know
     static Value From(const Member& /*member*/) { return {}; }
     static Member To(const Value& /*value*/) { return {}; }
 };
@@ -75,10 +77,11 @@ template <typename Derive>
 std::vector<Properties> RowsOf(const State& state, OptionalIndex index,
                                std::string_view AdapterProperty::*name, Derive derive) {
     std::vector<Properties> rows;
-    for (const Adapter& adapter : state.adapters) {
-        if (index && adapter.index != *index) {
+    for (const Adapter& present : state.adapters) {
+        if (index && present.index != *index) {
             continue;
         }
+        const Adapter adapter = model::ShownAdapter(present);
         Properties& row = rows.emplace_back();
         for (const AdapterProperty& property : AdapterProperties()) {
             if (!(property.*name).empty()) {
@@ -109,13 +112,14 @@ void SetValue(Adapter& adapter, const AdapterProperty& property, const Value& va
 }
 
 std::vector<Properties> ConfigurationRows(const State& state, OptionalIndex index) {
-    return RowsOf(state, index, &AdapterProperty::configuration,
-                  [&state](const Adapter& adapter, Properties& row) {
-                      row.push_back({"Description", Type::Text, DescriptionOf(adapter)});
-                      row.push_back({"DNSDomainSuffixSearchOrder", Type::Texts,
-                                     adapter.ipEnabled ? Delivery<TextList>::From(state.dnsSuffixes)
-                                                       : Value()});
-                  });
+    return RowsOf(
+        state, index, &AdapterProperty::configuration,
+        [&state](const Adapter& adapter, Properties& row) {
+            row.push_back({"Description", Type::Text, DescriptionOf(adapter)});
+            row.push_back({"DNSDomainSuffixSearchOrder", Type::Texts,
+                           adapter.ipEnabled ? Delivery<TextList>::From(model::ShownSuffixes(state))
+                                             : Value()});
+        });
 }
 
 std::vector<Properties> HardwareRows(const State& state, OptionalIndex index) {

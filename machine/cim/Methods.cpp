@@ -49,21 +49,22 @@ std::vector<Method> AdapterMethods() {
          false,
          {},
          [](const Target& target, const Properties&) {
-             return Answer(target, model::EnableDhcp(AdapterOf(target)));
+             return Answer(target, model::EnableDhcp(target.state, AdapterOf(target)));
          }},
         {"EnableStatic",
          false,
          {{"IPAddress", Type::Texts}, {"SubnetMask", Type::Texts}},
          [](const Target& target, const Properties& in) {
-             return Answer(target, model::EnableStatic(AdapterOf(target), ListOf(in, "IPAddress"),
-                                                       ListOf(in, "SubnetMask")));
+             return Answer(target,
+                           model::EnableStatic(target.state, AdapterOf(target),
+                                               ListOf(in, "IPAddress"), ListOf(in, "SubnetMask")));
          }},
         {"SetGateways",
          false,
          {{"DefaultIPGateway", Type::Texts}, {"GatewayCostMetric", Type::UInt16s}},
          [](const Target& target, const Properties& in) {
-             return Answer(target,
-                           model::SetGateways(AdapterOf(target), ListOf(in, "DefaultIPGateway")));
+             return Answer(target, model::SetGateways(target.state, AdapterOf(target),
+                                                      ListOf(in, "DefaultIPGateway")));
          }},
         {"SetDNSServerSearchOrder",
          false,

@@ -4,6 +4,7 @@
 
 #include "machine/Text.h"
 #include "machine/cim/AdapterRows.h"
+#include "machine/model/Identity.h"
 
 namespace machine::cim {
 namespace {
@@ -20,7 +21,7 @@ std::vector<Properties> RouteRows(const State& state, OptionalIndex /*index*/) {
 }
 
 std::vector<Properties> ComputerRows(const State& state, OptionalIndex /*index*/) {
-    const Membership& membership = state.membership;
+    const Membership& membership = model::ShownMembership(state);
     return {
         {{"Name", Type::Text, state.computerName},
          {"Caption", Type::Text, state.computerName},

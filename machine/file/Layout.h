@@ -2,9 +2,12 @@
 // (file::MemberWriter). What is read and written in a way of its own stands with the two.
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <string>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 #include <variant>
 
 #include "machine/AdapterProperties.h"
@@ -15,6 +18,27 @@ namespace machine::file {
 /// A value of the type that is read, or a constant one that is written.
 template <typename Value, typename Type>
 concept Like = std::same_as<std::remove_const_t<Value>, Type>;
+
+/// The values of an enumeration and their names.
+template <typename Choice>
+using Names = std::pair<Choice, std::string_view>;
+
+constexpr std::array kCryptoLibraries = {
+    Names<CryptoLibrary>{CryptoLibrary::Present, "present"},
+    Names<CryptoLibrary>{CryptoLibrary::Absent, "absent"},
+    Names<CryptoLibrary>{CryptoLibrary::WithoutExport, "withoutExport"}};
+constexpr std::array kConditions = {Names<Condition>{Condition::Connected, "connected"},
+                                    Names<Condition>{Condition::Unplugged, "unplugged"},
+                                    Names<Condition>{Condition::Disabled, "disabled"},
+                                    Names<Condition>{Condition::InTeam, "inTeam"},
+                                    Names<Condition>{Condition::BehindSwitch, "behindSwitch"}};
+
+constexpr const auto& NamesOf(CryptoLibrary /*type*/) {
+    return kCryptoLibraries;
+}
+constexpr const auto& NamesOf(Condition /*type*/) {
+    return kConditions;
+}
 
 template <typename Members>
 void ListMembers(Members& members, Like<DhcpLease> auto& lease) {
@@ -54,6 +78,8 @@ void ListMembers(Members& members, Like<Account> auto& account) {
     members.Required("password", account.password);
     members.Optional("mayJoin", account.mayJoin);
     members.Optional("mayMove", account.mayMove);
+    members.Optional("mayReuse", account.mayReuse);
+    members.Optional("quota", account.quota);
 }
 
 template <typename Members>
@@ -64,13 +90,30 @@ void ListMembers(Members& members, Like<OrganizationalUnit> auto& unit) {
 }
 
 template <typename Members>
+void ListMembers(Members& members, Like<ObjectOwner> auto& owner) {
+    members.Required("computer", owner.computer);
+    members.Required("account", owner.account);
+}
+
+template <typename Members>
 void ListMembers(Members& members, Like<Domain> auto& domain) {
     members.Required("dnsName", domain.dnsName);
     members.Required("flatName", domain.flatName);
     members.Optional("reachable", domain.reachable);
+    members.Optional("joinAnswer", domain.joinAnswer);
+    members.Optional("connectedAs", domain.connectedAs);
     members.Optional("accounts", domain.accounts);
     members.Optional("computers", domain.computers);
     members.Optional("units", domain.units);
+    members.Optional("owners", domain.owners);
+}
+
+template <typename Members>
+void ListMembers(Members& members, Like<Versions> auto& versions) {
+    members.Optional("staticOnStatic", versions.staticOnStatic);
+    members.Optional("refusedRoute", versions.refusedRoute);
+    members.Optional("notElevated", versions.notElevated);
+    members.Optional("leaseTakes", versions.leaseTakes);
 }
 
 template <typename Members>
@@ -78,6 +121,10 @@ void ListMembers(Members& members, Like<OperatingSystem> auto& system) {
     members.Optional("libCrypto", system.libCrypto);
     members.Optional("comSecuritySet", system.comSecuritySet);
     members.Optional("adapterChangesNeedRestart", system.adapterChangesNeedRestart);
+    members.Optional("elevated", system.elevated);
+    members.Optional("lockedCalls", system.lockedCalls);
+    members.Optional("workstationService", system.workstationService);
+    members.Optional("versions", system.versions);
 }
 
 template <typename Members>

@@ -7,6 +7,8 @@
 #include "machine/file/Layout.h"
 #include "machine/file/RegistryFile.h"
 #include "machine/model/Address.h"
+#include "machine/model/Network.h"
+#include "machine/model/Routes.h"
 
 namespace machine::file {
 
@@ -41,7 +43,23 @@ void Check(const Node& node, PersistedRoute& route) {
     ExpectAddress(node.Member("nextHop"), route.nextHop);
 }
 
+void ExpectOneOf(const Node& node, const std::string& name, std::uint32_t value,
+                 std::uint32_t either, std::uint32_t other) {
+    if (value != either && value != other) {
+        node.Member(name).Refuse(std::to_string(either) + " or " + std::to_string(other));
+    }
+}
+
+void Check(const Node& node, Versions& versions) {
+    ExpectOneOf(node, "staticOnStatic", versions.staticOnStatic, model::Succeeded,
+                model::DhcpNotConfigured);
+    ExpectOneOf(node, "refusedRoute", versions.refusedRoute, 0, 1);
+    ExpectOneOf(node, "notElevated", versions.notElevated, model::WbemAccessDenied,
+                model::AccessIsDenied);
+}
+
 void Check(const Node& node, State& state) {
+    model::PersistGateways(state);
     if (!node.Value().contains("hostName")) {
         state.hostName = state.computerName;
     }
@@ -87,17 +105,22 @@ void Read(const Node& node, std::vector<HostName>& hosts) {
     }
 }
 
-void Read(const Node& node, CryptoLibrary& library) {
+template <typename Choice>
+requires std::is_enum_v<Choice>
+void Read(const Node& node, Choice& choice) {
+    const auto& names = NamesOf(choice);
     const std::string text = node.Text();
-    if (text == "present") {
-        library = CryptoLibrary::Present;
-    } else if (text == "absent") {
-        library = CryptoLibrary::Absent;
-    } else if (text == "withoutExport") {
-        library = CryptoLibrary::WithoutExport;
-    } else {
-        node.Refuse(R"("present", "absent" or "withoutExport")");
+    const auto found = std::ranges::find(names, text, &Names<Choice>::second);
+    if (found == names.end()) {
+        std::string expected;
+        for (const auto& [value, name] : names) {
+            const bool isLast = name == names.back().second;
+            expected += expected.empty() ? "\"" : isLast ? " or \"" : ", \"";
+            expected += std::string(name) + "\"";
+        }
+        node.Refuse(expected);
     }
+    choice = found->first;
 }
 
 }  // namespace machine::file

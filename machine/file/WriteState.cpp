@@ -1,4 +1,5 @@
 // From a machine's state to JSON, and from files.
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -75,10 +76,10 @@ void Write(Place place, const Membership& membership) {
     }
 }
 
-void Write(Place place, CryptoLibrary library) {
-    place.json = library == CryptoLibrary::Present  ? "present"
-                 : library == CryptoLibrary::Absent ? "absent"
-                                                    : "withoutExport";
+template <typename Choice>
+requires std::is_enum_v<Choice>
+void Write(Place place, Choice choice) {
+    place.json = std::ranges::find(NamesOf(choice), choice, &Names<Choice>::first)->second;
 }
 
 void Write(Place place, const std::vector<HostName>& hosts) {

@@ -7,6 +7,7 @@
 #include "machine/Text.h"
 #include "machine/hooks/HandleBook.h"
 #include "machine/hooks/Hooks.h"
+#include "machine/model/Network.h"
 
 namespace machine {
 namespace {
@@ -128,6 +129,7 @@ void ServeSleep(Core& core, DWORD milliseconds) {
     {
         Call call(core, "Sleep", {{"milliseconds", std::to_string(milliseconds)}}, Failing::Never);
         call->clock += milliseconds;
+        model::PassTime(call->state, milliseconds);
     }
     Real().Sleep(0);
 }

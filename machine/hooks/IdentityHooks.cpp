@@ -20,6 +20,7 @@
 #include "machine/WideText.h"
 #include "machine/hooks/Hooks.h"
 #include "machine/model/Directory.h"
+#include "machine/model/Identity.h"
 
 namespace machine {
 namespace {
@@ -146,7 +147,7 @@ NTSTATUS ServeLsaQueryInformationPolicy(Core& core, LSA_HANDLE policy,
         call->ledger.RecordMisuse(call.Origin() + ": the policy is not open");
         return call.NtStatus(statusInvalidHandle);
     }
-    const Membership& membership = call->state.membership;
+    const Membership& membership = model::ShownMembership(call->state);
     BlockWriter writer(RoomFor(membership));
     if (wanted == PolicyPrimaryDomainInformation) {
         auto* information = writer.Add(POLICY_PRIMARY_DOMAIN_INFO());
@@ -215,12 +216,16 @@ DWORD ServeNetWkstaGetInfo(Core& core, LPCWSTR server, DWORD level, LPBYTE* buff
         return result(ERROR_INVALID_LEVEL);
     }
     const State& state = call->state;
-    BlockWriter writer(RoomFor(state.membership) + 8 * state.computerName.size());
+    if (!state.system.workstationService) {
+        return result(NERR_WkstaNotStarted);
+    }
+    const Membership& membership = model::ShownMembership(state);
+    BlockWriter writer(RoomFor(membership) + 8 * state.computerName.size());
     auto* information = writer.Add(WKSTA_INFO_100());
     information->wki100_platform_id = 500;  // PLATFORM_ID_NT
     information->wki100_computername = writer.AddText(Widen(state.computerName));
-    information->wki100_langroup = writer.AddText(
-        Widen(state.membership.member ? state.membership.domain : state.membership.workgroup));
+    information->wki100_langroup =
+        writer.AddText(Widen(membership.member ? membership.domain : membership.workgroup));
     information->wki100_ver_major = 10;
     *buffer = static_cast<LPBYTE>(HandOutBlock(call, netBufferKind, writer));
     return result(NERR_Success);
@@ -252,6 +257,7 @@ BOOLEAN ServeGetComputerObjectNameA(Core& core, EXTENDED_NAME_FORMAT format, LPS
         return result(false, ERROR_INVALID_PARAMETER);
     }
     State& state = call->state;
+    // The domain knows the machine from the restart on, whatever the policy says by then.
     if (!state.membership.member) {
         return result(false, ERROR_CANT_ACCESS_DOMAIN_INFO);
     }

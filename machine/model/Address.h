@@ -17,7 +17,7 @@ std::string FormatAddress(std::uint32_t address);
 
 // Ones, then zeros; either may be missing, as in the mask of a route.
 bool IsMask(std::uint32_t mask);
-// The same for an adapter's address, which needs a network.
+// The same for an adapter's address, which needs a network with room for others.
 bool IsAdapterMask(std::uint32_t mask);
 // What an adapter or a gateway may have.
 bool IsHost(std::uint32_t address);

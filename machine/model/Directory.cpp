@@ -125,8 +125,7 @@ Domain* FindDomain(State& state, std::string_view name) {
     return name.empty() || found == state.domains.end() ? nullptr : &*found;
 }
 
-const Account* Authenticate(const Domain& domain, std::string_view logonName,
-                            std::string_view password) {
+Account* Authenticate(Domain& domain, std::string_view logonName, std::string_view password) {
     std::string_view name = logonName;
     std::string_view authority;
     if (const auto slash = name.find('\\'); slash != std::string_view::npos) {
@@ -222,7 +221,10 @@ std::uint32_t MoveComputer(State& state, std::string_view destinationPath, const
     if (!account.mayMove) {
         return AccessDenied;
     }
-    if (destination.computers == nullptr || destination.domain != source.domain) {
+    if (destination.domain != source.domain) {
+        return Referral;  // platform knowledge: to another domain
+    }
+    if (destination.computers == nullptr) {
         return UnwillingToPerform;
     }
     std::string name = *object;

@@ -20,6 +20,7 @@ enum DirectoryCode : std::uint32_t {
     LogonFailure = 0x8007052E,        // ERROR_LOGON_FAILURE
     NoSuchObject = 0x80072030,        // ERROR_DS_NO_SUCH_OBJECT
     InvalidDnSyntax = 0x80072032,     // ERROR_DS_INVALID_DN_SYNTAX
+    Referral = 0x8007202B,            // ERROR_DS_REFERRAL
     UnwillingToPerform = 0x80072035,  // ERROR_DS_UNWILLING_TO_PERFORM
     ServerDown = 0x8007203A,          // ERROR_DS_SERVER_DOWN
     AlreadyExists = 0x80071392,       // ERROR_OBJECT_ALREADY_EXISTS
@@ -30,8 +31,7 @@ Domain* FindDomain(State& state, std::string_view name);
 
 // The account behind a logon name, "CORP\name", "corp.example\name", "name@corp.example" or "name";
 // null when the name, its domain or the password is wrong.
-const Account* Authenticate(const Domain& domain, std::string_view logonName,
-                            std::string_view password);
+Account* Authenticate(Domain& domain, std::string_view logonName, std::string_view password);
 
 // A container that may hold computer objects, or the domain itself.
 struct Container {

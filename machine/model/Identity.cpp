@@ -9,29 +9,60 @@
 namespace machine::model {
 namespace {
 
-// The membership that the machine will have: joins and leaves that wait for a restart count.
-const Membership& ComingMembership(const State& state) {
-    return state.pendingMembership ? *state.pendingMembership : state.membership;
-}
-
 // Whether the account may change computer accounts of the domain.
-std::uint32_t CheckCredentials(const Domain* domain, const Credentials& credentials) {
+std::uint32_t CheckCredentials(Domain* domain, const Credentials& credentials,
+                               Account** found = nullptr) {
     if (domain == nullptr || !domain->reachable) {
         return NoSuchDomain;
     }
-    const Account* account = Authenticate(*domain, credentials.userName, credentials.password);
+    Account* account = Authenticate(*domain, credentials.userName, credentials.password);
+    // Platform knowledge: one account at a time may be connected to a server.
+    if (domain->connectedAs &&
+        (account == nullptr || !EqualNoCase(*domain->connectedAs, account->name))) {
+        return WrongSession;
+    }
     if (account == nullptr) {
         return WrongCredentials;
+    }
+    if (found != nullptr) {
+        *found = account;
     }
     return account->mayJoin ? Done : NotAllowed;
 }
 
+// Documented (KB 5020276): since October 2022 an account of the directory does not take over a
+// computer object that another one made, unless it is trusted to.
+bool MayReuse(const Domain& domain, const Account& account, const std::string& computer) {
+    const auto owner = std::ranges::find_if(domain.owners, [&computer](const ObjectOwner& one) {
+        return EqualNoCase(one.computer, computer);
+    });
+    return owner == domain.owners.end() || account.mayReuse ||
+           EqualNoCase(owner->account, account.name);
+}
+
+std::uint32_t CreateComputer(Domain& domain, TextList& unit, Account& account,
+                             const std::string& computer) {
+    if (account.quota) {
+        if (*account.quota == 0) {
+            return QuotaExceeded;  // documented; ten objects for each user by default
+        }
+        --*account.quota;
+    }
+    unit.push_back(computer);
+    domain.owners.push_back({computer, account.name});
+    return Done;
+}
+
 // Makes sure that the domain has the computer's account.
-std::uint32_t ProvideAccount(State& state, Domain& domain, const std::string& computer,
-                             const std::string& accountOu, bool create) {
+std::uint32_t ProvideAccount(State& state, Domain& domain, Account& account,
+                             const std::string& computer, const std::string& accountOu,
+                             bool create) {
     const auto existing = FindComputer(domain, computer);
+    if (existing && !MayReuse(domain, account, computer)) {
+        return ReuseRefused;
+    }
     if (!create) {
-        return existing ? Done : NoSuchComputerAccount;
+        return existing ? Done : NoAccountMapped;  // documented
     }
     Container unit{&domain, &domain.computers};
     if (!accountOu.empty() && (FindContainerByDn(state, accountOu, unit) != DirectoryOk ||
@@ -41,15 +72,14 @@ std::uint32_t ProvideAccount(State& state, Domain& domain, const std::string& co
     if (existing) {
         return accountOu.empty() || existing->container == unit.computers ? Done : AccountExists;
     }
-    unit.computers->push_back(computer);
-    return Done;
+    return CreateComputer(domain, *unit.computers, account, computer);
 }
 
 std::uint32_t JoinWorkgroup(State& state, const std::string& name) {
     if (!IsNetBiosName(name)) {
         return InvalidWorkgroup;
     }
-    if (ComingMembership(state).member) {
+    if (ShownMembership(state).member) {
         return AlreadyJoined;
     }
     state.pendingMembership = Membership::OfWorkgroup(name);
@@ -57,6 +87,12 @@ std::uint32_t JoinWorkgroup(State& state, const std::string& name) {
 }
 
 }  // namespace
+
+const Membership& ShownMembership(const State& state) {
+    // Documented for a workgroup (MS-WKST 3.2.4.13.4): the call writes name and SID of the policy.
+    // Platform knowledge: so do those that join and leave a domain.
+    return state.pendingMembership ? *state.pendingMembership : state.membership;
+}
 
 std::string NetBiosName(std::string_view hostName) {
     std::string name(hostName.substr(0, kLongestNetBiosName));
@@ -91,6 +127,11 @@ std::uint32_t Rename(State& state, const std::string& newName, const Credentials
             return NoSuchComputerAccount;
         }
         (*own->container)[own->position] = coming;
+        for (ObjectOwner& owner : domain->owners) {
+            if (EqualNoCase(owner.computer, current)) {
+                owner.computer = coming;
+            }
+        }
     }
     state.pendingComputerName = newName;
     return Done;
@@ -101,21 +142,28 @@ std::uint32_t Join(State& state, const std::string& name, const Credentials& cre
     if ((options & ~static_cast<std::uint32_t>(AllJoinOptions)) != 0) {
         return WrongOptions;
     }
+    if (!state.system.workstationService) {
+        return NoWorkstationService;  // documented
+    }
     if ((options & JoinDomain) == 0) {
         return JoinWorkgroup(state, name);
     }
-    if (ComingMembership(state).member && (options & JoinIfJoined) == 0) {
+    if (ShownMembership(state).member && (options & JoinIfJoined) == 0) {
         return AlreadyJoined;
     }
     Domain* domain = FindDomain(state, name);
-    if (const auto code = CheckCredentials(domain, credentials); code != Done) {
+    if (domain != nullptr && domain->joinAnswer != Done) {
+        return domain->joinAnswer;
+    }
+    Account* account = nullptr;
+    if (const auto code = CheckCredentials(domain, credentials, &account); code != Done) {
         return code;
     }
     const bool newName = (options & JoinWithNewName) != 0 && state.pendingComputerName;
     const std::string computer =
         NetBiosName(newName ? *state.pendingComputerName : state.computerName);
     const bool create = (options & CreateAccount) != 0;
-    if (const auto code = ProvideAccount(state, *domain, computer, accountOu, create);
+    if (const auto code = ProvideAccount(state, *domain, *account, computer, accountOu, create);
         code != Done) {
         return code;
     }
@@ -124,7 +172,10 @@ std::uint32_t Join(State& state, const std::string& name, const Credentials& cre
 }
 
 std::uint32_t Unjoin(State& state, const Credentials& credentials, std::uint32_t options) {
-    const Membership& coming = ComingMembership(state);
+    const Membership& coming = ShownMembership(state);
+    if (!state.system.workstationService) {
+        return NoWorkstationService;
+    }
     if (!coming.member) {
         return NotJoined;
     }

@@ -1,6 +1,7 @@
 // The name and the membership of the simulated machine: what the methods of Win32_ComputerSystem do
 // to it. Every method gives a Windows error code (0: done) and changes nothing unless it gives 0.
-// Name and membership change at the next restart (ApplyRestart), the directory at once.
+// Name and membership change at the next restart (ApplyRestart), the directory and what the machine
+// says of its membership at once.
 #pragma once
 
 #include <cstdint>
@@ -16,14 +17,19 @@ enum IdentityCode : std::uint32_t {
     UnitNotFound = 2,              // ERROR_FILE_NOT_FOUND: what a wrong AccountOU gives
     NotAllowed = 5,                // ERROR_ACCESS_DENIED
     WrongOptions = 87,             // ERROR_INVALID_PARAMETER
+    WrongSession = 1219,           // ERROR_SESSION_CREDENTIAL_CONFLICT
     InvalidComputerName = 1210,    // ERROR_INVALID_COMPUTERNAME
     NoSuchComputerAccount = 1317,  // ERROR_NO_SUCH_USER
     WrongCredentials = 1326,       // ERROR_LOGON_FAILURE
+    NoAccountMapped = 1332,        // ERROR_NONE_MAPPED
     NoSuchDomain = 1355,           // ERROR_NO_SUCH_DOMAIN
+    NoWorkstationService = 2138,   // NERR_WkstaNotStarted
     AccountExists = 2224,          // NERR_UserExists
     AlreadyJoined = 2691,          // NERR_SetupAlreadyJoined
     NotJoined = 2692,              // NERR_SetupNotJoined
     InvalidWorkgroup = 2695,       // NERR_InvalidWorkgroupName
+    ReuseRefused = 2732,           // NERR_AccountReuseBlockedByPolicy
+    QuotaExceeded = 8557,          // ERROR_DS_MACHINE_ACCOUNT_QUOTA_EXCEEDED
 };
 
 enum JoinOption : std::uint32_t {
@@ -42,6 +48,10 @@ struct Credentials {
 
 // The name that Windows makes of a host name: capitals, at most 15 characters.
 std::string NetBiosName(std::string_view hostName);
+
+/// The membership that the machine says it has, to the LSA policy and to WMI: a join or a leave
+/// counts from the call on, although it takes effect at the restart.
+const Membership& ShownMembership(const State& state);
 
 std::uint32_t Rename(State& state, const std::string& newName, const Credentials& credentials);
 std::uint32_t Join(State& state, const std::string& name, const Credentials& credentials,

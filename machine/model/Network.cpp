@@ -1,10 +1,13 @@
 #include "machine/model/Network.h"
 
 #include <algorithm>
+#include <string_view>
 
+#include "machine/model/AdapterView.h"
 #include "machine/model/Address.h"
 #include "machine/model/Names.h"
 #include "machine/model/RegistryView.h"
+#include "machine/model/Routes.h"
 
 namespace machine::model {
 namespace {
@@ -21,54 +24,137 @@ bool AreAll(const TextList& texts, bool (*isKind)(std::uint32_t)) {
     });
 }
 
-// A gateway must be a host that one of the adapter's own networks reaches directly.
-bool IsReachable(const Adapter& adapter, std::uint32_t gateway) {
-    if (!adapter.ipAddress || !adapter.ipSubnet) {
-        return false;
-    }
-    const std::size_t count = std::min(adapter.ipAddress->size(), adapter.ipSubnet->size());
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto address = ParseAddress((*adapter.ipAddress)[i]);
-        const auto mask = ParseAddress((*adapter.ipSubnet)[i]);
-        if (address && mask && Network{*address, *mask}.Contains(gateway)) {
-            return true;
-        }
-    }
-    return false;
+bool HasLease(const Adapter& adapter) {
+    return adapter.dhcpEnabled.value_or(false) && adapter.dhcpLease && !adapter.leaseDueIn;
 }
 
-bool UsesLease(const Adapter& adapter) {
-    return adapter.dhcpEnabled.value_or(false) && adapter.dhcpLease.has_value();
+bool IsIPv6(std::string_view text) {
+    return text.find(':') != std::string_view::npos;
+}
+
+/// Puts addresses of IPv4 in the place of those there are. Those of IPv6 stay behind them, each
+/// with the length of its prefix for a mask (seen in five public dumps): no method here touches
+/// them.
+void ReplaceAddresses(Adapter& adapter, TextList addresses, TextList masks) {
+    const TextList present = adapter.ipAddress.value_or(TextList());
+    const TextList prefixes = adapter.ipSubnet.value_or(TextList());
+    for (std::size_t i = 0; i < std::min(present.size(), prefixes.size()); ++i) {
+        if (IsIPv6(present[i])) {
+            addresses.push_back(present[i]);
+            masks.push_back(prefixes[i]);
+        }
+    }
+    adapter.ipAddress = NullWhenEmpty(addresses);
+    adapter.ipSubnet = NullWhenEmpty(masks);
+}
+
+/// The same for gateways: those of IPv6 come with router advertisements (seen in two public dumps).
+void ReplaceGateways(Adapter& adapter, TextList gateways) {
+    for (const std::string& gateway : adapter.gateways.value_or(TextList())) {
+        if (IsIPv6(gateway)) {
+            gateways.push_back(gateway);
+        }
+    }
+    adapter.gateways = NullWhenEmpty(gateways);
+}
+
+TextList GatewaysSetByHand(const State& state, const Adapter& adapter) {
+    TextList gateways = adapter.gateways.value_or(TextList());
+    std::erase_if(gateways,
+                  [&state](const std::string& gateway) { return !IsSetByHand(state, gateway); });
+    return gateways;
+}
+
+/// Documented: an adapter that gets its own address for a gateway has none afterwards.
+bool ClearsGateways(const Adapter& adapter, const TextList& gateways) {
+    const TextList own = adapter.ipAddress.value_or(TextList());
+    return !gateways.empty() && std::ranges::all_of(gateways, [&own](const std::string& gateway) {
+        return std::ranges::any_of(own, [&gateway](const std::string& address) {
+            return IsSameAddress(gateway, address);
+        });
+    });
+}
+
+/// What any of the methods may answer without having looked at its parameters.
+std::uint32_t Refusal(State& state) {
+    if (!state.system.elevated) {
+        // Seen twice: 0x80041003 without elevation. Documented: 91, access denied.
+        return state.system.versions.notElevated;
+    }
+    if (state.system.lockedCalls > 0) {
+        // Documented: somebody else is changing the configuration. It passes; one project tries ten
+        // times, a second apart.
+        --state.system.lockedCalls;
+        return ConfigurationLocked;
+    }
+    return Succeeded;
+}
+
+std::uint32_t Refusal(State& state, const Adapter& adapter) {
+    const std::uint32_t refusal = Refusal(state);
+    // Seen in two projects: 84 where IPEnabled is false.
+    return refusal == Succeeded && !HasIp(adapter) ? static_cast<std::uint32_t>(IpNotEnabled)
+                                                   : refusal;
 }
 
 }  // namespace
 
-void TakeLease(Adapter& adapter) {
-    const DhcpLease lease = adapter.dhcpLease.value_or(DhcpLease());
-    adapter.ipAddress = NullWhenEmpty(lease.ipAddress);
-    adapter.ipSubnet = NullWhenEmpty(lease.ipSubnet);
-    adapter.gateways = NullWhenEmpty(lease.gateways);
+void TakeLease(State& state, Adapter& adapter) {
+    // Platform knowledge: where no server answers, an adapter gives itself an address of 169.254.
+    const std::string own = "169.254." + std::to_string(1 + adapter.index % 254) + ".1";
+    const DhcpLease lease =
+        adapter.dhcpLease.value_or(DhcpLease{{own}, {"255.255.0.0"}, {}, {}, std::nullopt});
+    adapter.leaseDueIn.reset();
+    ReplaceAddresses(adapter, lease.ipAddress, lease.ipSubnet);
+    TextList gateways = GatewaysSetByHand(state, adapter);
+    for (const std::string& gateway : lease.gateways) {
+        if (std::ranges::find(gateways, gateway) == gateways.end()) {
+            gateways.push_back(gateway);
+        }
+    }
+    ReplaceGateways(adapter, gateways);
     adapter.dnsDomain = lease.dnsDomain;
-    // Servers set by hand outlive the change to DHCP, as on Windows.
+    // Documented by implication: servers set by hand outlive the change to DHCP.
     adapter.dnsServers =
         NullWhenEmpty(adapter.staticDns.empty() ? lease.dnsServers : adapter.staticDns);
 }
 
-std::uint32_t EnableDhcp(Adapter& adapter) {
-    if (!adapter.ipEnabled) {
-        return IpNotEnabled;
+void PassTime(State& state, std::uint64_t milliseconds) {
+    for (Adapter& adapter : state.adapters) {
+        if (adapter.leaseDueIn && *adapter.leaseDueIn <= milliseconds) {
+            TakeLease(state, adapter);
+        } else if (adapter.leaseDueIn) {
+            *adapter.leaseDueIn -= static_cast<std::uint32_t>(milliseconds);
+        }
+    }
+}
+
+void Settle(State& state) {
+    PassTime(state, UINT64_MAX);
+}
+
+std::uint32_t EnableDhcp(State& state, Adapter& adapter) {
+    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != Succeeded) {
+        return refusal;
     }
     if (adapter.dhcpEnabled.value_or(false)) {
         return Succeeded;
     }
     adapter.dhcpEnabled = true;
-    TakeLease(adapter);
+    // Documented in the method's remarks, and seen as two default gateways side by side: gateways
+    // set by hand stay.
+    ReplaceAddresses(adapter, {}, {});
+    // Documented (KB 241410): the method does not wait for the lease, whose address takes about 3 s
+    // and its gateway 2 s more.
+    adapter.leaseDueIn = state.system.versions.leaseTakes;
+    PassTime(state, 0);
     return Succeeded;
 }
 
-std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const TextList& masks) {
-    if (!adapter.ipEnabled) {
-        return IpNotEnabled;
+std::uint32_t EnableStatic(State& state, Adapter& adapter, const TextList& addresses,
+                           const TextList& masks) {
+    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != Succeeded) {
+        return refusal;
     }
     if (addresses.empty() || addresses.size() != masks.size()) {
         return InvalidInput;
@@ -79,51 +165,59 @@ std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const Te
     if (!AreAll(masks, IsAdapterMask)) {
         return InvalidSubnetMask;
     }
+    const bool wasStatic = adapter.dhcpEnabled == false;
     if (adapter.dhcpEnabled.value_or(false)) {
-        // What the lease brought goes with it.
-        adapter.gateways.reset();
+        // Platform knowledge: what the lease brought goes with it; between two static addresses
+        // gateways and servers stay.
+        ReplaceGateways(adapter, GatewaysSetByHand(state, adapter));
         adapter.dnsDomain.reset();
         adapter.dnsServers = NullWhenEmpty(adapter.staticDns);
+        adapter.leaseDueIn.reset();
     }
     adapter.dhcpEnabled = false;
-    adapter.ipAddress = addresses;
-    adapter.ipSubnet = masks;
-    return Succeeded;
+    ReplaceAddresses(adapter, addresses, masks);
+    // Documented in the method's remarks, seen once: 81 on an adapter that is static already, yet
+    // the address is set.
+    return wasStatic ? state.system.versions.staticOnStatic : static_cast<std::uint32_t>(Succeeded);
 }
 
-std::uint32_t SetGateways(Adapter& adapter, const TextList& gateways) {
-    if (!adapter.ipEnabled) {
-        return IpNotEnabled;
+std::uint32_t SetGateways(State& state, Adapter& adapter, const TextList& gateways) {
+    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != Succeeded) {
+        return refusal;
+    }
+    if (adapter.dhcpEnabled.value_or(false)) {
+        return NotSupported;  // documented: in static mode only
     }
     if (gateways.size() > kMostGateways) {
         return TooManyGateways;
+    }
+    if (ClearsGateways(adapter, gateways)) {
+        ReplaceGateways(adapter, {});  // seen once: a persistent route of before stays
+        return Succeeded;
     }
     for (const std::string& text : gateways) {
         const auto gateway = ParseAddress(text);
         if (!gateway) {
             return InvalidIpAddress;
         }
-        if (!IsHost(*gateway) || !IsReachable(adapter, *gateway)) {
+        if (!IsHost(*gateway) || !Reaches(adapter, *gateway)) {
             return InvalidGateway;
         }
     }
-    if (gateways.empty() && UsesLease(adapter)) {
-        adapter.gateways = NullWhenEmpty(adapter.dhcpLease->gateways);
-    } else {
-        adapter.gateways = NullWhenEmpty(gateways);
-    }
+    ReplaceGatewayRoutes(state, GatewaysSetByHand(state, adapter), gateways);
+    ReplaceGateways(adapter, gateways);
     return Succeeded;
 }
 
 std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& servers) {
-    if (!adapter.ipEnabled) {
-        return IpNotEnabled;
+    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != Succeeded) {
+        return refusal;
     }
     if (!AreAll(servers, IsDnsServer)) {
         return InvalidIpAddress;
     }
     adapter.staticDns = servers;
-    if (servers.empty() && UsesLease(adapter)) {
+    if (servers.empty() && HasLease(adapter)) {
         adapter.dnsServers = NullWhenEmpty(adapter.dhcpLease->dnsServers);
     } else {
         adapter.dnsServers = NullWhenEmpty(servers);
@@ -133,6 +227,9 @@ std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& serv
 }
 
 std::uint32_t SetDnsSuffixes(State& state, const TextList& suffixes) {
+    if (const std::uint32_t refusal = Refusal(state); refusal != Succeeded) {
+        return refusal;
+    }
     if (!std::ranges::all_of(suffixes, IsSuffix)) {
         return InvalidDomainName;
     }

@@ -1,6 +1,6 @@
 // The IP settings of the simulated machine: what the methods of Win32_NetworkAdapterConfiguration
-// do to it. Every method gives the code that Windows documents for the class and changes nothing
-// unless it gives 0.
+// do to it. Every method gives a code that Windows is documented or known to give, and changes
+// nothing unless it gives 0 or, for EnableStatic alone, 81.
 #pragma once
 
 #include <cstdint>
@@ -11,23 +11,34 @@ namespace machine::model {
 
 enum NetworkCode : std::uint32_t {
     Succeeded = 0,
+    NotSupported = 64,
     InvalidSubnetMask = 66,
     InvalidInput = 68,
     TooManyGateways = 69,
     InvalidIpAddress = 70,
     InvalidGateway = 71,
     InvalidDomainName = 73,
+    DhcpNotConfigured = 81,
     IpNotEnabled = 84,
+    AccessIsDenied = 91,
+    WbemAccessDenied = 0x80041003,     // WBEM_E_ACCESS_DENIED
+    ConfigurationLocked = 0x8004A024,  // NETCFG_E_NO_WRITE_LOCK
 };
 
-// Takes over what the DHCP server hands out; without a lease the adapter has no address.
-void TakeLease(Adapter& adapter);
+/// Takes over what the DHCP server hands out; without a server the adapter gives itself an address.
+void TakeLease(State& state, Adapter& adapter);
 
-std::uint32_t EnableDhcp(Adapter& adapter);
-std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const TextList& masks);
-// No gateways: removes them, or goes back to those of the lease.
-std::uint32_t SetGateways(Adapter& adapter, const TextList& gateways);
-// No servers: goes back to those of the lease.
+/// Lets time pass: leases that are asked for arrive.
+void PassTime(State& state, std::uint64_t milliseconds);
+/// Lets as much time pass as everything that was begun needs.
+void Settle(State& state);
+
+std::uint32_t EnableDhcp(State& state, Adapter& adapter);
+std::uint32_t EnableStatic(State& state, Adapter& adapter, const TextList& addresses,
+                           const TextList& masks);
+/// No gateways: removes them.
+std::uint32_t SetGateways(State& state, Adapter& adapter, const TextList& gateways);
+/// No servers: goes back to those of the lease.
 std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& servers);
 std::uint32_t SetDnsSuffixes(State& state, const TextList& suffixes);
 

@@ -19,12 +19,18 @@ std::string_view LastPart(std::string_view path) {
     return path.substr(path.rfind('\\') + 1);
 }
 
-/// The keys that adapters have; those of that last part only, if there is one.
+/// The keys that adapters have and the one of their suffixes; those of that last part only, if
+/// there is one.
 std::vector<RegistryKey> DerivedKeys(const State& state, std::string_view lastPart) {
     const auto isWanted = [lastPart](const std::optional<std::string>& name) {
         return name && (lastPart.empty() || EqualNoCase(LastPart(*name), lastPart));
     };
     std::vector<RegistryKey> keys;
+    if (isWanted(kParametersKey)) {
+        keys.push_back(
+            {kParametersKey,
+             {RegistryValue::Text("SearchList", machine::Join(state.dnsSuffixes, ","))}});
+    }
     for (const Adapter& adapter : state.adapters) {
         if (isWanted(adapter.pnpDeviceId)) {
             RegistryKey key{JoinKeyPath(deviceKeys, *adapter.pnpDeviceId), {}};

@@ -10,6 +10,11 @@
 
 namespace machine::model {
 
+// Where the suffix search lists stand, the one set by hand and the one of a policy, both in the
+// value SearchList.
+inline constexpr char kParametersKey[] = R"(SYSTEM\CurrentControlSet\Services\Tcpip\Parameters)";
+inline constexpr char kDnsPolicyKey[] = R"(SOFTWARE\Policies\Microsoft\Windows NT\DNSClient)";
+
 // The path of a key below another one; either may be empty, and blunders of "\" at the ends do not
 // matter.
 std::string JoinKeyPath(std::string_view base, std::string_view below);

@@ -8,6 +8,8 @@
 #include "machine/Cipher.h"
 #include "machine/Text.h"
 #include "machine/model/Directory.h"
+#include "machine/model/Identity.h"
+#include "machine/model/Network.h"
 #include "machine/model/RegistryView.h"
 #include "machine/native/Machine.h"
 #include "machine/route/RouteCommand.h"
@@ -26,7 +28,7 @@ void readMembership(const Membership& membership) {
         const auto status = static_cast<std::int32_t>(*fault);
         throw DomainError(" - IsDomainMember returned error ", 73, status, status);
     }
-    const machine::Membership& known = TheMachine().state.membership;
+    const machine::Membership& known = machine::model::ShownMembership(TheMachine().state);
     membership.isMember = known.member;
     if (known.member) {
         membership.domain = known.domain;
@@ -110,6 +112,7 @@ void DllProxy::GetProcAddress(void*& slot, const char* name) {
 void Pause(std::uint32_t milliseconds) {
     const Call call("Sleep", {{"milliseconds", std::to_string(milliseconds)}});
     TheMachine().clock += milliseconds;
+    machine::model::PassTime(TheMachine().state, milliseconds);
 }
 
 }  // namespace sys
@@ -123,7 +126,7 @@ std::int32_t RunCommand(const std::string& commandLine) {
     }
     std::vector<std::string> words = machine::Split(commandLine, ' ');
     words.erase(words.begin());  // the program
-    return machine::RunRoute(words, TheMachine().state.routes).exitCode;
+    return machine::RunRoute(words, TheMachine().state).exitCode;
 }
 
 }  // namespace proc

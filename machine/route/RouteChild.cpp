@@ -44,7 +44,7 @@ RouteChild::RouteChild(State& state, std::string_view commandLine,
         exitCode_ = *forcedExitCode;
         return;
     }
-    const RouteOutcome outcome = RunRoute(ArgumentsOf(commandLine), state.routes);
+    const RouteOutcome outcome = RunRoute(ArgumentsOf(commandLine), state);
     exitCode_ = static_cast<std::uint32_t>(outcome.exitCode);
     if (output != nullptr) {
         DWORD written = 0;

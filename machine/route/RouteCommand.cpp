@@ -5,20 +5,19 @@
 
 #include "machine/Text.h"
 #include "machine/model/Address.h"
+#include "machine/model/Routes.h"
 
 namespace machine {
 namespace {
 
-constexpr int failureCode = 1;
-
-RouteOutcome Fail(std::string why) {
-    return {failureCode, std::move(why) + "\n"};
+RouteOutcome Refuse(const State& state, std::string why) {
+    return {static_cast<int>(model::RefusedRouteExitCode(state)), std::move(why) + "\n"};
 }
 
 RouteOutcome Usage() {
-    return Fail(
-        "usage: route [-p] ADD destination [MASK mask] gateway [METRIC metric]\n"
-        "       route DELETE destination");
+    return {1,
+            "usage: route [-p] ADD destination [MASK mask] gateway [METRIC metric]\n"
+            "       route DELETE destination\n"};
 }
 
 std::optional<std::int32_t> ParseNumber(std::string_view text) {
@@ -28,14 +27,7 @@ std::optional<std::int32_t> ParseNumber(std::string_view text) {
     return error == std::errc() && end == last ? std::optional(number) : std::nullopt;
 }
 
-/// Whether the text means the address, or else is the text itself.
-bool Means(const std::string& text, const std::optional<std::uint32_t>& address,
-           const std::string& otherwise) {
-    return address ? model::ParseAddress(text) == address : text == otherwise;
-}
-
-RouteOutcome Add(const std::vector<std::string>& arguments, std::vector<PersistedRoute>& routes,
-                 bool persistent) {
+RouteOutcome Add(const std::vector<std::string>& arguments, State& state, bool persistent) {
     PersistedRoute route{"", "255.255.255.255", "", 1};
     std::vector<std::string> places;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -53,7 +45,7 @@ RouteOutcome Add(const std::vector<std::string>& arguments, std::vector<Persiste
         }
         const auto metric = ParseNumber(arguments[i]);
         if (!metric || *metric < model::kLeastMetric || *metric > model::kMostMetric) {
-            return Fail("route: bad argument " + arguments[i]);
+            return Refuse(state, "route: bad argument " + arguments[i]);
         }
         route.metric = *metric;
     }
@@ -64,45 +56,38 @@ RouteOutcome Add(const std::vector<std::string>& arguments, std::vector<Persiste
     const auto mask = model::ParseAddress(route.mask);
     const auto gateway = model::ParseAddress(places[1]);
     if (!destination || !gateway) {
-        return Fail("route: bad gateway address " + (destination ? places[1] : places[0]));
+        return Refuse(state, "The route addition failed: The parameter is incorrect.");
     }
     if (!mask || !model::IsMask(*mask) || model::HasBitsOutside(*destination, *mask)) {
-        return Fail("The route addition failed: The parameter is incorrect.");
+        return Refuse(state, "The route addition failed: The specified mask parameter is invalid.");
     }
     route.destination = model::FormatAddress(*destination);
     route.mask = model::FormatAddress(*mask);
     route.nextHop = model::FormatAddress(*gateway);
-    const bool exists = std::ranges::any_of(routes, [&](const PersistedRoute& other) {
-        return Means(other.destination, destination, {}) && Means(other.mask, mask, {}) &&
-               Means(other.nextHop, gateway, {});
-    });
-    if (exists) {
-        return Fail("The route addition failed: The object already exists.");
+    if (model::HasRoute(state, *destination, *mask, *gateway)) {
+        return Refuse(state, "The route addition failed: The object already exists.");
     }
     if (persistent) {
-        routes.push_back(std::move(route));
+        model::AddRoute(state, route);
     }
     return {0, " OK!\n"};
 }
 
-RouteOutcome Delete(const std::vector<std::string>& arguments,
-                    std::vector<PersistedRoute>& routes) {
+RouteOutcome Delete(const std::vector<std::string>& arguments, State& state) {
     if (arguments.size() != 1) {
         return Usage();
     }
-    const auto destination = model::ParseAddress(arguments[0]);
-    // Every route to the destination goes, whatever its mask and gateway.
-    const auto gone = std::erase_if(routes, [&](const PersistedRoute& route) {
-        return Means(route.destination, destination, arguments[0]);
-    });
-    return gone == 0 ? Fail("The route deletion failed: Element not found.")
-                     : RouteOutcome{0, " OK!\n"};
+    return model::DeleteRoutes(state, arguments[0])
+               ? RouteOutcome{0, " OK!\n"}
+               : Refuse(state, "The route deletion failed: Element not found.");
 }
 
 }  // namespace
 
-RouteOutcome RunRoute(const std::vector<std::string>& arguments,
-                      std::vector<PersistedRoute>& routes) {
+RouteOutcome RunRoute(const std::vector<std::string>& arguments, State& state) {
+    if (!state.system.elevated) {
+        return {model::kNotElevatedExitCode, "The requested operation requires elevation.\n"};
+    }
     auto argument = arguments.begin();
     bool persistent = false;
     for (; argument != arguments.end() && argument->starts_with('-'); ++argument) {
@@ -118,9 +103,9 @@ RouteOutcome RunRoute(const std::vector<std::string>& arguments,
     const std::string& verb = *argument;
     const std::vector<std::string> rest(argument + 1, arguments.end());
     if (EqualNoCase(verb, "add")) {
-        return Add(rest, routes, persistent);
+        return Add(rest, state, persistent);
     }
-    return EqualNoCase(verb, "delete") ? Delete(rest, routes) : Usage();
+    return EqualNoCase(verb, "delete") ? Delete(rest, state) : Usage();
 }
 
 }  // namespace machine

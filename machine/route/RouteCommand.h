@@ -13,9 +13,7 @@ struct RouteOutcome {
     std::string output;
 };
 
-// Runs "route" with these arguments (the program's name not among them) on a machine with these
-// routes.
-RouteOutcome RunRoute(const std::vector<std::string>& arguments,
-                      std::vector<PersistedRoute>& routes);
+// Runs "route" with these arguments (the program's name not among them) on the machine.
+RouteOutcome RunRoute(const std::vector<std::string>& arguments, State& state);
 
 }  // namespace machine

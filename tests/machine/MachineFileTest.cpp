@@ -32,7 +32,14 @@ State RichState() {
     };
     state.domains[0].reachable = false;
     state.hosts.push_back({"nowhere.example", {}});
-    state.system = {CryptoLibrary::WithoutExport, true, true};
+    state.adapters[1].condition = Condition::BehindSwitch;
+    state.adapters[0].leaseDueIn = 100;
+    state.domains[0].joinAnswer = 58;
+    state.domains[0].connectedAs = "visitor";
+    state.domains[0].accounts[0].mayReuse = true;
+    state.domains[0].accounts[0].quota = 3;
+    state.domains[0].owners = {{"PRINTSERVER", "joiner"}};
+    state.system = {CryptoLibrary::WithoutExport, true, true, false, 3, false, {81, 1, 91, 0}};
     return state;
 }
 
@@ -55,13 +62,18 @@ TEST(MachineFile, WhatIsSavedLoadsUnchanged) {
 TEST(MachineFile, MissingMembersTakeSensibleValues) {
     const State state = ParseState(R"({"computerName": "PC1", "adapters": [
         {"index": 3, "dhcpEnabled": false, "dnsServers": ["192.0.2.1"]},
-        {"index": 4, "dhcpEnabled": true, "dnsServers": ["192.0.2.1"]}]})");
+        {"index": 4, "dhcpEnabled": true, "dnsServers": ["192.0.2.1"], "gateways": ["192.0.2.2"]},
+        {"index": 5, "dhcpEnabled": false, "gateways": ["fe80::1", "192.0.2.3", "192.0.2.4"]}],
+        "routes": [{"destination": "0.0.0.0", "mask": "0.0.0.0", "nextHop": "192.0.2.4"}]})");
     EXPECT_EQ(state.hostName, "PC1");
     EXPECT_EQ(state.membership, Membership::OfWorkgroup("WORKGROUP"));
     EXPECT_TRUE(state.adapters[0].ipEnabled);
     EXPECT_EQ(state.adapters[0].caption, std::nullopt);
     EXPECT_EQ(state.adapters[0].staticDns, (TextList{"192.0.2.1"}));
     EXPECT_EQ(state.adapters[1].staticDns, TextList());
+    EXPECT_EQ(state.routes, (std::vector<PersistedRoute>{{"0.0.0.0", "0.0.0.0", "192.0.2.3", -1},
+                                                         {"0.0.0.0", "0.0.0.0", "192.0.2.4", 1}}))
+        << "gateways set by hand are persistent routes";
 }
 
 std::string ErrorOf(const std::string& json) {
@@ -101,6 +113,8 @@ TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
          "/registry/k: the key stands twice: letter case does not count"},
         {R"("system": {"libCrypto": "broken"})",
          R"(/system/libCrypto: expected "present", "absent" or "withoutExport", found "broken")"},
+        {R"("system": {"versions": {"staticOnStatic": 1}})",
+         "/system/versions/staticOnStatic: expected 0 or 81, found 1"},
     };
     for (const auto& [member, message] : cases) {
         EXPECT_EQ(ErrorOf(R"({"computerName": "A", )" + member + "}"), message);

@@ -42,13 +42,15 @@ TEST(RouteCommand, AddsAndDeletesOrFails) {
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(one.commandLine);
-        std::vector<PersistedRoute> routes = present;
-        const RouteOutcome outcome = RunRoute(Split(one.commandLine, ' '), routes);
+        State state;
+        state.routes = present;
+        state.system.versions.refusedRoute = 1;
+        const RouteOutcome outcome = RunRoute(Split(one.commandLine, ' '), state);
         EXPECT_EQ(outcome.exitCode, one.exitCode);
         EXPECT_FALSE(outcome.output.empty());
         std::vector<PersistedRoute> expected = one.kept;
         expected.insert(expected.end(), one.added.begin(), one.added.end());
-        EXPECT_EQ(routes, expected);
+        EXPECT_EQ(state.routes, expected);
     }
 }
 

@@ -23,7 +23,7 @@ TEST_F(WmiTest, DeliversTheVariantTypesOfWindowsAndOnlyWhatWasSelected) {
         {L"select DefaultIPGateway from Win32_NetworkAdapterConfiguration where Index=7",
          L"DefaultIPGateway", VT_NULL},
         {L"select DNSDomainSuffixSearchOrder from Win32_NetworkAdapterConfiguration where Index=1",
-         L"DNSDomainSuffixSearchOrder", VT_NULL},
+         L"DNSDomainSuffixSearchOrder", VT_ARRAY | VT_BSTR},
         {L"select DNSDomain from Win32_NetworkAdapterConfiguration where Index=2", L"DNSDomain",
          VT_NULL},
         {L"select Workgroup from Win32_ComputerSystem", L"Workgroup", VT_BSTR},

@@ -55,9 +55,9 @@ TEST(Diff, EveryChangeIsNamedOnce) {
         {[](State& state) { state.adapters.erase(state.adapters.begin()); },
          {first + "|adapter|there|"}},
         // A second copy of a route is one more route.
-        {[](State& state) { state.routes.push_back(state.routes.front()); },
+        {[](State& state) { state.routes.push_back(state.routes.back()); },
          {"routes|||10.20.0.0 mask 255.255.0.0 via 198.51.100.254 metric 5"}},
-        {[](State& state) { state.routes.front().metric = 6; },
+        {[](State& state) { state.routes.back().metric = 6; },
          {"routes||10.20.0.0 mask 255.255.0.0 via 198.51.100.254 metric 5|",
           "routes|||10.20.0.0 mask 255.255.0.0 via 198.51.100.254 metric 6"}},
         {[](State& state) {

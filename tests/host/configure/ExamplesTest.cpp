@@ -97,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
                 {"dhcp dns-suffixes routes"},
                 "PCI 2/1/0 \"Ethernet\" (index 1)|DHCP|on"},
         Example{"two-adapter-server",
-                {"addresses gateways dns-servers dns-servers routes"},
+                {"addresses gateways dns-servers dhcp dns-servers routes"},
                 "routes||10.30.0.0 mask 255.255.0.0 via 203.0.113.101 metric 10"},
         Example{"domain-join",
                 {"computer-name", "domain unit", ""},

@@ -85,7 +85,8 @@ Next: look at the 3 findings of check (toolbox-host check site.ini).
 
 TEST_F(Report, DetailsAddTheCallsAndWhatNoSettingTells) {
     machine::State machine = OneAdapter();
-    machine.adapters[0].dhcpLease = machine::DhcpLease{{"10.0.0.77"}, {"255.0.0.0"}, {}, {}, ""};
+    machine.adapters[0].dhcpLease =
+        machine::DhcpLease{{"10.0.0.77"}, {"255.0.0.0"}, {"10.0.0.254"}, {}, ""};
     const std::string dhcp =
         "[TCP/IP]\nDescription=x\nDHCP=true\nDNS-Server-Count=0\n"
         "DNS-SuffixSearchOrder=corp.example,example\nStatic-Route-Count=-1\n";

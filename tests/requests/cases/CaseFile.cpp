@@ -123,9 +123,17 @@ Case LoadCase(const std::string& name) {
 }
 
 Json ListChanges(const machine::State& before, const machine::State& after) {
+    const auto describe = [](const machine::State& state) {
+        Json json = Json::parse(machine::FormatState(state));
+        for (std::size_t i = 0; i < state.routes.size(); ++i) {
+            const machine::PersistedRoute& route = state.routes[i];
+            json["routes"][i] = route.destination + " " + route.mask + " " + route.nextHop + " " +
+                                std::to_string(route.metric);
+        }
+        return json;
+    };
     Json changes = Json::object();
-    CollectChanges(Json::parse(machine::FormatState(before)),
-                   Json::parse(machine::FormatState(after)), "", changes);
+    CollectChanges(describe(before), describe(after), "", changes);
     return changes;
 }
 

@@ -49,6 +49,7 @@ RunResult AttachedModule::Configure(const std::string& file, const std::string& 
     } catch (const host::HostError& error) {
         run.escaped = error.what();
     }
+    simulation_.Settle();
     run.comBlocks = memory.OutstandingBlocks();
     run.errors = thrown.Texts();
     for (const host::Field& field : message.Reply()) {
