@@ -12,6 +12,8 @@
 #include "host/Text.h"
 #include "host/check/FileCheck.h"
 #include "host/check/FindingText.h"
+#include "host/check/MachineCheck.h"
+#include "host/configure/MachineFiles.h"
 #include "host/reading/Secrets.h"
 
 namespace host::check {
@@ -22,6 +24,7 @@ using Json = nlohmann::ordered_json;
 
 struct CheckArguments {
     std::string file;
+    std::string machineFile;
     bool strict = false;
 };
 
@@ -31,8 +34,12 @@ std::string Counted(std::size_t count, const std::string& noun) {
 
 int Check(const CheckArguments& arguments, Output& output) {
     const InputFile input(arguments.file);
-    const CheckedFile checked = CheckFile(input.Path());
+    CheckedFile checked = CheckFile(input.Path());
     const std::string& file = input.Name();
+    if (!arguments.machineFile.empty()) {
+        CheckOnMachine(checked.file, configure::LoadMachine(arguments.machineFile),
+                       checked.findings);
+    }
     const Findings& findings = checked.findings;
     output.Document() = {{"file", ToUtf8(file)},
                          {"errors", findings.Errors()},
@@ -69,6 +76,11 @@ void AddCheckCommand(CLI::App& app, Action& action) {
     const auto arguments = std::make_shared<CheckArguments>();
     check->add_option("file", arguments->file, "The configuration file; - reads standard input")
         ->required()
+        ->type_name("FILE")
+        ->check(NotEmpty());
+    check
+        ->add_option("--machine", arguments->machineFile,
+                     "A machine file: warn of what that machine makes of the file too")
         ->type_name("FILE")
         ->check(NotEmpty());
     check->add_flag("--strict", arguments->strict, "Take warnings for errors");

@@ -19,6 +19,7 @@ struct Finding {
     const char* code;  ///< what kind of fault, for programs: "unknown-key"
     Place place;
     std::string message;
+    std::string remedy = {};  ///< where there is more to say than the message does
 };
 
 /// Gathers findings. Very many of them help nobody: from a bound on they are only counted.
@@ -29,8 +30,9 @@ public:
     void Error(const char* code, const Place& place, std::string message) {
         Add({Severity::kError, code, place, std::move(message)});
     }
-    void Warning(const char* code, const Place& place, std::string message) {
-        Add({Severity::kWarning, code, place, std::move(message)});
+    void Warning(const char* code, const Place& place, std::string message,
+                 std::string remedy = {}) {
+        Add({Severity::kWarning, code, place, std::move(message), std::move(remedy)});
     }
     void Add(Finding finding);
 

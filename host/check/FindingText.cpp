@@ -66,6 +66,12 @@ void PrintHeadline(const std::string& file, const Finding& finding, Output& outp
                 finding.severity == Severity::kError ? Tone::kBad : Tone::kChange);
 }
 
+void PrintRemedy(const Finding& finding, Output& output) {
+    if (!finding.remedy.empty()) {
+        output.Line("  help: " + finding.remedy);
+    }
+}
+
 void PrintFinding(const std::string& file, const Finding& finding, const std::string& line,
                   Output& output) {
     PrintHeadline(file, finding, output);
@@ -75,6 +81,7 @@ void PrintFinding(const std::string& file, const Finding& finding, const std::st
         output.Line("  " + number + " | " + excerpt.text);
         output.Line("  " + std::string(number.size(), ' ') + " | " + excerpt.caret, Tone::kQuiet);
     }
+    PrintRemedy(finding, output);
 }
 
 Json ToJson(const Finding& finding, const std::string& line) {
@@ -86,6 +93,9 @@ Json ToJson(const Finding& finding, const std::string& line) {
         description["source"] = ToUtf8(Excerpt(line, finding.place).text);
     }
     description["message"] = ToUtf8(finding.message);
+    if (!finding.remedy.empty()) {
+        description["remedy"] = ToUtf8(finding.remedy);
+    }
     return description;
 }
 

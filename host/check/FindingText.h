@@ -12,7 +12,10 @@ namespace host::check {
 /// "site.ini:3:14: error: ..."
 void PrintHeadline(const std::string& file, const Finding& finding, Output& output);
 
-/// The same with the line of the file, as it may be shown, and a caret.
+/// "  help: ...", where the finding has a remedy.
+void PrintRemedy(const Finding& finding, Output& output);
+
+/// Both with the line of the file, as it may be shown, and a caret.
 void PrintFinding(const std::string& file, const Finding& finding, const std::string& line,
                   Output& output);
 

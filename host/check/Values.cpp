@@ -67,7 +67,13 @@ std::optional<ValueFault> CheckAddress(AddressRole role, std::string_view text) 
     }
     if (!IsTaken(role, *address)) {
         const bool isMask = role == AddressRole::kMask || role == AddressRole::kRouteMask;
-        return isMask ? Error("bad-mask", Quoted(text) + " is no subnet mask: Windows refuses it")
+        const bool leavesNoRoom = role == AddressRole::kMask && *address == kNoAddress;
+        return isMask ? Error("bad-mask",
+                              Quoted(text) + (leavesNoRoom
+                                                  ? " leaves no room for a gateway or another "
+                                                    "host: Windows refuses it with 66; take the "
+                                                    "network's mask"
+                                                  : " is no subnet mask: Windows refuses it"))
                       : Error("bad-address",
                               Quoted(text) + " is not the address of a host: Windows refuses it");
     }

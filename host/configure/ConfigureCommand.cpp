@@ -12,6 +12,7 @@
 #include "host/InputFile.h"
 #include "host/Text.h"
 #include "host/check/FileCheck.h"
+#include "host/check/MachineCheck.h"
 #include "host/configure/Faults.h"
 #include "host/configure/Json.h"
 #include "host/configure/MachineFiles.h"
@@ -112,12 +113,13 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
         input.Name(),  options.untilDone,
         faults,        [&output](const std::string& text) { output.Progress(text); }};
     // Before the run, which may take the file away.
-    const check::CheckedFile checked = check::CheckFile(input.Path());
+    check::CheckedFile checked = check::CheckFile(input.Path());
     Outcome outcome;
     if (options.machine.thisMachine && !options.plan) {
         outcome = RunHere(request);
     } else {
         const machine::State machine = options.machine.Read(output);
+        check::CheckOnMachine(checked.file, machine, checked.findings);
         outcome = RunPasses(request, machine);
     }
     output.Progress({});

@@ -241,6 +241,7 @@ void PrintFindings(const ReportOptions& options, Output& output) {
     const std::vector<check::Finding>& findings = options.checked.findings.List();
     for (std::size_t i = 0; i < std::min(findings.size(), kShown); ++i) {
         check::PrintHeadline(options.file, findings[i], output);
+        check::PrintRemedy(findings[i], output);
     }
     if (findings.size() > kShown) {
         output.Line("... and " + std::to_string(findings.size() - kShown) +

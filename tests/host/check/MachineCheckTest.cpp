@@ -1,0 +1,126 @@
+#include "host/check/MachineCheck.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "machine/model/Routes.h"
+#include "tests/host/check/Checked.h"
+
+namespace check_tests {
+namespace {
+
+using machine::Condition;
+using machine::State;
+
+struct Trap {
+    void (*prepare)(State& state);  // the default machine: DHCP, static, and one that is not PCI
+    std::string text;
+    std::string summary;
+    std::vector<std::string> says = {};  // in the message or the remedy of the first finding
+};
+
+const std::string dhcp = "[TCP/IP]\nDescription=A\nDHCP=true\n";
+const std::string lab = "DNS-Server-Count=0\nDNS-SuffixSearchOrder=lab.example\n";
+const std::string office =
+    "[NicEntry]\nDescription=B\nDHCP=false\nAddress=198.51.100.20\nNetmask=255.255.255.0\n"
+    "Gateway=198.51.100.1\n";
+const std::string noRoutes = "Static-Route-Count=-1\n";
+const std::string route = "Static-Route-Count=1\nRoute0=10.20.0.0,255.255.0.0,198.51.100.254,,5,\n";
+
+std::string Summary(const host::check::Findings& findings) {
+    std::string summary;
+    for (const host::check::Finding& finding : findings.List()) {
+        summary +=
+            (summary.empty() ? "" : ", ") + std::to_string(finding.place.line) + " " + finding.code;
+        EXPECT_FALSE(finding.remedy.empty()) << finding.code;
+    }
+    return summary;
+}
+
+TEST(CheckOnMachine, WarnsOfEveryTrapWithItsPlaceAndRemedy) {
+    const std::string first = dhcp + lab + noRoutes;
+    const std::string moved =
+        "[TCP/IP]\nDescription=A\nDHCP=false\nAddress=192.0.2.9\n"
+        "Netmask=255.255.255.0\nGateway=192.0.2.1\n" +
+        lab;
+    const Trap traps[] = {
+        {[](State&) {}, first + office + lab + noRoutes, ""},
+        {[](State& state) { state.adapters.resize(1); }, first + office + lab + noRoutes,
+         "8 too-few-adapters"},
+        {[](State& state) { state.adapters[0].condition = Condition::Unplugged; },
+         first + office + lab + noRoutes,
+         "2 shifted-adapter, 8 too-few-adapters",
+         {"gets adapter 2 \"Ethernet 2\"", "adapter 1 \"Ethernet\" is unplugged"}},
+        {[](State& state) {
+             state.adapters[0].pnpDeviceId = "VMBUS\\{F8615163}";
+             state.adapters[1].condition = Condition::BehindSwitch;
+         },
+         first, "2 no-pci-adapter"},
+        {[](State& state) { state.adapters[1].gateways->push_back("fe80::1"); },
+         first,
+         "2 ipv6-gateway",
+         {"fails with 11001", "routerdiscovery"}},
+        {[](State& state) { state.adapters[1].gateways->push_back("2620:9b::1"); },
+         first,
+         "2 ipv6-gateway",
+         {"sets the gateways on every request"}},
+        {[](State& state) { state.adapters[0].ipAddress = {{"fe80::2"}}; }, first,
+         "2 ipv6-address"},
+        {[](State& state) {
+             state.registry = {{"SOFTWARE\\Policies\\Microsoft\\Windows NT\\DNSClient",
+                                {machine::RegistryValue::Text("SearchList", "a.example,b")}}};
+         },
+         first,
+         "5 policy-suffixes",
+         {"DNS-SuffixSearchOrder=a.example,b"}},
+        {[](State& state) {
+             state.adapters[0].dhcpEnabled = false;
+             state.adapters[0].gateways = {{"192.0.2.200"}};
+         },
+         first,
+         "3 gateway-left-behind",
+         {"route DELETE 0.0.0.0 mask 0.0.0.0 192.0.2.200"}},
+        {[](State& state) { state.adapters[0].dhcpEnabled = false; },
+         moved + noRoutes,
+         "4 static-on-static",
+         {"on some versions of Windows EnableStatic answers 81"}},
+        {[](State& state) {
+             state.adapters[0].dhcpEnabled = false;
+             state.system.versions.staticOnStatic = 81;
+         },
+         moved + noRoutes,
+         "4 static-on-static",
+         {"on this Windows"}},
+        {[](State&) {}, moved + route, "10 default-routes-next-time", {"192.0.2.1"}},
+        {[](State& state) {
+             state.adapters[0].dhcpEnabled = false;
+             machine::model::PersistGateways(state);
+         },
+         first + office + lab + route, "16 default-routes"},
+        {[](State&) {},
+         first + office + lab + "Static-Route-Count=1\nRoute0=0.0.0.0,0.0.0.0,198.51.100.1,,-1,\n",
+         "16 refused-route",
+         {"exits with 0"}},
+        {[](State& state) { state.system.elevated = false; }, first, "2 not-elevated"},
+    };
+    for (const Trap& trap : traps) {
+        SCOPED_TRACE(trap.text + trap.summary);
+        State state = machine::DefaultState();
+        trap.prepare(state);
+        const Checked checked(trap.text);
+        host::check::Findings findings;
+        host::check::CheckOnMachine(checked.File(), state, findings);
+        EXPECT_EQ(Summary(findings), trap.summary);
+        for (const std::string& words : trap.says) {
+            ASSERT_FALSE(findings.List().empty());
+            const host::check::Finding& finding = findings.List().front();
+            EXPECT_NE((finding.message + "; " + finding.remedy).find(words), std::string::npos)
+                << finding.message << "; " << finding.remedy;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace check_tests
