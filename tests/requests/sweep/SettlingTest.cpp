@@ -11,8 +11,8 @@
 
 #include "host/Module.h"
 #include "host/check/FileCheck.h"
-#include "host/init/MachineInFile.h"
 #include "host/check/MachineCheck.h"
+#include "host/init/MachineInFile.h"
 #include "machine/Actions.h"
 #include "machine/MachineFile.h"
 #include "machine/model/RegistryView.h"
@@ -57,7 +57,7 @@ void Disturb(machine::Adapter& adapter, check_tests::RandomFile& random) {
 
 /// Inside or outside a domain; mostly with PCI adapters enough for every section; some that lack
 /// what a file may need, or restart for what others do at once.
-machine::State RandomMachine(check_tests::RandomFile& random) {
+machine::State PlainMachine(check_tests::RandomFile& random) {
     machine::State state = cases::LoadBaseMachine(random.Below(3) == 0 ? "member" : "workgroup");
     const int adapters = random.Below(10) == 0 ? random.Below(3) : 3 + random.Below(4);
     const std::vector<machine::Adapter> kinds = state.adapters;
@@ -67,7 +67,6 @@ machine::State RandomMachine(check_tests::RandomFile& random) {
         adapter.index = static_cast<std::uint32_t>(20 + i);
         adapter.settingId = "{6C7F1A52-90B4-4C1E-9D57-0A1B2C3D4E" + std::to_string(20 + i) + "}";
         adapter.pnpDeviceId = "PCI\\VEN_8086&DEV_100E\\" + std::to_string(20 + i);
-        Disturb(adapter, random);
         state.adapters.push_back(adapter);
     }
     state.routes.clear();
@@ -81,6 +80,16 @@ machine::State RandomMachine(check_tests::RandomFile& random) {
     state.domains[0].reachable = random.Below(10) != 0;
     if (random.Below(10) == 0) {
         state.system.libCrypto = machine::CryptoLibrary::Absent;
+    }
+    machine::model::PersistGateways(state);
+    return state;
+}
+
+/// The same of shapes that are met, on some version of Windows.
+machine::State RandomMachine(check_tests::RandomFile& random) {
+    machine::State state = PlainMachine(random);
+    for (std::size_t i = 1; i < state.adapters.size(); ++i) {
+        Disturb(state.adapters[i], random);
     }
     if (random.Below(10) == 0) {
         state.domains[0].computers.push_back(state.computerName);
@@ -203,7 +212,7 @@ Course Follow(const Subject& subject, Trial& trial, Figures& figures) {
 
 TEST(Settling, RandomConfigurationsOnRandomMachines) {
     const std::uint64_t pairs = support::SampleOf(50, 400, 400);
-    check_tests::RandomFile random(4, 40);
+    check_tests::RandomFile random(1, 40);
     Figures& figures = FiguresOf("random configurations on random machines");
     for (std::uint64_t pair = 0; pair < pairs && !HasFailure(); ++pair) {
         NotePoint("pair " + std::to_string(pair));
@@ -277,7 +286,7 @@ TEST(Describing, WhatDescribesARandomMachineChangesNothingOnIt) {
     Figures& figures = FiguresOf("files that describe random machines");
     for (std::uint64_t i = 0; i < machines && !HasFailure(); ++i) {
         NotePoint("machine " + std::to_string(i));
-        machine::State machine = RandomMachine(random);
+        machine::State machine = PlainMachine(random);
         AddOddities(machine, random);
         const std::string text =
             host::init::DescribeInFile(host::Module::DefaultPath(), machine, "it");
