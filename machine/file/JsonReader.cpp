@@ -5,7 +5,7 @@
 namespace machine::file {
 namespace {
 
-// The pointer's own separator and escape character, as RFC 6901 writes them.
+/// The pointer's own separator and escape character, as RFC 6901 writes them.
 std::string Escaped(const std::string& name) {
     std::string escaped;
     for (const char c : name) {

@@ -90,11 +90,11 @@ void Read(const Node& node, std::vector<HostName>& hosts) {
 void Read(const Node& node, CryptoLibrary& library) {
     const std::string text = node.Text();
     if (text == "present") {
-        library = CryptoLibrary::Present;
+        library = CryptoLibrary::kPresent;
     } else if (text == "absent") {
-        library = CryptoLibrary::Absent;
+        library = CryptoLibrary::kAbsent;
     } else if (text == "withoutExport") {
-        library = CryptoLibrary::WithoutExport;
+        library = CryptoLibrary::kWithoutExport;
     } else {
         node.Refuse(R"("present", "absent" or "withoutExport")");
     }

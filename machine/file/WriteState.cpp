@@ -76,9 +76,9 @@ void Write(Place place, const Membership& membership) {
 }
 
 void Write(Place place, CryptoLibrary library) {
-    place.json = library == CryptoLibrary::Present  ? "present"
-                 : library == CryptoLibrary::Absent ? "absent"
-                                                    : "withoutExport";
+    place.json = library == CryptoLibrary::kPresent  ? "present"
+                 : library == CryptoLibrary::kAbsent ? "absent"
+                                                     : "withoutExport";
 }
 
 void Write(Place place, const std::vector<HostName>& hosts) {

@@ -13,7 +13,7 @@ std::optional<TextList> NullWhenEmpty(const TextList& list) {
     return list.empty() ? std::nullopt : std::optional(list);
 }
 
-// Whether every text is an address of that kind.
+/// Whether every text is an address of that kind.
 bool AreAll(const TextList& texts, bool (*isKind)(std::uint32_t)) {
     return std::ranges::all_of(texts, [isKind](const std::string& text) {
         const auto address = ParseAddress(text);
@@ -21,7 +21,7 @@ bool AreAll(const TextList& texts, bool (*isKind)(std::uint32_t)) {
     });
 }
 
-// A gateway must be a host that one of the adapter's own networks reaches directly.
+/// A gateway must be a host that one of the adapter's own networks reaches directly.
 bool IsReachable(const Adapter& adapter, std::uint32_t gateway) {
     if (!adapter.ipAddress || !adapter.ipSubnet) {
         return false;
@@ -56,28 +56,28 @@ void TakeLease(Adapter& adapter) {
 
 std::uint32_t EnableDhcp(Adapter& adapter) {
     if (!adapter.ipEnabled) {
-        return IpNotEnabled;
+        return kIpNotEnabled;
     }
     if (adapter.dhcpEnabled.value_or(false)) {
-        return Succeeded;
+        return kSucceeded;
     }
     adapter.dhcpEnabled = true;
     TakeLease(adapter);
-    return Succeeded;
+    return kSucceeded;
 }
 
 std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const TextList& masks) {
     if (!adapter.ipEnabled) {
-        return IpNotEnabled;
+        return kIpNotEnabled;
     }
     if (addresses.empty() || addresses.size() != masks.size()) {
-        return InvalidInput;
+        return kInvalidInput;
     }
     if (!AreAll(addresses, IsHost)) {
-        return InvalidIpAddress;
+        return kInvalidIpAddress;
     }
     if (!AreAll(masks, IsAdapterMask)) {
-        return InvalidSubnetMask;
+        return kInvalidSubnetMask;
     }
     if (adapter.dhcpEnabled.value_or(false)) {
         // What the lease brought goes with it.
@@ -88,23 +88,23 @@ std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const Te
     adapter.dhcpEnabled = false;
     adapter.ipAddress = addresses;
     adapter.ipSubnet = masks;
-    return Succeeded;
+    return kSucceeded;
 }
 
 std::uint32_t SetGateways(Adapter& adapter, const TextList& gateways) {
     if (!adapter.ipEnabled) {
-        return IpNotEnabled;
+        return kIpNotEnabled;
     }
     if (gateways.size() > kMostGateways) {
-        return TooManyGateways;
+        return kTooManyGateways;
     }
     for (const std::string& text : gateways) {
         const auto gateway = ParseAddress(text);
         if (!gateway) {
-            return InvalidIpAddress;
+            return kInvalidIpAddress;
         }
         if (!IsHost(*gateway) || !IsReachable(adapter, *gateway)) {
-            return InvalidGateway;
+            return kInvalidGateway;
         }
     }
     if (gateways.empty() && UsesLease(adapter)) {
@@ -112,15 +112,15 @@ std::uint32_t SetGateways(Adapter& adapter, const TextList& gateways) {
     } else {
         adapter.gateways = NullWhenEmpty(gateways);
     }
-    return Succeeded;
+    return kSucceeded;
 }
 
 std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& servers) {
     if (!adapter.ipEnabled) {
-        return IpNotEnabled;
+        return kIpNotEnabled;
     }
     if (!AreAll(servers, IsDnsServer)) {
-        return InvalidIpAddress;
+        return kInvalidIpAddress;
     }
     adapter.staticDns = servers;
     if (servers.empty() && UsesLease(adapter)) {
@@ -129,15 +129,15 @@ std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& serv
         adapter.dnsServers = NullWhenEmpty(servers);
     }
     ForgetNameServer(state, adapter);
-    return Succeeded;
+    return kSucceeded;
 }
 
 std::uint32_t SetDnsSuffixes(State& state, const TextList& suffixes) {
     if (!std::ranges::all_of(suffixes, IsSuffix)) {
-        return InvalidDomainName;
+        return kInvalidDomainName;
     }
     state.dnsSuffixes = suffixes;
-    return Succeeded;
+    return kSucceeded;
 }
 
 }  // namespace machine::model

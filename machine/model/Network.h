@@ -10,24 +10,24 @@
 namespace machine::model {
 
 enum NetworkCode : std::uint32_t {
-    Succeeded = 0,
-    InvalidSubnetMask = 66,
-    InvalidInput = 68,
-    TooManyGateways = 69,
-    InvalidIpAddress = 70,
-    InvalidGateway = 71,
-    InvalidDomainName = 73,
-    IpNotEnabled = 84,
+    kSucceeded = 0,
+    kInvalidSubnetMask = 66,
+    kInvalidInput = 68,
+    kTooManyGateways = 69,
+    kInvalidIpAddress = 70,
+    kInvalidGateway = 71,
+    kInvalidDomainName = 73,
+    kIpNotEnabled = 84,
 };
 
-// Takes over what the DHCP server hands out; without a lease the adapter has no address.
+/// Takes over what the DHCP server hands out; without a lease the adapter has no address.
 void TakeLease(Adapter& adapter);
 
 std::uint32_t EnableDhcp(Adapter& adapter);
 std::uint32_t EnableStatic(Adapter& adapter, const TextList& addresses, const TextList& masks);
-// No gateways: removes them, or goes back to those of the lease.
+/// No gateways: removes them, or goes back to those of the lease.
 std::uint32_t SetGateways(Adapter& adapter, const TextList& gateways);
-// No servers: goes back to those of the lease.
+/// No servers: goes back to those of the lease.
 std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& servers);
 std::uint32_t SetDnsSuffixes(State& state, const TextList& suffixes);
 

@@ -9,10 +9,10 @@
 namespace machine {
 namespace {
 
-constexpr int failureCode = 1;
+constexpr int kFailureCode = 1;
 
 RouteOutcome Fail(std::string why) {
-    return {failureCode, std::move(why) + "\n"};
+    return {kFailureCode, std::move(why) + "\n"};
 }
 
 RouteOutcome Usage() {

@@ -13,8 +13,8 @@ struct RouteOutcome {
     std::string output;
 };
 
-// Runs "route" with these arguments (the program's name not among them) on a machine with these
-// routes.
+/// Runs "route" with these arguments (the program's name not among them) on a machine with these
+/// routes.
 RouteOutcome RunRoute(const std::vector<std::string>& arguments,
                       std::vector<PersistedRoute>& routes);
 

@@ -32,7 +32,7 @@ State RichState() {
     };
     state.domains[0].reachable = false;
     state.hosts.push_back({"nowhere.example", {}});
-    state.system = {CryptoLibrary::WithoutExport, true, true};
+    state.system = {CryptoLibrary::kWithoutExport, true, true};
     return state;
 }
 

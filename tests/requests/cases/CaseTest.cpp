@@ -45,9 +45,9 @@ requests::PresentedFile MakeFile(const Case& tested, const requests::AgentFolder
 
 machine::HostApartment ApartmentOf(const Json& pass) {
     const std::string name = pass.value("apartment", "");
-    return name.empty()       ? machine::HostApartment::None
-           : name == "single" ? machine::HostApartment::SingleThreaded
-                              : machine::HostApartment::Multithreaded;
+    return name.empty()       ? machine::HostApartment::kNone
+           : name == "single" ? machine::HostApartment::kSingleThreaded
+                              : machine::HostApartment::kMultithreaded;
 }
 
 /// Another program that has the file open: nobody may read it, everybody may move it.
@@ -182,7 +182,7 @@ TEST_P(CaseTest, EndsAsExpected) {
             {"actions", machine::ListActions(run.calls)},
             {"changes", ListChanges(before, after)},
             {"apartmentLeft",
-             apartment != machine::HostApartment::None && !simulation.IsInApartment()},
+             apartment != machine::HostApartment::kNone && !simulation.IsInApartment()},
             {"file", file.WhereIsIt()},
             {"kept", kept},
             {"leaks", std::vector<std::string>(

@@ -47,7 +47,7 @@ machine::State RandomMachine(check_tests::RandomFile& random) {
     state.system.comSecuritySet = random.Below(5) == 0;
     state.domains[0].reachable = random.Below(10) != 0;
     if (random.Below(10) == 0) {
-        state.system.libCrypto = machine::CryptoLibrary::Absent;
+        state.system.libCrypto = machine::CryptoLibrary::kAbsent;
     }
     return state;
 }
