@@ -21,7 +21,7 @@
 namespace sweep {
 namespace {
 
-constexpr int mostRequests = 8;
+constexpr int kMostRequests = 8;
 
 /// Inside or outside a domain; mostly with PCI adapters enough for every section; some that lack
 /// what a file may need, or restart for what others do at once.
@@ -136,7 +136,7 @@ void Check(const requests::RunResult& run, const Subject& subject, Trial& trial)
 Course Follow(const Subject& subject, Trial& trial, Figures& figures) {
     Course course;
     int quiet = 0;
-    for (int request = 0; request < mostRequests && quiet < 2; ++request) {
+    for (int request = 0; request < kMostRequests && quiet < 2; ++request) {
         const machine::State before = trial.Machine().GetState();
         const requests::RunResult run = trial.Run();
         Check(run, subject, trial);
