@@ -128,10 +128,7 @@ void Measure(const std::string& host, const std::string& run) {
                      [&] {
                          Run({"netplan", "generate", "--root-dir", "routes"}, 0);
                      }},
-                    {"configure --plan",
-                     [&] {
-                         plan("1.json", "routes.ini");
-                     }}},
+                    {"configure --plan", [&] { plan("1.json", "routes.ini"); }}},
                    1);
     std::vector<bench::Subject> sizes;
     for (const int adapters : {8, 64, 500}) {

@@ -28,8 +28,9 @@ std::uintptr_t IdentityOf(HMODULE module) {
     return reinterpret_cast<std::uintptr_t>(module);
 }
 
-/// A program may have an operator new of its own for small blocks. The module frees what it is given
-/// here, so its text gets a block that is none of these: all images share the C runtime's memory.
+/// A program may have an operator new of its own for small blocks. The module frees what it is
+/// given here, so its text gets a block that is none of these: all images share the C runtime's
+/// memory.
 constexpr std::size_t kNoSmallBlock = 4096;
 
 /// The stand-in for the library's function. The module and this library share the string type's
