@@ -144,7 +144,7 @@ void Register(const std::string& size, int sections, int keys) {
     }
 }
 
-[[maybe_unused]] const bool registered = [] {
+[[maybe_unused]] const bool kRegistered = [] {
     Register("2 KB", 5, 9);
     Register("9 MB", 1000, 200);
     return true;

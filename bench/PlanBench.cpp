@@ -131,7 +131,7 @@ void Register(const std::string& group, const char* item, int count, Function fu
     })->UseManualTime();
 }
 
-[[maybe_unused]] const bool registered = [] {
+[[maybe_unused]] const bool kRegistered = [] {
     for (std::uint32_t i = 0; i < 64; ++i) {
         native::TheMachine().state.adapters.push_back(native::PciAdapter(i, static_cast<int>(i)));
     }

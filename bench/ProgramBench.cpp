@@ -128,17 +128,14 @@ void Measure(const std::string& host, const std::string& run) {
                      [&] {
                          Run({"netplan", "generate", "--root-dir", "routes"}, 0);
                      }},
-                    {"configure --plan",
-                     [&] {
-                         plan("1.json", "routes.ini");
-                     }}},
+                    {"configure --plan", [&] { plan("1.json", "routes.ini"); }}},
                    1);
     std::vector<bench::Subject> sizes;
     for (const int adapters : {8, 64, 500}) {
         Describe(adapters);
         const std::string name = std::to_string(adapters);
         sizes.push_back({"configure --plan", [&plan, name] { plan(name + ".json", name + ".ini"); },
-                         static_cast<std::size_t>(adapters)});
+                         static_cast<double>(adapters)});
     }
     bench::Compare("per adapter of 8, 64, 500", sizes, 1);
     for (const int adapters : {1, 8, 64}) {

@@ -44,7 +44,7 @@ void Compare(const std::string& group, const std::vector<Subject>& subjects, int
     std::vector<Measurement> measurements;
     for (const Subject& subject : subjects) {
         subject.run();  // the first run finds nothing in memory yet
-        measurements.push_back({group, subject.name, {}, static_cast<double>(rounds)});
+        measurements.push_back({group, subject.name, {}, rounds * subject.items});
     }
     for (int repetition = 0; repetition < kRepetitions; ++repetition) {
         for (std::size_t i = 0; i < subjects.size(); ++i) {

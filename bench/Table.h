@@ -21,6 +21,7 @@ void Print(const Measurement& measurement);
 struct Subject {
     std::string name;
     std::function<void()> run;
+    double items = 1;  ///< that one run deals with
 };
 
 /// Measures the subjects in turn, again and again, and prints their lines. One time is that of

@@ -58,7 +58,7 @@ void SetUpMachine(const std::string& text) {
     state.dnsSuffixes = {"corp.example"};
     state.hosts = {{"host", {"10.0.0.7"}}, {"nowhere", {}}};
     if (has('c')) {
-        state.system.libCrypto = machine::CryptoLibrary::Absent;
+        state.system.libCrypto = machine::CryptoLibrary::kAbsent;
     }
     if (has('m')) {
         state.membership = machine::Membership::OfDomain("CORP", "corp.example");

@@ -65,9 +65,9 @@ std::optional<std::string> ReadToEnd(void* file, std::size_t most) {
 }
 
 const CLI::Validator& NotEmpty() {
-    static const CLI::Validator notEmpty(
+    static const CLI::Validator kNotEmpty(
         [](const std::string& text) { return std::string(text.empty() ? "it is empty" : ""); }, "");
-    return notEmpty;
+    return kNotEmpty;
 }
 
 std::string ReadWholeFile(const std::string& path) {

@@ -20,11 +20,11 @@ void LogSink::Log(std::uint32_t level, const char* format, ...) {
 }
 
 void HideAccount(std::string& text) {
-    constexpr std::string_view opening = logging::kAccount;
-    const std::size_t start = text.find(opening);
+    constexpr std::string_view kOpening = logging::kAccount;
+    const std::size_t start = text.find(kOpening);
     const std::size_t end = text.rfind('}');
-    if (start != std::string::npos && end != std::string::npos && end > start + opening.size()) {
-        text.replace(start + opening.size(), end - start - opening.size(), "***");
+    if (start != std::string::npos && end != std::string::npos && end > start + kOpening.size()) {
+        text.replace(start + kOpening.size(), end - start - kOpening.size(), "***");
     }
 }
 

@@ -6,14 +6,15 @@
 namespace machine {
 namespace {
 
-// The flag of a thread that is inside the simulation. Kept with the platform's own thread storage:
-// the C++ runtime's makes calls that would come back here.
-const DWORD insideSlot = TlsAlloc();
+/// The flag of a thread that is inside the simulation. Kept with the platform's own thread storage:
+/// the C++ runtime's makes calls that would come back here.
+const DWORD kInsideSlot = TlsAlloc();
 
-// Takes the simulation's lock for a call of this thread. Gives the place of its entry in the trace.
+/// Takes the simulation's lock for a call of this thread. Gives the place of its entry in the
+/// trace.
 std::size_t Enter(Core& core) {
     EnterCriticalSection(core.Lock());
-    TlsSetValue(insideSlot, &core);
+    TlsSetValue(kInsideSlot, &core);
     return core.trace.Size();
 }
 
@@ -21,7 +22,7 @@ std::size_t Enter(Core& core) {
 
 ServingCore::ServingCore() {
     const DWORD lastError = GetLastError();
-    if (TlsGetValue(insideSlot) == nullptr) {
+    if (TlsGetValue(kInsideSlot) == nullptr) {
         core_ = Core::Active();
     }
     SetLastError(lastError);
@@ -45,7 +46,7 @@ Call::Call(Core& core, std::string_view object, std::string_view function, Argum
     entry.object = object;
     entry.function = function;
     entry.arguments = std::move(arguments);
-    if (failing == Failing::Possible) {
+    if (failing == Failing::kPossible) {
         fault_ = core_->faults.OnCall(function, entry.arguments);
         entry.faultPoint = core_->faults.CallsSeen();
         entry.injected = fault_.has_value();
@@ -55,7 +56,7 @@ Call::Call(Core& core, std::string_view object, std::string_view function, Argum
 Call::~Call() {
     Entry().endedAt = core_->clock;
     core_->timeInCalls += std::chrono::steady_clock::now() - started_;
-    TlsSetValue(insideSlot, nullptr);
+    TlsSetValue(kInsideSlot, nullptr);
     LeaveCriticalSection(core_->Lock());
     SetLastError(lastError_);
 }

@@ -15,11 +15,11 @@
 
 namespace machine {
 
-enum class Failing { Possible, Never };
+enum class Failing { kPossible, kNever };
 
-// The simulation that a call of this thread is for, kept alive as long as this object: the active
-// one. Empty when there is none, and when the call comes from the simulation itself. Keeps the
-// thread's last error.
+/// The simulation that a call of this thread is for, kept alive as long as this object: the active
+/// one. Empty when there is none, and when the call comes from the simulation itself. Keeps the
+/// thread's last error.
 class ServingCore {
 public:
     ServingCore();
@@ -34,23 +34,23 @@ private:
     std::shared_ptr<Core> core_;
 };
 
-// Lives for the duration of a served call, under the simulation's lock. Its destructor leaves the
-// thread's last error as the call's result demands.
-//
-//     Call call(core, "RegCloseKey", {{"key", ...}});
-//     if (const auto fault = call.Fault()) {
-//         return call.Status(*fault);
-//     }
+/// Lives for the duration of a served call, under the simulation's lock. Its destructor leaves the
+/// thread's last error as the call's result demands.
+///
+///     Call call(core, "RegCloseKey", {{"key", ...}});
+///     if (const auto fault = call.Fault()) {
+///         return call.Status(*fault);
+///     }
 class Call {
 public:
     using Arguments = std::vector<std::pair<std::string, std::string>>;
 
-    // A call of a plain function.
+    /// A call of a plain function.
     Call(Core& core, std::string_view function, Arguments arguments = {},
-         Failing failing = Failing::Possible);
-    // A call of an object that belongs to the core.
+         Failing failing = Failing::kPossible);
+    /// A call of an object that belongs to the core.
     Call(Core& core, std::string_view object, std::string_view function, Arguments arguments = {},
-         Failing failing = Failing::Possible);
+         Failing failing = Failing::kPossible);
     ~Call();
     Call(const Call&) = delete;
     Call& operator=(const Call&) = delete;
@@ -58,31 +58,31 @@ public:
     Core& Machine() { return *core_; }
     Core* operator->() { return core_.get(); }
 
-    // The code to fail with when the fault plan wants this call to fail.
+    /// The code to fail with when the fault plan wants this call to fail.
     const std::optional<std::uint32_t>& Fault() const { return fault_; }
 
     void AddArgument(std::string name, std::string value);
-    // Where a thing handed out by this call comes from: "CreatePipe call 12, read end".
+    /// Where a thing handed out by this call comes from: "CreatePipe call 12, read end".
     std::string Origin(std::string_view detail = {}) const;
-    // Records something that the simulated machine does not have.
+    /// Records something that the simulated machine does not have.
     void Unexpected(std::string_view what);
 
-    // The result, noted and passed through.
+    /// The result, noted and passed through.
     HRESULT Hresult(std::uint32_t code);
     HRESULT Hresult(HRESULT code) { return Hresult(static_cast<std::uint32_t>(code)); }
     LSTATUS Status(std::uint32_t win32Error);
     LONG NtStatus(std::uint32_t status);
-    // FALSE leaves the error as the thread's last error.
+    /// FALSE leaves the error as the thread's last error.
     BOOL Boolean(bool succeeded, std::uint32_t error = 0);
-    // A result of another kind; a failed one leaves the error as the thread's last error.
+    /// A result of another kind; a failed one leaves the error as the thread's last error.
     void Note(std::string result, bool failed = false, std::uint32_t error = 0);
-    // The same for the result of a real call just made: its last error is kept.
+    /// The same for the result of a real call just made: its last error is kept.
     BOOL RealBoolean(BOOL result);
 
-    // What came of the method or program that the call ran.
+    /// What came of the method or program that the call ran.
     void SetOutcome(std::uint32_t outcome) { Entry().outcome = outcome; }
 
-    // Around a real call that blocks: other threads' calls are served meanwhile.
+    /// Around a real call that blocks: other threads' calls are served meanwhile.
     template <typename Function>
     auto Unlocked(Function&& function) {
         LeaveCriticalSection(core_->Lock());
@@ -91,7 +91,7 @@ public:
         EnterCriticalSection(core_->Lock());
         return result;
     }
-    // The last error that the real call inside Unlocked left.
+    /// The last error that the real call inside Unlocked left.
     DWORD RealError() const { return realError_; }
 
 private:
@@ -99,7 +99,7 @@ private:
 
     DWORD lastError_;
     std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
-    // A simulation may end while one of its calls is under way.
+    /// A simulation may end while one of its calls is under way.
     std::shared_ptr<Core> core_;
     std::size_t position_;
     std::optional<std::uint32_t> fault_;

@@ -30,7 +30,7 @@ std::string Encipher(std::string_view plain) {
     return enciphered;
 }
 
-// The transformation is its own inverse.
+/// The transformation is its own inverse.
 std::string Decipher(std::string_view enciphered) {
     return Encipher(enciphered);
 }

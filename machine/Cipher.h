@@ -6,7 +6,7 @@
 
 namespace machine {
 
-// The text reversed, letters turned by 13 places and digits by 5. It protects nothing.
+/// The text reversed, letters turned by 13 places and digits by 5. It protects nothing.
 std::string Encipher(std::string_view plain);
 std::string Decipher(std::string_view enciphered);
 

@@ -13,7 +13,7 @@ struct CodeName {
     std::string_view name;
 };
 
-constexpr CodeName names[] = {
+constexpr CodeName kNames[] = {
     {0x00000000, "S_OK"},
     {0x00000001, "S_FALSE"},
     {0x80004001, "E_NOTIMPL"},
@@ -54,8 +54,8 @@ constexpr CodeName names[] = {
 }  // namespace
 
 std::string DescribeHresult(std::uint32_t code) {
-    const auto* found = std::ranges::find(names, code, &CodeName::code);
-    if (found == std::end(names)) {
+    const auto* found = std::ranges::find(kNames, code, &CodeName::code);
+    if (found == std::end(kNames)) {
         return Hex(code);
     }
     const bool failed = (code & 0x80000000U) != 0;

@@ -6,7 +6,7 @@
 
 namespace machine {
 
-// "S_OK", "0x80041002 (WBEM_E_NOT_FOUND)", "0x800401FF".
+/// "S_OK", "0x80041002 (WBEM_E_NOT_FOUND)", "0x800401FF".
 std::string DescribeHresult(std::uint32_t code);
 
 }  // namespace machine

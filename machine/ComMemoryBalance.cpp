@@ -16,18 +16,18 @@ namespace machine {
 
 namespace {
 
-// Serves as the allocator's spy: COM calls it before and after each of its own calls.
+/// Serves as the allocator's spy: COM calls it before and after each of its own calls.
 class Spy : public IMallocSpy {
 public:
-    // Registered once and never taken out: COM keeps a spy anyway until every block that it saw is
-    // freed.
+    /// Registered once and never taken out: COM keeps a spy anyway until every block that it saw is
+    /// freed.
     static Spy& Instance();
 
     std::size_t Serial() const {
         const std::scoped_lock lock(mutex_);
         return serial_;
     }
-    // Blocks still allocated that came at this serial number or later.
+    /// Blocks still allocated that came at this serial number or later.
     std::size_t Outstanding(std::size_t since) const {
         const std::scoped_lock lock(mutex_);
         return static_cast<std::size_t>(std::ranges::count_if(
@@ -79,7 +79,7 @@ private:
             blocks_[block] = serial_++;
         }
     }
-    // Blocks from before the spy's time are none of its business.
+    /// Blocks from before the spy's time are none of its business.
     void Forget(void* block) {
         const std::scoped_lock lock(mutex_);
         blocks_.erase(block);

@@ -5,14 +5,14 @@
 
 namespace machine {
 
-// Watches every allocation of the process's COM allocator from its construction on. The first
-// balance of a process begins the watch, which never ends, and switches the cache of freed BSTRs
-// off; it throws std::runtime_error when somebody else watches.
+/// Watches every allocation of the process's COM allocator from its construction on. The first
+/// balance of a process begins the watch, which never ends, and switches the cache of freed BSTRs
+/// off; it throws std::runtime_error when somebody else watches.
 class ComMemoryBalance {
 public:
     ComMemoryBalance();
 
-    // Blocks allocated since construction and not freed yet.
+    /// Blocks allocated since construction and not freed yet.
     std::size_t OutstandingBlocks() const;
 
 private:

@@ -13,12 +13,12 @@ namespace {
 constinit LeafLock activeLock;
 constinit std::shared_ptr<Core> activeCore;
 
-// Real handles are small multiples of 4; these stand far above them.
-constexpr std::uintptr_t firstHandle = 0x5A000004;
+/// Real handles are small multiples of 4; these stand far above them.
+constexpr std::uintptr_t kFirstHandle = 0x5A000004;
 
 }  // namespace
 
-Core::Core() : nextHandle_(firstHandle) {
+Core::Core() : nextHandle_(kFirstHandle) {
     InitializeCriticalSection(&lock_);
 }
 

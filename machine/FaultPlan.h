@@ -25,17 +25,17 @@ using CallArguments = std::vector<std::pair<std::string, std::string>>;
 struct ArgumentCondition {
     std::string argument;
     std::string text;
-    bool isWhole = false;  // the argument is the text, instead of holding it
+    bool isWhole = false;  ///< the argument is the text, instead of holding it
 
     bool Holds(const CallArguments& arguments) const;
 };
 
 struct FaultRule {
-    std::string text;      // as it was written
-    std::string function;  // empty: any platform call
+    std::string text;      ///< as it was written
+    std::string function;  ///< empty: any platform call
     std::optional<ArgumentCondition> condition;
-    std::uint64_t nth = 0;  // among the calls that the rule is about; 0: every one
-    bool stays = false;     // from the nth on, instead of the nth alone
+    std::uint64_t nth = 0;  ///< among the calls that the rule is about; 0: every one
+    bool stays = false;     ///< from the nth on, instead of the nth alone
     std::optional<std::uint32_t> code;
 };
 
@@ -56,7 +56,7 @@ public:
     /// A rule and what it has met so far.
     struct Entry {
         FaultRule rule;
-        std::uint64_t calls = 0;  // that the rule is about
+        std::uint64_t calls = 0;  ///< that the rule is about
         /// Those that it made fail, by their place among the calls that can fail
         /// (TraceEntry::faultPoint).
         std::vector<std::uint64_t> failed = {};
@@ -83,11 +83,11 @@ private:
 
 /// A name that a rule may use.
 struct FaultPoint {
-    enum class Kind { Result, Outcome };
+    enum class Kind { kResult, kOutcome };
     std::string_view name;
     std::uint32_t defaultCode;
-    Kind kind;     // Outcome: a WMI method's ReturnValue or an exit code
-    bool hresult;  // the code is an HRESULT
+    Kind kind;     ///< Outcome: a WMI method's ReturnValue or an exit code
+    bool hresult;  ///< the code is an HRESULT
 };
 
 /// Every name, in alphabetical order.

@@ -9,15 +9,15 @@ namespace {
 using enum FaultPoint::Kind;
 
 constexpr FaultPoint Hresult(std::string_view name, std::uint32_t code) {
-    return {name, code, Result, true};
+    return {name, code, kResult, true};
 }
 
 constexpr FaultPoint Code(std::string_view name, std::uint32_t code) {
-    return {name, code, Result, false};
+    return {name, code, kResult, false};
 }
 
 constexpr FaultPoint OutcomeOf(std::string_view name, std::uint32_t code) {
-    return {name, code, Outcome, false};
+    return {name, code, kOutcome, false};
 }
 
 std::vector<FaultPoint> Sorted(std::vector<FaultPoint> points) {
@@ -29,7 +29,7 @@ std::vector<FaultPoint> Sorted(std::vector<FaultPoint> points) {
 
 const std::vector<FaultPoint>& FaultPoints() {
     // The default codes are what these calls most often fail with on a real machine.
-    static const std::vector<FaultPoint> points = Sorted({
+    static const std::vector<FaultPoint> kPoints = Sorted({
         Hresult("ADsOpenObject", 0x8007203A),         // the server is not operational
         Hresult("CoCreateInstance", 0x80040154),      // REGDB_E_CLASSNOTREG
         Hresult("CoInitialize", 0x8007000E),          // E_OUTOFMEMORY
@@ -91,7 +91,7 @@ const std::vector<FaultPoint>& FaultPoints() {
         Code("gethostbyname", 11002),                   // WSATRY_AGAIN
         OutcomeOf("route", 1),
     });
-    return points;
+    return kPoints;
 }
 
 const FaultPoint* FindFaultPoint(std::string_view name) {

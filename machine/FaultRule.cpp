@@ -121,7 +121,7 @@ private:
             rule_.function = point->name;
         }
         // A method may well answer 0 and change nothing; a call that gives 0 has not failed.
-        if (rule_.code == 0U && (point == nullptr || point->kind == FaultPoint::Kind::Result)) {
+        if (rule_.code == 0U && (point == nullptr || point->kind == FaultPoint::Kind::kResult)) {
             Refuse(text_, "0 is no failing code");
         }
     }

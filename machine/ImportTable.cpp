@@ -16,7 +16,7 @@ Structure* At(HMODULE image, std::uint64_t offset) {
     return reinterpret_cast<Structure*>(reinterpret_cast<std::uintptr_t>(image) + offset);
 }
 
-// Winsock's import library of the platform's own tools names its old functions by number.
+/// Winsock's import library of the platform's own tools names its old functions by number.
 std::string NameOfWinsockNumber(std::uint64_t number) {
     switch (number) {
         case 52:
@@ -32,7 +32,7 @@ std::string NameOfWinsockNumber(std::uint64_t number) {
 
 constinit LeafLock writing;
 
-// Writes one slot of a table that the loader left read-only. Gives the Windows error, 0 when done.
+/// Writes one slot of a table that the loader left read-only. Gives the Windows error, 0 when done.
 DWORD Write(void** place, void* value) noexcept {
     // Two writers of one page would take its protection from each other.
     const std::lock_guard lock(writing);

@@ -6,8 +6,8 @@
 
 namespace machine {
 
-// For std::lock_guard. Not the standard library's mutex, whose calls come back through a patched
-// import table.
+/// For std::lock_guard. Not the standard library's mutex, whose calls come back through a patched
+/// import table.
 class LeafLock {
 public:
     constexpr LeafLock() = default;

@@ -50,8 +50,8 @@ RealCalls LookUpAll() {
 }  // namespace
 
 const RealCalls& Real() {
-    static const RealCalls real = LookUpAll();
-    return real;
+    static const RealCalls kReal = LookUpAll();
+    return kReal;
 }
 
 }  // namespace machine

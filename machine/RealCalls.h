@@ -35,7 +35,7 @@ struct RealCalls {
     decltype(&::WaitForSingleObject) WaitForSingleObject;
     decltype(&::WriteFile) WriteFile;
 
-    // Libraries that the program need not have loaded; null when the system lacks the function.
+    /// Libraries that the program need not have loaded; null when the system lacks the function.
     decltype(&::WSAStartup) WsaStartup;
     decltype(&::WSAGetLastError) WsaGetLastError;
     decltype(&::WSASetLastError) WsaSetLastError;
@@ -43,7 +43,7 @@ struct RealCalls {
     ULONG(WINAPI* LsaNtStatusToWinError)(LONG status);
 };
 
-// Looked up once, before the first import table is patched.
+/// Looked up once, before the first import table is patched.
 const RealCalls& Real();
 
 }  // namespace machine

@@ -15,9 +15,9 @@
 namespace machine {
 namespace {
 
-constexpr std::uint64_t restartTakes = 60'000;  // milliseconds
+constexpr std::uint64_t kRestartTakes = 60'000;  // milliseconds
 
-// The lock of a core for the time of an access from outside.
+/// The lock of a core for the time of an access from outside.
 class Locked {
 public:
     explicit Locked(Core& core) : lock_(core.Lock()) { EnterCriticalSection(lock_); }
@@ -29,18 +29,18 @@ private:
     CRITICAL_SECTION* lock_;
 };
 
-// Cores of ended simulations of which a module still holds something. They live to the end of the
-// process, so that a late release finds valid memory.
+/// Cores of ended simulations of which a module still holds something. They live to the end of the
+/// process, so that a late release finds valid memory.
 std::vector<std::shared_ptr<Core>>& Abandoned() {
     static std::vector<std::shared_ptr<Core>> cores;
     return cores;
 }
 
-// Real handles whose closing a fault plan refused.
+/// Real handles whose closing a fault plan refused.
 void CloseExcused(const Ledger& ledger) {
     for (const auto& [kind, identity] : ledger.Excused()) {
-        if (kind == pipeHandle || kind == processHandle || kind == threadHandle ||
-            kind == fileHandle) {
+        if (kind == kPipeHandle || kind == kProcessHandle || kind == kThreadHandle ||
+            kind == kFileHandle) {
             Real().CloseHandle(reinterpret_cast<HANDLE>(identity));
         }
     }
@@ -143,8 +143,8 @@ void Simulation::Settle() {
 }
 
 void Simulation::Restart() {
-    Call call(*core_, "restart of the machine", {}, Failing::Never);
-    core_->clock += restartTakes;
+    Call call(*core_, "restart of the machine", {}, Failing::kkNever);
+    core_->clock += kRestartTakes;
     ApplyRestart(core_->state);
     core_->comSecuritySet = core_->state.system.comSecuritySet;
     call.Note("done");
@@ -153,8 +153,9 @@ void Simulation::Restart() {
 void Simulation::SetApartment(HostApartment apartment) {
     const Locked locked(*core_);
     core_->apartments.erase(GetCurrentThreadId());
-    if (apartment != HostApartment::None) {
-        core_->apartments[GetCurrentThreadId()] = {1, 0, apartment == HostApartment::Multithreaded};
+    if (apartment != HostApartment::kNone) {
+        core_->apartments[GetCurrentThreadId()] = {1, 0,
+                                                   apartment == HostApartment::kMultithreaded};
     }
 }
 

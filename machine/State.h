@@ -14,7 +14,7 @@ namespace machine {
 
 using TextList = std::vector<std::string>;
 
-// What a DHCP server hands to the adapter whenever it asks.
+/// What a DHCP server hands to the adapter whenever it asks.
 struct DhcpLease {
     TextList ipAddress;
     TextList ipSubnet;
@@ -29,12 +29,12 @@ struct DhcpLease {
 enum class Condition { Connected, Unplugged, Disabled, InTeam, BehindSwitch };
 
 struct Adapter {
-    std::uint32_t index = 0;                 // WMI index, unique on the machine
-    std::string connectionName;              // as the network folder shows it: "Ethernet 2"
-    std::optional<std::string> settingId;    // the interface's GUID text
-    std::optional<std::string> pnpDeviceId;  // begins with "PCI\" for a PCI adapter
-    std::optional<std::string> pciLocation;  // registry text "LocationInformation"
-    std::optional<std::string> caption;      // "[00000001] Example Adapter"
+    std::uint32_t index = 0;                 ///< WMI index, unique on the machine
+    std::string connectionName;              ///< as the network folder shows it: "Ethernet 2"
+    std::optional<std::string> settingId;    ///< the interface's GUID text
+    std::optional<std::string> pnpDeviceId;  ///< begins with "PCI\" for a PCI adapter
+    std::optional<std::string> pciLocation;  ///< registry text "LocationInformation"
+    std::optional<std::string> caption;      ///< "[00000001] Example Adapter"
     std::optional<std::string> manufacturer;
     std::optional<std::string> adapterType;
     std::optional<std::string> macAddress;
@@ -44,10 +44,10 @@ struct Adapter {
     std::optional<TextList> ipAddress;
     std::optional<TextList> ipSubnet;
     std::optional<TextList> gateways;
-    std::optional<TextList> dnsServers;    // the servers in use, static or leased
-    std::optional<std::string> dnsDomain;  // the connection's suffix; most adapters have none
+    std::optional<TextList> dnsServers;    ///< the servers in use, static or leased
+    std::optional<std::string> dnsDomain;  ///< the connection's suffix; most adapters have none
     std::optional<std::string> dnsHostName;
-    TextList staticDns;  // servers set by hand: registry text "NameServer"
+    TextList staticDns;  ///< servers set by hand: registry text "NameServer"
     std::optional<DhcpLease> dhcpLease;
     std::optional<std::uint32_t> leaseDueIn;  // milliseconds; nothing: none is asked for
 
@@ -63,20 +63,20 @@ struct PersistedRoute {
     bool operator==(const PersistedRoute&) const = default;
 };
 
-// A registry value: its type (REG_SZ and so on) and its bytes as stored, terminators included.
+/// A registry value: its type (REG_SZ and so on) and its bytes as stored, terminators included.
 struct RegistryValue {
-    std::string name;  // empty: the key's default value
+    std::string name;  ///< empty: the key's default value
     std::uint32_t type = 1;
     std::string data;
 
-    // A REG_SZ value with its terminator.
+    /// A REG_SZ value with its terminator.
     static RegistryValue Text(std::string_view name, std::string_view text);
     static RegistryValue Number(std::string_view name, std::uint32_t number);
 
     bool operator==(const RegistryValue&) const = default;
 };
 
-// A key under HKEY_LOCAL_MACHINE. Its parents exist implicitly.
+/// A key under HKEY_LOCAL_MACHINE. Its parents exist implicitly.
 struct RegistryKey {
     std::string path;
     std::vector<RegistryValue> values;
@@ -97,7 +97,7 @@ struct Account {
 };
 
 struct OrganizationalUnit {
-    std::string name;  // "Sales", without "OU="
+    std::string name;  ///< "Sales", without "OU="
     TextList computers;
     std::vector<OrganizationalUnit> units;
 
@@ -113,11 +113,11 @@ struct ObjectOwner {
 };
 
 struct Domain {
-    std::string dnsName;    // "corp.example"
-    std::string flatName;   // "CORP"
-    bool reachable = true;  // whether a domain controller answers
+    std::string dnsName;    ///< "corp.example"
+    std::string flatName;   ///< "CORP"
+    bool reachable = true;  ///< whether a domain controller answers
     std::vector<Account> accounts;
-    TextList computers;  // the container CN=Computers
+    TextList computers;  ///< the container CN=Computers
     std::vector<OrganizationalUnit> units;
     std::vector<ObjectOwner> owners = {};  // of the objects whose maker is known
     // What every join gets, as when a port is closed on the way; 0: the domain decides.
@@ -128,12 +128,12 @@ struct Domain {
     bool operator==(const Domain&) const = default;
 };
 
-// Where the machine belongs: to the domain `domain` (with `dnsDomain`), or to the workgroup
-// `workgroup`.
+/// Where the machine belongs: to the domain `domain` (with `dnsDomain`), or to the workgroup
+/// `workgroup`.
 struct Membership {
     bool member = false;
-    std::string workgroup = "WORKGROUP";  // of a machine outside any domain
-    std::string domain;                   // flat name
+    std::string workgroup = "WORKGROUP";  ///< of a machine outside any domain
+    std::string domain;                   ///< flat name
     std::string dnsDomain;
 
     static Membership OfWorkgroup(std::string_view name);
@@ -144,12 +144,12 @@ struct Membership {
 
 struct HostName {
     std::string name;
-    TextList addresses;  // may be empty: the name resolves, to nothing
+    TextList addresses;  ///< may be empty: the name resolves, to nothing
 
     bool operator==(const HostName&) const = default;
 };
 
-enum class CryptoLibrary { Present, Absent, WithoutExport };
+enum class CryptoLibrary { kPresent, kAbsent, kWithoutExport };
 
 // Where versions of Windows differ. The defaults are what is met most often.
 struct Versions {
@@ -162,10 +162,10 @@ struct Versions {
 };
 
 struct OperatingSystem {
-    CryptoLibrary libCrypto = CryptoLibrary::Present;
-    // True: the process set COM security before the module was loaded.
+    CryptoLibrary libCrypto = CryptoLibrary::kPresent;
+    /// True: the process set COM security before the module was loaded.
     bool comSecuritySet = false;
-    // True: the methods of adapters answer 1, done but a restart is needed, instead of 0.
+    /// True: the methods of adapters answer 1, done but a restart is needed, instead of 0.
     bool adapterChangesNeedRestart = false;
     bool elevated = true;            // false: the agent has no administrator's token
     std::uint32_t lockedCalls = 0;   // so many methods of adapters find the configuration locked
@@ -177,10 +177,10 @@ struct OperatingSystem {
 
 struct State {
     std::string computerName;
-    std::optional<std::string> pendingComputerName;  // takes effect at the next restart
-    std::string hostName;                            // TCP/IP host name
+    std::optional<std::string> pendingComputerName;  ///< takes effect at the next restart
+    std::string hostName;                            ///< TCP/IP host name
     Membership membership;
-    std::optional<Membership> pendingMembership;  // takes effect at the next restart
+    std::optional<Membership> pendingMembership;  ///< takes effect at the next restart
     TextList dnsSuffixes;                         // the search list set by hand
     std::vector<Adapter> adapters;
     std::vector<PersistedRoute> routes;
@@ -192,14 +192,14 @@ struct State {
     bool operator==(const State&) const = default;
 };
 
-// A workgroup computer with two PCI adapters (one on DHCP, one static) and a virtual one, beside a
-// domain corp.example that it may join.
+/// A workgroup computer with two PCI adapters (one on DHCP, one static) and a virtual one, beside a
+/// domain corp.example that it may join.
 State DefaultState();
 
-// Makes effective what waits for a restart: a new name, a new membership, renewed leases.
+/// Makes effective what waits for a restart: a new name, a new membership, renewed leases.
 void ApplyRestart(State& state);
 
-// Null when the machine has no such adapter.
+/// Null when the machine has no such adapter.
 Adapter* FindAdapter(State& state, std::uint32_t index);
 
 }  // namespace machine

@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Names and texts of the machine may hold bytes that are no UTF-8.
+/// Names and texts of the machine may hold bytes that are no UTF-8.
 std::string Dump(const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

@@ -29,14 +29,14 @@ using command::kNotSet;
 
 constexpr std::uint32_t kPauseAfterStaticMilliseconds = 8000;
 
-template <class Command>
+template <typename Command>
 Command* As(const std::unique_ptr<IConfigureCommand>& command) {
     return dynamic_cast<Command*>(command.get());
 }
 
-template <class Command>
+template <typename Command>
 CommandList::iterator FindFirst(CommandList& commands) {
-    return std::find_if(commands.begin(), commands.end(), As<Command>);
+    return std::ranges::find_if(commands, As<Command>);
 }
 
 /// Gives each section its adapter on the machine.
@@ -62,8 +62,7 @@ private:
             if (adapter == nullptr) {
                 break;  // the adapters are the first level; below it lie their settings
             }
-            if (adapter->isPci &&
-                std::find(used_.begin(), used_.end(), adapter->index) == used_.end()) {
+            if (adapter->isPci && std::ranges::find(used_, adapter->index) == used_.end()) {
                 return adapter->index;
             }
         }
@@ -122,8 +121,8 @@ void Analyzer::Analyze(CommandList& commands) {
     std::erase_if(commands, [](const auto& command) { return !command->IsNeeded(); });
     BindAdapters(commands);
     AnalyzePlatform(commands);
-    if (std::any_of(commands.begin(), commands.end(),
-                    [this](const auto& command) { return NeedsRestart(*command); })) {
+    if (std::ranges::any_of(commands,
+                            [this](const auto& command) { return NeedsRestart(*command); })) {
         commands.push_back(std::make_unique<command::Reboot>());
     }
     AfterAnalyze(commands);

@@ -41,7 +41,7 @@ bool IsCurrentDomain(sys::Domain& domain, const std::string& name) {
 
 /// Adds `value` to the adapter's last command if that is of this class, else to a new one: values
 /// of one kind in a row share a command.
-template <class Command>
+template <typename Command>
 void AddToLast(command::ConfigureNic& nic, const std::string& value) {
     if (auto* const last = ExactCast<Command>(nic.Last())) {
         last->Add(value);

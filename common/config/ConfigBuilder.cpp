@@ -53,7 +53,7 @@ void ConfigBuilder::ConfigEvent(std::uint32_t kind, std::uint32_t type, std::str
     }
 }
 
-template <class Rule>
+template <typename Rule>
 void ConfigBuilder::OpenScope() {
     rules_.push_back(std::make_unique<Rule>(*this));
 }

@@ -45,7 +45,7 @@ public:
     bool RunConfig(bool& reboot);
 
 private:
-    template <class Rule>
+    template <typename Rule>
     void OpenScope();
     void CloseScope();
 

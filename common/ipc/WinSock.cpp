@@ -31,7 +31,7 @@ WinSockManager::WinSockManager() {
 }
 
 void WinSockManager::Instance() {
-    static const WinSockManager instance;
+    static const WinSockManager kInstance;
 }
 
 void ResolveHostName(const std::string& name, std::uint32_t& address) {

@@ -8,7 +8,7 @@ namespace lang {
 
 /// Owner of one plain platform handle. Traits say its type, its value for none, and how it is
 /// closed. Reset adopts, Release gives away, Receive yields the address to fill.
-template <class Traits>
+template <typename Traits>
 class UniqueHandle {
 public:
     using Type = typename Traits::Type;

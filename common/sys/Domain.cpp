@@ -63,7 +63,7 @@ void Domain::ForgetPassword() noexcept {
 
 bool Domain::IsDomainMember() {
     if (!skipRefresh_) {
-        readMembership({member_, domain_, dnsDomain_, workgroup_});
+        ReadMembership({member_, domain_, dnsDomain_, workgroup_});
     }
     return member_;
 }
@@ -88,7 +88,7 @@ const std::string& Domain::GetOu(std::string& out, bool asDn) {
     }
     BuildCurrentAccount();
     ou_.clear();
-    ExtractOuPath(readComputerObjectName(), ou_, asDn);
+    ExtractOuPath(ReadComputerObjectName(), ou_, asDn);
     out = ou_;
     return out;
 }
@@ -147,7 +147,7 @@ bool Domain::MoveOu(const std::string& destination) {
     BuildDn(dnsDomain_, current, currentDn);
     BuildDn(dnsDomain_, destination, destinationDn);
     std::int32_t result = 0;
-    const char* const failure = moveComputerObject(SourcePath(computer, current, currentDn),
+    const char* const failure = MoveComputerObject(SourcePath(computer, current, currentDn),
                                                    DestinationPath(destination, destinationDn),
                                                    account_, password_, result);
     if (failure != nullptr) {

@@ -90,7 +90,7 @@ private:
 
 }  // namespace
 
-void readMembership(const Membership& membership) {
+void ReadMembership(const Membership& membership) {
     LsaPolicy policy = OpenPolicy();
     if (const LsaBuffer buffer = QueryPolicy(policy, PolicyPrimaryDomainInformation)) {
         const auto* const primary = static_cast<const POLICY_PRIMARY_DOMAIN_INFO*>(buffer.Get());
@@ -118,7 +118,7 @@ void readMembership(const Membership& membership) {
     }
 }
 
-std::string readComputerObjectName() {
+std::string ReadComputerObjectName() {
     ULONG size = 0;
     GetComputerObjectNameA(NameFullyQualifiedDN, nullptr, &size);
     if (size == 0) {
@@ -133,7 +133,7 @@ std::string readComputerObjectName() {
     return buffer.data() + 1;
 }
 
-const char* moveComputerObject(const std::string& source, const std::string& destination,
+const char* MoveComputerObject(const std::string& source, const std::string& destination,
                                const std::string& account, const std::string& password,
                                std::int32_t& result) {
     const Bstr wideSource{std::string_view(source)};  // automation takes a BSTR

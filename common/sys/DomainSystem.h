@@ -16,15 +16,15 @@ struct Membership {
 
 /// Asks the local security authority and the workstation service. Throws DomainError when the
 /// security policy cannot be opened.
-void readMembership(const Membership& membership);
+void ReadMembership(const Membership& membership);
 
 /// The distinguished name of the machine's own computer object; empty where the system gives none.
 /// Throws DomainError.
-std::string readComputerObjectName();
+std::string ReadComputerObjectName();
 
 /// Moves the object of one LDAP path into the container of another, with that account. Returns the
 /// text of what failed and its HRESULT, or null when nothing did.
-const char* moveComputerObject(const std::string& source, const std::string& destination,
+const char* MoveComputerObject(const std::string& source, const std::string& destination,
                                const std::string& account, const std::string& password,
                                std::int32_t& result);
 

@@ -151,7 +151,7 @@ void Registry::Close() {
     open_ = false;
 }
 
-std::string readLocalMachineText(const std::string& subkey, const std::string& name) {
+std::string ReadLocalMachineText(const std::string& subkey, const std::string& name) {
     Registry key;
     key.SetSubkey(subkey);
     key.OpenForReading(0);

@@ -72,7 +72,7 @@ private:
 };
 
 /// What both orders share beside the order itself: construction and the increments.
-template <class Derived>
+template <typename Derived>
 class composite_iterator : public abstract_composite_iterator {
 public:
     Derived& operator++() {

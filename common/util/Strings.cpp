@@ -20,11 +20,11 @@ std::string Format(const char* format, ...) {
 namespace {
 
 /// An argument list is a pointer on most platforms, and only there can it be null.
-template <class Element>
+template <typename Element>
 bool IsNull(Element* arguments) {
     return arguments == nullptr;
 }
-template <class List>
+template <typename List>
 bool IsNull(const List& /*arguments*/) {
     return false;
 }
@@ -62,8 +62,8 @@ constexpr bool IsSpace(char character) noexcept {
 // atoi with the range made explicit: its answer to an overflow is undefined in C, the nearest value
 // in Microsoft's library.
 std::int32_t ParseDecimal(std::string_view text) noexcept {
-    text.remove_prefix(static_cast<std::size_t>(
-        std::find_if_not(text.begin(), text.end(), IsSpace) - text.begin()));
+    text.remove_prefix(
+        static_cast<std::size_t>(std::ranges::find_if_not(text, IsSpace) - text.begin()));
     if (text.starts_with('+') && text.size() > 1 && IsDigit(text[1])) {
         text.remove_prefix(1);
     }
@@ -106,8 +106,9 @@ bool NoCaseLess(std::string_view left, std::string_view right) noexcept {
 bool NoCaseEqual(std::string_view left, std::string_view right) noexcept {
     // Most names are asked for as they are written: equal bytes are compared many at a time.
     return left.size() == right.size() &&
-           (left == right || std::equal(left.begin(), left.end(), right.begin(),
-                                        [](char a, char b) { return ToUpper(a) == ToUpper(b); }));
+           (left == right || std::ranges::equal(left, right, [](char a, char b) {
+                return ToUpper(a) == ToUpper(b);
+            }));
 }
 
 std::vector<std::string_view> SplitAt(std::string_view text, char separator) {

@@ -104,7 +104,7 @@ constexpr std::array kNetworkCodes = {
     Meaning{11004, "the host's name has no address"},
 };
 
-template <class Table>
+template <typename Table>
 const char* Find(const Table& table, std::uint32_t code) {
     const auto found = std::find_if(table.begin(), table.end(),
                                     [code](const Meaning& row) { return row.code == code; });

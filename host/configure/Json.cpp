@@ -25,7 +25,7 @@ Json List(const std::vector<std::string>& texts) {
     return list;
 }
 
-template <class Items, class Convert>
+template <typename Items, typename Convert>
 Json Array(const Items& items, Convert&& convert) {
     Json array = Json::array();
     for (const auto& item : items) {

@@ -103,9 +103,9 @@ std::optional<std::string> ReadText(
 
 void ReadLocation(Reader& reader, machine::Adapter& adapter) {
     const std::string what = Of(adapter, "LocationInformation of HKEY_LOCAL_MACHINE\\" +
-                                             sys::deviceKey(*adapter.pnpDeviceId));
+                                             sys::DeviceKey(*adapter.pnpDeviceId));
     const auto read = [&adapter] {
-        adapter.pciLocation = sys::readLocationInformation(*adapter.pnpDeviceId);
+        adapter.pciLocation = sys::ReadLocationInformation(*adapter.pnpDeviceId);
     };
     // The module reads it for PCI adapters, and fails where there is none.
     if (adapter.pnpDeviceId->starts_with("PCI")) {
@@ -183,7 +183,7 @@ void ReadNames(Reader& reader, machine::Adapter& adapter) {
     if (adapter.settingId) {
         reader.ReadIfThere(
             Of(adapter,
-               "NameServer of HKEY_LOCAL_MACHINE\\" + sys::interfaceKey(*adapter.settingId)),
+               "NameServer of HKEY_LOCAL_MACHINE\\" + sys::InterfaceKey(*adapter.settingId)),
             [&] { adapter.staticDns = SplitList(sys::readNameServer(*adapter.settingId)); });
     }
 }

@@ -11,14 +11,14 @@ namespace {
 /// How WMI has a member of the type.
 template <typename Member>
 struct Delivery {
-    static constexpr Type kType = Type::Text;  // what WMI does not know
+    static constexpr Type kType = Type::kText;  // what WMI does not know
     static Value From(const Member& /*member*/) { return {}; }
     static Member To(const Value& /*value*/) { return {}; }
 };
 
 template <>
 struct Delivery<std::uint32_t> {
-    static constexpr Type kType = Type::UInt32;
+    static constexpr Type kType = Type::kUInt32;
     static Value From(std::uint32_t number) { return static_cast<std::int32_t>(number); }
     static std::uint32_t To(const Value& value) {
         const auto* const number = std::get_if<std::int32_t>(&value);
@@ -36,12 +36,12 @@ struct SameDelivery {
     }
 };
 template <>
-struct Delivery<bool> : SameDelivery<bool, Type::Boolean> {};
+struct Delivery<bool> : SameDelivery<bool, Type::kBoolean> {};
 template <>
-struct Delivery<std::string> : SameDelivery<std::string, Type::Text> {};
+struct Delivery<std::string> : SameDelivery<std::string, Type::kText> {};
 
 template <>
-struct Delivery<TextList> : SameDelivery<TextList, Type::Texts> {
+struct Delivery<TextList> : SameDelivery<TextList, Type::kTexts> {
     /// A list without elements is delivered as null.
     static Value From(const TextList& list) { return list.empty() ? Value() : Value(list); }
 };
@@ -115,8 +115,8 @@ std::vector<Properties> ConfigurationRows(const State& state, OptionalIndex inde
     return RowsOf(
         state, index, &AdapterProperty::configuration,
         [&state](const Adapter& adapter, Properties& row) {
-            row.push_back({"Description", Type::Text, DescriptionOf(adapter)});
-            row.push_back({"DNSDomainSuffixSearchOrder", Type::Texts,
+            row.push_back({"Description", Type::kText, DescriptionOf(adapter)});
+            row.push_back({"DNSDomainSuffixSearchOrder", Type::kTexts,
                            adapter.ipEnabled ? Delivery<TextList>::From(model::ShownSuffixes(state))
                                              : Value()});
         });
@@ -125,9 +125,9 @@ std::vector<Properties> ConfigurationRows(const State& state, OptionalIndex inde
 std::vector<Properties> HardwareRows(const State& state, OptionalIndex index) {
     return RowsOf(state, index, &AdapterProperty::hardware,
                   [](const Adapter& adapter, Properties& row) {
-                      row.push_back({"DeviceID", Type::Text, std::to_string(adapter.index)});
-                      row.push_back({"Description", Type::Text, DescriptionOf(adapter)});
-                      row.push_back({"Name", Type::Text, DescriptionOf(adapter)});
+                      row.push_back({"DeviceID", Type::kText, std::to_string(adapter.index)});
+                      row.push_back({"Description", Type::kText, DescriptionOf(adapter)});
+                      row.push_back({"Name", Type::kText, DescriptionOf(adapter)});
                   });
 }
 

@@ -7,7 +7,7 @@
 namespace machine::cim {
 namespace {
 
-// Adapter methods on a vanished instance never get here: the path was resolved before.
+/// Adapter methods on a vanished instance never get here: the path was resolved before.
 Adapter& AdapterOf(const Target& target) {
     return *FindAdapter(target.state,
                         static_cast<std::uint32_t>(std::get<std::int32_t>(target.key)));
@@ -36,9 +36,9 @@ model::Credentials CredentialsOf(const Properties& in) {
     return {TextOf(in, "UserName"), TextOf(in, "Password")};
 }
 
-// 1 is success as well: done, and a restart is needed.
+/// 1 is success as well: done, and a restart is needed.
 std::uint32_t Answer(const Target& target, std::uint32_t code) {
-    return code == model::Succeeded && target.state.system.adapterChangesNeedRestart ? 1 : code;
+    return code == model::kSucceeded && target.state.system.adapterChangesNeedRestart ? 1 : code;
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ std::vector<Method> AdapterMethods() {
          }},
         {"EnableStatic",
          false,
-         {{"IPAddress", Type::Texts}, {"SubnetMask", Type::Texts}},
+         {{"IPAddress", Type::kTexts}, {"SubnetMask", Type::kTexts}},
          [](const Target& target, const Properties& in) {
              return Answer(target,
                            model::EnableStatic(target.state, AdapterOf(target),
@@ -61,21 +61,21 @@ std::vector<Method> AdapterMethods() {
          }},
         {"SetGateways",
          false,
-         {{"DefaultIPGateway", Type::Texts}, {"GatewayCostMetric", Type::UInt16s}},
+         {{"DefaultIPGateway", Type::kTexts}, {"GatewayCostMetric", Type::kUInt16s}},
          [](const Target& target, const Properties& in) {
              return Answer(target, model::SetGateways(target.state, AdapterOf(target),
                                                       ListOf(in, "DefaultIPGateway")));
          }},
         {"SetDNSServerSearchOrder",
          false,
-         {{"DNSServerSearchOrder", Type::Texts}},
+         {{"DNSServerSearchOrder", Type::kTexts}},
          [](const Target& target, const Properties& in) {
              return Answer(target, model::SetDnsServers(target.state, AdapterOf(target),
                                                         ListOf(in, "DNSServerSearchOrder")));
          }},
         {"SetDNSSuffixSearchOrder",
          true,
-         {{"DNSDomainSuffixSearchOrder", Type::Texts}},
+         {{"DNSDomainSuffixSearchOrder", Type::kTexts}},
          [](const Target& target, const Properties& in) {
              return Answer(target, model::SetDnsSuffixes(target.state,
                                                          ListOf(in, "DNSDomainSuffixSearchOrder")));
@@ -87,24 +87,24 @@ std::vector<Method> ComputerMethods() {
     return {
         {"Rename",
          false,
-         {{"Name", Type::Text}, {"Password", Type::Text}, {"UserName", Type::Text}},
+         {{"Name", Type::kText}, {"Password", Type::kText}, {"UserName", Type::kText}},
          [](const Target& target, const Properties& in) {
              return model::Rename(target.state, TextOf(in, "Name"), CredentialsOf(in));
          }},
         {"JoinDomainOrWorkgroup",
          false,
-         {{"Name", Type::Text},
-          {"Password", Type::Text},
-          {"UserName", Type::Text},
-          {"AccountOU", Type::Text},
-          {"FJoinOptions", Type::UInt32}},
+         {{"Name", Type::kText},
+          {"Password", Type::kText},
+          {"UserName", Type::kText},
+          {"AccountOU", Type::kText},
+          {"FJoinOptions", Type::kUInt32}},
          [](const Target& target, const Properties& in) {
              return model::Join(target.state, TextOf(in, "Name"), CredentialsOf(in),
                                 TextOf(in, "AccountOU"), NumberOf(in, "FJoinOptions"));
          }},
         {"UnjoinDomainOrWorkgroup",
          false,
-         {{"Password", Type::Text}, {"UserName", Type::Text}, {"FUnjoinOptions", Type::UInt32}},
+         {{"Password", Type::kText}, {"UserName", Type::kText}, {"FUnjoinOptions", Type::kUInt32}},
          [](const Target& target, const Properties& in) {
              return model::Unjoin(target.state, CredentialsOf(in), NumberOf(in, "FUnjoinOptions"));
          }},

@@ -14,7 +14,7 @@ namespace machine::cim {
 struct ObjectPath {
     std::string className;
     bool isClass = true;
-    std::string keyName;  // may be empty: the class's only key
+    std::string keyName;  ///< may be empty: the class's only key
     Value key;
 };
 
@@ -25,8 +25,8 @@ bool ParseObjectPath(std::string_view text, ObjectPath& path);
 std::optional<Properties> FindObject(const State& state, const Class& definition,
                                      const ObjectPath& path);
 
-inline constexpr std::uint32_t kNotFound = 0x80041002;       // WBEM_E_NOT_FOUND
-inline constexpr std::uint32_t kInvalidMethod = 0x8004102E;  // WBEM_E_INVALID_METHOD
+inline constexpr std::uint32_t kNotFound = 0x80041002;       ///< WBEM_E_NOT_FOUND
+inline constexpr std::uint32_t kInvalidMethod = 0x8004102E;  ///< WBEM_E_INVALID_METHOD
 
 /// Whether the method can be called on what the path names: 0, or one of the codes above.
 std::uint32_t CheckTarget(const State& state, const Class& definition, const Method& method,

@@ -12,10 +12,10 @@ namespace {
 std::vector<Properties> RouteRows(const State& state, OptionalIndex /*index*/) {
     std::vector<Properties> rows;
     for (const PersistedRoute& route : state.routes) {
-        rows.push_back({{"Destination", Type::Text, route.destination},
-                        {"Mask", Type::Text, route.mask},
-                        {"NextHop", Type::Text, route.nextHop},
-                        {"Metric1", Type::SInt32, route.metric}});
+        rows.push_back({{"Destination", Type::kText, route.destination},
+                        {"Mask", Type::kText, route.mask},
+                        {"NextHop", Type::kText, route.nextHop},
+                        {"Metric1", Type::kSInt32, route.metric}});
     }
     return rows;
 }
@@ -23,15 +23,15 @@ std::vector<Properties> RouteRows(const State& state, OptionalIndex /*index*/) {
 std::vector<Properties> ComputerRows(const State& state, OptionalIndex /*index*/) {
     const Membership& membership = model::ShownMembership(state);
     return {
-        {{"Name", Type::Text, state.computerName},
-         {"Caption", Type::Text, state.computerName},
-         {"DNSHostName", Type::Text, state.hostName},
-         {"Domain", Type::Text, membership.member ? membership.dnsDomain : membership.workgroup},
-         {"PartOfDomain", Type::Boolean, membership.member},
-         {"Workgroup", Type::Text, membership.member ? Value() : Value(membership.workgroup)}}};
+        {{"Name", Type::kText, state.computerName},
+         {"Caption", Type::kText, state.computerName},
+         {"DNSHostName", Type::kText, state.hostName},
+         {"Domain", Type::kText, membership.member ? membership.dnsDomain : membership.workgroup},
+         {"PartOfDomain", Type::kBoolean, membership.member},
+         {"Workgroup", Type::kText, membership.member ? Value() : Value(membership.workgroup)}}};
 }
 
-// The names and types of a class are those of a row of a machine that has one of everything.
+/// The names and types of a class are those of a row of a machine that has one of everything.
 Properties Shape(std::vector<Properties> (*rows)(const State&, OptionalIndex)) {
     State state;
     state.adapters.emplace_back();
@@ -53,7 +53,7 @@ OptionalIndex IndexOf(std::string_view property, const Value& value) {
 }
 
 const Class* FindClass(std::string_view name) {
-    static const std::vector<Class> classes = {
+    static const std::vector<Class> kClasses = {
         {"Win32_ComputerSystem", "Name", Shape(ComputerRows), ComputerRows, ComputerMethods()},
         {"Win32_NetworkAdapterConfiguration", "Index", Shape(ConfigurationRows), ConfigurationRows,
          AdapterMethods()},
@@ -61,8 +61,8 @@ const Class* FindClass(std::string_view name) {
         {"Win32_IP4PersistedRouteTable", "Destination", Shape(RouteRows), RouteRows, {}},
     };
     const auto found = std::ranges::find_if(
-        classes, [name](const Class& definition) { return EqualNoCase(definition.name, name); });
-    return found == classes.end() ? nullptr : &*found;
+        kClasses, [name](const Class& definition) { return EqualNoCase(definition.name, name); });
+    return found == kClasses.end() ? nullptr : &*found;
 }
 
 const Method* FindMethod(const Class& definition, std::string_view name) {

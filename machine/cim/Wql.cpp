@@ -26,26 +26,26 @@ public:
                 return false;
             }
         }
-        return Current().kind == Token::Kind::End;
+        return Current().kind == Token::Kind::kEnd;
     }
 
 private:
     const Token& Current() const { return tokens_[at_]; }
 
     bool TakeWord(std::string_view word) {
-        const bool is = Current().kind == Token::Kind::Word && EqualNoCase(Current().text, word);
+        const bool is = Current().kind == Token::Kind::kWord && EqualNoCase(Current().text, word);
         at_ += is ? 1 : 0;
         return is;
     }
 
     bool TakeSign(std::string_view sign) {
-        const bool is = Current().kind == Token::Kind::Sign && Current().text == sign;
+        const bool is = Current().kind == Token::Kind::kSign && Current().text == sign;
         at_ += is ? 1 : 0;
         return is;
     }
 
     bool ReadName(std::string& name) {
-        if (Current().kind != Token::Kind::Word) {
+        if (Current().kind != Token::Kind::kWord) {
             return false;
         }
         name = tokens_[at_++].text;
@@ -66,7 +66,7 @@ private:
 
     using Reader = bool (Parser::*)(Condition&);
 
-    // parts joined by a word: "a and b and c"
+    /// parts joined by a word: "a and b and c"
     bool ReadJoined(Condition& condition, std::string_view word, Condition::Kind kind,
                     Reader reader) {
         if (!(this->*reader)(condition)) {
@@ -85,11 +85,11 @@ private:
     }
 
     bool ReadAlternatives(Condition& condition) {
-        return ReadJoined(condition, "or", Condition::Kind::Or, &Parser::ReadConjunction);
+        return ReadJoined(condition, "or", Condition::Kind::kOr, &Parser::ReadConjunction);
     }
 
     bool ReadConjunction(Condition& condition) {
-        return ReadJoined(condition, "and", Condition::Kind::And, &Parser::ReadTerm);
+        return ReadJoined(condition, "and", Condition::Kind::kAnd, &Parser::ReadTerm);
     }
 
     bool ReadTerm(Condition& condition) {
@@ -98,7 +98,7 @@ private:
             return false;
         }
         if (TakeWord("not")) {
-            condition.kind = Condition::Kind::Not;
+            condition.kind = Condition::Kind::kNot;
             return ReadTerm(condition.parts.emplace_back());
         }
         if (TakeSign("(")) {
@@ -109,7 +109,7 @@ private:
         }
         if (TakeWord("is")) {
             const bool negated = TakeWord("not");
-            condition.kind = Condition::Kind::IsNull;
+            condition.kind = Condition::Kind::kIsNull;
             condition.comparison = negated ? "<>" : "=";
             return TakeWord("null");
         }
@@ -128,9 +128,9 @@ private:
 
     bool ReadLiteral(Value& literal) {
         const Token& token = Current();
-        if (token.kind == Token::Kind::Text) {
+        if (token.kind == Token::Kind::kText) {
             literal = token.text;
-        } else if (token.kind == Token::Kind::Number) {
+        } else if (token.kind == Token::Kind::kNumber) {
             std::int64_t number = 0;
             const char* last = token.text.data() + token.text.size();
             const auto [end, error] = std::from_chars(token.text.data(), last, number);
@@ -154,7 +154,8 @@ private:
     int depth_ = 0;
 };
 
-// Numbers and truth values compare by their number, everything else as text without regard to case.
+/// Numbers and truth values compare by their number, everything else as text without regard to
+/// case.
 std::strong_ordering Compare(const Value& left, const Value& right) {
     const auto number = [](const Value& value) {
         const bool* flag = std::get_if<bool>(&value);
@@ -182,7 +183,8 @@ bool Decide(std::strong_ordering order, std::string_view comparison) {
     return comparison == ">" ? std::is_gt(order) : std::is_gteq(order);
 }
 
-// Whether the condition names properties of the class and compares each with a literal of its kind.
+/// Whether the condition names properties of the class and compares each with a literal of its
+/// kind.
 bool Fits(const Condition& condition, const Class& definition) {
     if (!condition.parts.empty()) {
         return std::ranges::all_of(condition.parts, [&definition](const Condition& part) {
@@ -193,15 +195,15 @@ bool Fits(const Condition& condition, const Class& definition) {
     if (property == nullptr) {
         return false;
     }
-    if (condition.kind == Condition::Kind::IsNull ||
+    if (condition.kind == Condition::Kind::kIsNull ||
         std::holds_alternative<std::monostate>(condition.literal)) {
         return true;
     }
     switch (property->type) {
-        case Type::Text:
+        case Type::kText:
             return std::holds_alternative<std::string>(condition.literal);
-        case Type::Texts:
-        case Type::UInt16s:
+        case Type::kTexts:
+        case Type::kUInt16s:
             return false;  // lists cannot be compared
         default:
             return !std::holds_alternative<std::string>(condition.literal);
@@ -211,19 +213,19 @@ bool Fits(const Condition& condition, const Class& definition) {
 bool Holds(const Condition& condition, const Properties& row) {
     const auto holds = [&row](const Condition& part) { return Holds(part, row); };
     switch (condition.kind) {
-        case Condition::Kind::And:
+        case Condition::Kind::kAnd:
             return std::ranges::all_of(condition.parts, holds);
-        case Condition::Kind::Or:
+        case Condition::Kind::kOr:
             return std::ranges::any_of(condition.parts, holds);
-        case Condition::Kind::Not:
+        case Condition::Kind::kNot:
             return !holds(condition.parts.front());
-        case Condition::Kind::IsNull:
-        case Condition::Kind::Compare:
+        case Condition::Kind::kIsNull:
+        case Condition::Kind::kCompare:
             break;
     }
     const Value& value = FindProperty(row, condition.property)->value;
     const bool isNull = std::holds_alternative<std::monostate>(value);
-    if (condition.kind == Condition::Kind::IsNull ||
+    if (condition.kind == Condition::Kind::kIsNull ||
         std::holds_alternative<std::monostate>(condition.literal)) {
         return isNull == (condition.comparison == "=");
     }
@@ -240,16 +242,16 @@ bool ParseQuery(std::string_view text, Query& query) {
 QueryAnswer RunQuery(const State& state, const Query& query, std::vector<Properties>& rows) {
     const Class* definition = FindClass(query.className);
     if (definition == nullptr) {
-        return QueryAnswer::NoSuchClass;
+        return QueryAnswer::kNoSuchClass;
     }
     const bool knowsAll = std::ranges::all_of(query.properties, [definition](const auto& name) {
         return FindProperty(definition->properties, name) != nullptr;
     });
     if (!knowsAll || (query.condition && !Fits(*query.condition, *definition))) {
-        return QueryAnswer::InvalidQuery;
+        return QueryAnswer::kInvalidQuery;
     }
     OptionalIndex index;
-    if (query.condition && query.condition->kind == Condition::Kind::Compare &&
+    if (query.condition && query.condition->kind == Condition::Kind::kCompare &&
         query.condition->comparison == "=") {
         index = IndexOf(query.condition->property, query.condition->literal);
     }
@@ -267,7 +269,7 @@ QueryAnswer RunQuery(const State& state, const Query& query, std::vector<Propert
         }
         rows.push_back(std::move(selected));
     }
-    return QueryAnswer::Rows;
+    return QueryAnswer::kRows;
 }
 
 }  // namespace machine::cim

@@ -13,27 +13,27 @@
 namespace machine::cim {
 
 struct Condition {
-    enum class Kind { Compare, IsNull, And, Or, Not };
+    enum class Kind { kCompare, kIsNull, kAnd, kOr, kNot };
 
-    Kind kind = Kind::Compare;
+    Kind kind = Kind::kCompare;
     std::string property;
-    std::string comparison;  // "=", "<>", "<", ">", "<=", ">="
+    std::string comparison;  ///< "=", "<>", "<", ">", "<=", ">="
     Value literal;
     std::vector<Condition> parts;
 };
 
 struct Query {
-    std::vector<std::string> properties;  // empty: all
+    std::vector<std::string> properties;  ///< empty: all
     std::string className;
-    std::unique_ptr<Condition> condition;  // null: every row
+    std::unique_ptr<Condition> condition;  ///< null: every row
 };
 
-// False when the text is no such query.
+/// False when the text is no such query.
 bool ParseQuery(std::string_view text, Query& query);
 
-enum class QueryAnswer { Rows, NoSuchClass, InvalidQuery };
+enum class QueryAnswer { kRows, kNoSuchClass, kInvalidQuery };
 
-// The rows that the machine has, each with the properties asked for.
+/// The rows that the machine has, each with the properties asked for.
 QueryAnswer RunQuery(const State& state, const Query& query, std::vector<Properties>& rows);
 
 }  // namespace machine::cim

@@ -13,10 +13,10 @@ bool IsWordCharacter(char c) {
     return c == '_' || IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-// Each takes its token off the front of the text.
+/// Each takes its token off the front of the text.
 Token TakeText(std::string_view& text) {
     const char quote = text.front();
-    Token token{Token::Kind::Wrong, {}};  // until the closing quote is seen
+    Token token{Token::Kind::kWrong, {}};  // until the closing quote is seen
     std::size_t at = 1;
     for (; at < text.size() && text[at] != quote; ++at) {
         if (text[at] == '\\' && at + 1 < text.size()) {
@@ -25,7 +25,7 @@ Token TakeText(std::string_view& text) {
         token.text += text[at];
     }
     if (at < text.size()) {
-        token.kind = Token::Kind::Text;
+        token.kind = Token::Kind::kText;
         ++at;
     }
     text.remove_prefix(at);
@@ -38,23 +38,23 @@ Token TakeWord(std::string_view& text) {
     while (length < text.size() && IsWordCharacter(text[length])) {
         ++length;
     }
-    Token token{isNumber ? Token::Kind::Number : Token::Kind::Word,
+    Token token{isNumber ? Token::Kind::kNumber : Token::Kind::kWord,
                 std::string(text.substr(0, length))};
     text.remove_prefix(length);
     return token;
 }
 
 Token TakeSign(std::string_view& text) {
-    constexpr std::string_view signs[] = {"<>", "!=", "<=", ">=", "=", "<",
-                                          ">",  "(",  ")",  ",",  "*"};
+    constexpr std::string_view kSigns[] = {"<>", "!=", "<=", ">=", "=", "<",
+                                           ">",  "(",  ")",  ",",  "*"};
     const auto* const sign = std::ranges::find_if(
-        signs, [text](std::string_view known) { return text.starts_with(known); });
-    if (sign == std::end(signs)) {
+        kSigns, [text](std::string_view known) { return text.starts_with(known); });
+    if (sign == std::end(kSigns)) {
         text.remove_prefix(1);
-        return {Token::Kind::Wrong, {}};
+        return {Token::Kind::kWrong, {}};
     }
     text.remove_prefix(sign->size());
-    return {Token::Kind::Sign, std::string(*sign)};
+    return {Token::Kind::kSign, std::string(*sign)};
 }
 
 }  // namespace

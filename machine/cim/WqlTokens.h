@@ -8,12 +8,12 @@
 namespace machine::cim {
 
 struct Token {
-    enum class Kind { Word, Number, Text, Sign, End, Wrong };
-    Kind kind = Kind::End;
-    std::string text;  // without quotes and escapes
+    enum class Kind { kWord, kNumber, kText, kSign, kEnd, kWrong };
+    Kind kind = Kind::kEnd;
+    std::string text;  ///< without quotes and escapes
 };
 
-// Ends with a token of the kind End. What WQL does not know is Wrong.
+/// Ends with a token of the kind End. What WQL does not know is Wrong.
 std::vector<Token> ReadTokens(std::string_view text);
 
 }  // namespace machine::cim

@@ -16,8 +16,8 @@
 
 namespace machine {
 
-// Owned by the core until the simulation ends, so that a call after the last Release finds valid
-// memory and is reported instead of crashing.
+/// Owned by the core until the simulation ends, so that a call after the last Release finds valid
+/// memory and is reported instead of crashing.
 class ComObjectBase {
 public:
     ComObjectBase(Core& core, std::string_view interfaceName)
@@ -32,13 +32,13 @@ protected:
     Core& Machine() const { return core_; }
     std::string_view InterfaceName() const { return interfaceName_; }
 
-    // Frees what the object holds when its last reference goes.
+    /// Frees what the object holds when its last reference goes.
     virtual void Discard() {}
 
     ULONG CountReference(std::string origin);
     ULONG TakeReferenceBack();
     std::uintptr_t Identity() const { return reinterpret_cast<std::uintptr_t>(this); }
-    // Records misuse: a call on a released object, or on a thread without COM.
+    /// Records misuse: a call on a released object, or on a thread without COM.
     void CheckUsable(Call& call);
 
 private:
@@ -47,14 +47,14 @@ private:
     ULONG references_ = 0;
 };
 
-// Implements IUnknown for the interface of this identity.
+/// Implements IUnknown for the interface of this identity.
 template <typename Interface, const IID& id>
 class ComObject : public Interface, public ComObjectBase {
 public:
     using ComObjectBase::ComObjectBase;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID wanted, void** object) override {
-        Call call(Machine(), InterfaceName(), "QueryInterface", {}, Failing::Never);
+        Call call(Machine(), InterfaceName(), "QueryInterface", {}, Failing::kNever);
         CheckUsable(call);
         if (object == nullptr) {
             return call.Hresult(E_POINTER);
@@ -69,7 +69,7 @@ public:
     }
 
     ULONG STDMETHODCALLTYPE AddRef() override {
-        Call call(Machine(), InterfaceName(), "AddRef", {}, Failing::Never);
+        Call call(Machine(), InterfaceName(), "AddRef", {}, Failing::kNever);
         CheckUsable(call);
         const ULONG references = CountReference(call.Origin());
         call.Note(std::to_string(references));
@@ -77,17 +77,17 @@ public:
     }
 
     ULONG STDMETHODCALLTYPE Release() override {
-        Call call(Machine(), InterfaceName(), "Release", {}, Failing::Never);
+        Call call(Machine(), InterfaceName(), "Release", {}, Failing::kNever);
         CheckUsable(call);
         const ULONG references = TakeReferenceBack();
         call.Note(std::to_string(references));
         return references;
     }
 
-    // What the module knows the object by.
+    /// What the module knows the object by.
     const void* Address() const { return static_cast<const Interface*>(this); }
 
-    // The interface with one reference, as an out-parameter of the call wants it.
+    /// The interface with one reference, as an out-parameter of the call wants it.
     Interface* HandOut(Call& call) {
         CountReference(call.Origin());
         return this;
@@ -98,15 +98,15 @@ protected:
         return IsEqualIID(wanted, IID_IUnknown) || IsEqualIID(wanted, id);
     }
 
-    // For the methods that the simulated machine leaves out: reported as unexpected.
+    /// For the methods that the simulated machine leaves out: reported as unexpected.
     HRESULT NotServed(std::string_view function) {
-        Call call(Machine(), InterfaceName(), function, {}, Failing::Never);
+        Call call(Machine(), InterfaceName(), function, {}, Failing::kNever);
         call.Unexpected("the simulated machine does not serve this method");
         return call.Hresult(E_NOTIMPL);
     }
 };
 
-// Makes an object that the core owns.
+/// Makes an object that the core owns.
 template <typename Object, typename... Arguments>
 Object& MakeComObject(Core& core, Arguments&&... arguments) {
     auto object = std::make_unique<Object>(core, std::forward<Arguments>(arguments)...);
@@ -115,8 +115,8 @@ Object& MakeComObject(Core& core, Arguments&&... arguments) {
     return made;
 }
 
-// The simulation's object behind an interface pointer of the module; null when it is none of the
-// type.
+/// The simulation's object behind an interface pointer of the module; null when it is none of the
+/// type.
 template <typename Object>
 Object* FindComObject(Core& core, const void* address) {
     const auto found = core.objects.find(address);

@@ -1,11 +1,14 @@
 #include "machine/file/JsonReader.h"
 
+#include <set>
+#include <vector>
+
 #include "machine/CodePage.h"
 
 namespace machine::file {
 namespace {
 
-// The pointer's own separator and escape character, as RFC 6901 writes them.
+/// The pointer's own separator and escape character, as RFC 6901 writes them.
 std::string Escaped(const std::string& name) {
     std::string escaped;
     for (const char c : name) {
@@ -22,7 +25,9 @@ std::string Escaped(const std::string& name) {
 
 std::string Describe(const Json& json) {
     if (json.is_string()) {
-        return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+        // Messages are in the code page: what that lacks stands as "\u4e2d".
+        const auto shown = FromUtf8(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+        return shown ? *shown : json.dump(-1, ' ', true, Json::error_handler_t::replace);
     }
     if (json.is_number() || json.is_boolean()) {
         return json.dump();
@@ -33,21 +38,64 @@ std::string Describe(const Json& json) {
     return json.is_array() ? "a list" : "an object";
 }
 
+/// Refuses a member that stands twice in one object.
+class MemberWatch {
+public:
+    void Take(Json::parse_event_t event, const Json& parsed) {
+        using Event = Json::parse_event_t;
+        switch (event) {
+            case Event::object_start:
+            case Event::array_start:
+                open_.push_back({event == Event::array_start, {}, {}, 0});
+                break;
+            case Event::key:
+                open_.back().member = parsed.get<std::string>();
+                if (!open_.back().members.insert(open_.back().member).second) {
+                    throw MachineFileError(Place() + ": the member stands twice in one object");
+                }
+                break;
+            case Event::object_end:
+            case Event::array_end:
+                open_.pop_back();
+                EndElement();
+                break;
+            case Event::value:
+                EndElement();
+                break;
+        }
+    }
+
+private:
+    struct Level {
+        bool isList;
+        std::set<std::string> members;
+        std::string member;
+        std::size_t element;
+    };
+
+    void EndElement() {
+        if (!open_.empty() && open_.back().isList) {
+            ++open_.back().element;
+        }
+    }
+
+    std::string Place() const {
+        std::string place;
+        for (const Level& level : open_) {
+            place += "/" + (level.isList ? std::to_string(level.element) : Escaped(level.member));
+        }
+        return place;
+    }
+
+    std::vector<Level> open_;
+};
+
 }  // namespace
 
 Json ParseJson(std::string_view text) {
-    std::vector<std::set<std::string>> open;
-    const auto refuseTwins = [&open](int, Json::parse_event_t event, Json& parsed) {
-        if (event == Json::parse_event_t::object_start) {
-            open.emplace_back();
-        } else if (event == Json::parse_event_t::object_end) {
-            open.pop_back();
-        } else if (event == Json::parse_event_t::key) {
-            const auto name = parsed.get<std::string>();
-            if (!open.back().insert(name).second) {
-                throw MachineFileError("the member \"" + name + "\" stands twice in one object");
-            }
-        }
+    MemberWatch watch;
+    const auto refuseTwins = [&watch](int, Json::parse_event_t event, Json& parsed) {
+        watch.Take(event, parsed);
         return true;
     };
     try {

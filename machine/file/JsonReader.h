@@ -16,27 +16,27 @@ namespace machine::file {
 
 using Json = nlohmann::ordered_json;
 
-// Parses JSON text. Throws MachineFileError with line and column, also for a member that stands
-// twice.
+/// Parses JSON text. Throws MachineFileError with line and column, also for a member that stands
+/// twice.
 Json ParseJson(std::string_view text);
 
-// A value and its place, written as a JSON pointer.
+/// A value and its place, written as a JSON pointer.
 class Node {
 public:
     Node(const Json& json, std::string place) : json_(json), place_(std::move(place)) {}
 
     const Json& Value() const { return json_; }
 
-    // A text in the ANSI code page.
+    /// A text in the ANSI code page.
     std::string Text() const;
     bool Boolean() const;
 
     template <typename Number>
     Number WholeNumber() const {
         static_assert(sizeof(Number) <= sizeof(std::int32_t));
-        constexpr std::int64_t least = std::numeric_limits<Number>::min();
-        constexpr std::int64_t most = std::numeric_limits<Number>::max();
-        return static_cast<Number>(WholeNumber(least, most));
+        constexpr std::int64_t kLeast = std::numeric_limits<Number>::min();
+        constexpr std::int64_t kMost = std::numeric_limits<Number>::max();
+        return static_cast<Number>(WholeNumber(kLeast, kMost));
     }
 
     Node Member(const std::string& name) const;
@@ -44,9 +44,9 @@ public:
     void ExpectObject() const;
     void ExpectList() const;
 
-    // "/adapters/0/index: expected a whole number, found \"one\""
+    /// "/adapters/0/index: expected a whole number, found \"one\""
     [[noreturn]] void Refuse(std::string_view expected) const;
-    // "/adapters/1/index: there is another adapter 1"
+    /// "/adapters/1/index: there is another adapter 1"
     [[noreturn]] void Reject(std::string_view why) const;
 
 private:
@@ -56,7 +56,7 @@ private:
     std::string place_;
 };
 
-// How a value of each type is read; the types of a machine's state add theirs.
+/// How a value of each type is read; the types of a machine's state add theirs.
 inline void Read(const Node& node, std::string& text) {
     text = node.Text();
 }
@@ -75,14 +75,14 @@ void Read(const Node& node, std::optional<Value>& value);
 template <typename Value>
 void Read(const Node& node, std::vector<Value>& list);
 
-// The members of an object: each is taken by name, and Finish refuses those that nobody took.
+/// The members of an object: each is taken by name, and Finish refuses those that nobody took.
 class Members {
 public:
     explicit Members(const Node& node) : node_(node) { node.ExpectObject(); }
 
     bool Has(const std::string& name) const { return node_.Value().contains(name); }
 
-    // Reads the member when it is there; otherwise the target keeps what it holds.
+    /// Reads the member when it is there; otherwise the target keeps what it holds.
     template <typename Target>
     bool Optional(const std::string& name, Target& target) {
         known_.insert(name);

@@ -24,9 +24,9 @@ template <typename Choice>
 using Names = std::pair<Choice, std::string_view>;
 
 constexpr std::array kCryptoLibraries = {
-    Names<CryptoLibrary>{CryptoLibrary::Present, "present"},
-    Names<CryptoLibrary>{CryptoLibrary::Absent, "absent"},
-    Names<CryptoLibrary>{CryptoLibrary::WithoutExport, "withoutExport"}};
+    Names<CryptoLibrary>{CryptoLibrary::kPresent, "present"},
+    Names<CryptoLibrary>{CryptoLibrary::kAbsent, "absent"},
+    Names<CryptoLibrary>{CryptoLibrary::kWithoutExport, "withoutExport"}};
 constexpr std::array kConditions = {Names<Condition>{Condition::Connected, "connected"},
                                     Names<Condition>{Condition::Unplugged, "unplugged"},
                                     Names<Condition>{Condition::Disabled, "disabled"},

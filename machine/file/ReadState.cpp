@@ -30,7 +30,41 @@ void ExpectAddress(const Node& node, const std::string& address) {
     }
 }
 
+/// An address of an adapter: Windows lists those of IPv6 among them, with the length of their
+/// prefix among the masks.
+void ExpectAddresses(const Node& node, const char* name, const std::optional<TextList>& texts) {
+    for (std::size_t i = 0; texts && i < texts->size(); ++i) {
+        const std::string& text = (*texts)[i];
+        const bool isOfIPv6 = text.find(':') != std::string::npos ||
+                              text.find_first_not_of("0123456789") == std::string::npos;
+        if (!isOfIPv6) {
+            ExpectAddress(node.Member(name).Element(i), text);
+        }
+    }
+}
+
+/// The lists that an adapter and a lease have.
+template <typename Object>
+void CheckAddressing(const Node& node, const Object& object) {
+    const std::optional<TextList> addresses = object.ipAddress;
+    const std::optional<TextList> masks = object.ipSubnet;
+    ExpectAddresses(node, "ipAddress", addresses);
+    ExpectAddresses(node, "ipSubnet", masks);
+    ExpectAddresses(node, "gateways", object.gateways);
+    ExpectAddresses(node, "dnsServers", object.dnsServers);
+    if (addresses && masks && !addresses->empty() && addresses->size() != masks->size()) {
+        node.Member("ipSubnet")
+            .Reject(std::to_string(masks->size()) + " masks for " +
+                    std::to_string(addresses->size()) + " addresses");
+    }
+}
+
+void Check(const Node& node, DhcpLease& lease) {
+    CheckAddressing(node, lease);
+}
+
 void Check(const Node& node, Adapter& adapter) {
+    CheckAddressing(node, adapter);
     // Servers of an adapter without DHCP were set by hand.
     if (!node.Value().contains("staticDns") && adapter.dhcpEnabled == false) {
         adapter.staticDns = adapter.dnsServers.value_or(TextList());
@@ -51,7 +85,7 @@ void ExpectOneOf(const Node& node, const std::string& name, std::uint32_t value,
 }
 
 void Check(const Node& node, Versions& versions) {
-    ExpectOneOf(node, "staticOnStatic", versions.staticOnStatic, model::Succeeded,
+    ExpectOneOf(node, "staticOnStatic", versions.staticOnStatic, model::kSucceeded,
                 model::DhcpNotConfigured);
     ExpectOneOf(node, "refusedRoute", versions.refusedRoute, 0, 1);
     ExpectOneOf(node, "notElevated", versions.notElevated, model::WbemAccessDenied,

@@ -13,27 +13,27 @@ struct TypeName {
     std::string_view name;
 };
 
-constexpr TypeName typeNames[] = {
+constexpr TypeName kTypeNames[] = {
     {0, "REG_NONE"},  {1, "REG_SZ"},       {2, "REG_EXPAND_SZ"}, {3, "REG_BINARY"},
     {4, "REG_DWORD"}, {7, "REG_MULTI_SZ"}, {11, "REG_QWORD"},
 };
 
 std::uint32_t ReadType(const Node& node) {
     const std::string name = node.Text();
-    const auto* found = std::ranges::find(typeNames, name, &TypeName::name);
-    if (found == std::end(typeNames)) {
+    const auto* found = std::ranges::find(kTypeNames, name, &TypeName::name);
+    if (found == std::end(kTypeNames)) {
         node.Refuse("a registry type such as \"REG_SZ\"");
     }
     return found->type;
 }
 
 std::string ReadBytes(const Node& node) {
-    constexpr std::string_view digits = "0123456789abcdef";
+    constexpr std::string_view kDigits = "0123456789abcdef";
     std::string bytes;
     const std::string text = LowerCase(node.Text());
     for (const std::string& pair : text.empty() ? TextList() : Split(text, ' ')) {
-        const auto high = pair.size() == 2 ? digits.find(pair[0]) : std::string_view::npos;
-        const auto low = pair.size() == 2 ? digits.find(pair[1]) : std::string_view::npos;
+        const auto high = pair.size() == 2 ? kDigits.find(pair[0]) : std::string_view::npos;
+        const auto low = pair.size() == 2 ? kDigits.find(pair[1]) : std::string_view::npos;
         if (high == std::string_view::npos || low == std::string_view::npos) {
             node.Refuse("bytes such as \"00 7F FF\"");
         }
@@ -68,7 +68,7 @@ RegistryValue ReadValue(const Node& node, const std::string& name) {
     return value;
 }
 
-// The terminated text that the data is; nothing when it is none.
+/// The terminated text that the data is; nothing when it is none.
 std::optional<std::string> AsText(const std::string& data) {
     if (data.empty() || data.find('\0') != data.size() - 1) {
         return std::nullopt;
@@ -100,8 +100,8 @@ Json WriteValue(const RegistryValue& value) {
         }
         return number;
     }
-    const auto* name = std::ranges::find(typeNames, value.type, &TypeName::type);
-    if (name == std::end(typeNames)) {
+    const auto* name = std::ranges::find(kTypeNames, value.type, &TypeName::type);
+    if (name == std::end(kTypeNames)) {
         throw MachineFileError("registry value \"" + value.name + "\": type " +
                                std::to_string(value.type) + " has no name in a machine file");
     }

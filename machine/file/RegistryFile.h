@@ -9,7 +9,7 @@
 
 namespace machine::file {
 
-// {"SYSTEM\\Key": {"Name": "text", "Count": 5, "Raw": {"type": "REG_BINARY", "bytes": "00 FF"}}}
+/// {"SYSTEM\\Key": {"Name": "text", "Count": 5, "Raw": {"type": "REG_BINARY", "bytes": "00 FF"}}}
 void Read(const Node& node, std::vector<RegistryKey>& keys);
 Json WriteRegistry(const std::vector<RegistryKey>& keys);
 

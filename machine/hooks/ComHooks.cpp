@@ -12,7 +12,7 @@
 namespace machine {
 namespace {
 
-constexpr std::string_view initialisation = "COM initialisation";
+constexpr std::string_view kInitialisation = "COM initialisation";
 
 HRESULT Initialise(Call& call, bool multithreaded) {
     Apartment& apartment = call->apartments[GetCurrentThreadId()];
@@ -21,7 +21,7 @@ HRESULT Initialise(Call& call, bool multithreaded) {
     }
     const bool isFirst = apartment.initialisations++ == 0;
     apartment.multithreaded = multithreaded;
-    call->ledger.HandOut(initialisation, GetCurrentThreadId(), call.Origin());
+    call->ledger.HandOut(kInitialisation, GetCurrentThreadId(), call.Origin());
     return call.Hresult(isFirst ? S_OK : S_FALSE);
 }
 
@@ -50,7 +50,7 @@ HRESULT ServeCoInitializeEx(Core& core, LPVOID reserved, DWORD mode) {
 }
 
 void ServeCoUninitialize(Core& core) {
-    Call call(core, "CoUninitialize", {}, Failing::Never);
+    Call call(core, "CoUninitialize", {}, Failing::kNever);
     const auto found = call->apartments.find(GetCurrentThreadId());
     if (found == call->apartments.end()) {
         call->ledger.RecordMisuse(call.Origin() + ": COM is not initialised on this thread");
@@ -59,7 +59,7 @@ void ServeCoUninitialize(Core& core) {
     Apartment& apartment = found->second;
     if (apartment.initialisations != 0) {
         --apartment.initialisations;
-        call->ledger.TakeBack(initialisation, GetCurrentThreadId());
+        call->ledger.TakeBack(kInitialisation, GetCurrentThreadId());
     } else {
         // The answer to an initialisation that the plan refused: Windows ignores it too.
         --apartment.refusals;

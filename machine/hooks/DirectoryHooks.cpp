@@ -15,7 +15,7 @@
 namespace machine {
 namespace {
 
-// IDispatch, which nobody asks anything of this machine's directory objects.
+/// IDispatch, which nobody asks anything of this machine's directory objects.
 template <typename Interface, const IID& id>
 class Automation : public ComObject<Interface, id> {
 public:
@@ -41,7 +41,7 @@ protected:
     }
 };
 
-// A computer object after its move.
+/// A computer object after its move.
 class MovedObject : public Automation<IDispatch, IID_IDispatch> {
 public:
     explicit MovedObject(Core& core) : Automation(core, "IDispatch") {}
@@ -64,7 +64,7 @@ public:
         }
         const std::uint32_t code =
             model::MoveComputer(Machine().state, path_, account_, source, Narrow(newName));
-        if (code == model::DirectoryOk && moved != nullptr) {
+        if (code == model::kDirectoryOk && moved != nullptr) {
             *moved = MakeComObject<MovedObject>(Machine()).HandOut(call);
         }
         return call.Hresult(code);
@@ -123,7 +123,7 @@ HRESULT ServeADsOpenObject(Core& core, LPCWSTR path, LPCWSTR userName, LPCWSTR p
     Account account;
     const std::uint32_t code =
         model::Bind(call->state, pathText, Narrow(userName), Narrow(password), container, account);
-    if (code != model::DirectoryOk) {
+    if (code != model::kDirectoryOk) {
         return call.Hresult(code);
     }
     if (!IsEqualIID(wanted, IID_IADsContainer)) {

@@ -54,7 +54,7 @@ HANDLE ServeCreateFileA(Core& core, LPCSTR path, DWORD access, DWORD share,
     const bool failed = file == INVALID_HANDLE_VALUE;
     call.Note(failed ? "INVALID_HANDLE_VALUE" : "handle", failed, error);
     if (!failed) {
-        HandOutHandle(call, fileHandle, file, OrEmpty(path));
+        HandOutHandle(call, kFileHandle, file, OrEmpty(path));
     }
     return file;
 }
@@ -91,7 +91,7 @@ DWORD ServeGetFullPathNameA(Core& core, LPCSTR name, DWORD size, LPSTR buffer, L
     return length;
 }
 
-// The way of GetModuleFileNameA with a path: cut where the buffer ends.
+/// The way of GetModuleFileNameA with a path: cut where the buffer ends.
 DWORD CopyPath(const std::string& path, LPSTR buffer, DWORD size) {
     if (path.size() >= size) {
         path.copy(buffer, size);
@@ -127,7 +127,7 @@ struct WithTime {
 
 void ServeSleep(Core& core, DWORD milliseconds) {
     {
-        Call call(core, "Sleep", {{"milliseconds", std::to_string(milliseconds)}}, Failing::Never);
+        Call call(core, "Sleep", {{"milliseconds", std::to_string(milliseconds)}}, Failing::kNever);
         call->clock += milliseconds;
         model::PassTime(call->state, milliseconds);
     }

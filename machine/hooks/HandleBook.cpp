@@ -10,7 +10,7 @@ std::uintptr_t IdentityOf(HANDLE handle) {
 }  // namespace
 
 std::string_view KindOfHandle(const Core& core, HANDLE handle) {
-    for (const std::string_view kind : {pipeHandle, processHandle, threadHandle, fileHandle}) {
+    for (const std::string_view kind : {kPipeHandle, kProcessHandle, kThreadHandle, kFileHandle}) {
         if (core.ledger.Holds(kind, IdentityOf(handle))) {
             return kind;
         }

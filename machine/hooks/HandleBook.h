@@ -11,14 +11,14 @@
 
 namespace machine {
 
-inline constexpr std::string_view fileHandle = "file handle";
-inline constexpr std::string_view pipeHandle = "pipe handle";
-inline constexpr std::string_view processHandle = "process handle";
-inline constexpr std::string_view threadHandle = "thread handle";
+inline constexpr std::string_view kFileHandle = "file handle";
+inline constexpr std::string_view kPipeHandle = "pipe handle";
+inline constexpr std::string_view kProcessHandle = "process handle";
+inline constexpr std::string_view kThreadHandle = "thread handle";
 
-// The kind that the handle was handed out as; empty when it was not.
+/// The kind that the handle was handed out as; empty when it was not.
 std::string_view KindOfHandle(const Core& core, HANDLE handle);
-// Calls on such a handle; it is their first argument. Keeps the thread's last error.
+/// Calls on such a handle; it is their first argument. Keeps the thread's last error.
 struct OnHandedOutHandle {
     bool operator()(const Core& core, HANDLE handle, const auto&... /*others*/) const {
         return !KindOfHandle(core, handle).empty();

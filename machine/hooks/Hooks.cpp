@@ -7,14 +7,14 @@
 namespace machine {
 namespace {
 
-// Libraries whose functions read or change the machine, except those listed beside them.
+/// Libraries whose functions read or change the machine, except those listed beside them.
 struct Library {
     std::string_view name;
     std::vector<std::string_view> harmless;
 };
 
 const std::vector<Library>& MachineLibraries() {
-    static const std::vector<Library> libraries = {
+    static const std::vector<Library> kLibraries = {
         {"activeds.dll", {"FreeADsMem"}},
         // What the compilers' runtimes draw random numbers with is harmless.
         {"advapi32.dll",
@@ -32,13 +32,13 @@ const std::vector<Library>& MachineLibraries() {
          {"htonl", "htons", "ntohl", "ntohs", "inet_addr", "inet_ntoa", "inet_ntop", "inet_pton",
           "WSAGetLastError", "WSASetLastError", "#8", "#9", "#14", "#15", "#11", "#12", "#112"}},
     };
-    return libraries;
+    return kLibraries;
 }
 
 }  // namespace
 
 const Hooks& AllHooks() {
-    static const Hooks all = [] {
+    static const Hooks kAll = [] {
         Hooks hooks;
         AddComHooks(hooks);
         AddDirectoryHooks(hooks);
@@ -51,7 +51,7 @@ const Hooks& AllHooks() {
         AddRegistryHooks(hooks);
         return hooks;
     }();
-    return all;
+    return kAll;
 }
 
 bool ReachesMachine(std::string_view library, std::string_view function) {

@@ -13,18 +13,18 @@ namespace machine {
 
 using Hooks = std::vector<Hook>;
 
-// Whether a call has to do with the simulated machine. Asked before the call is recorded and
-// without the simulation's lock: a thread that starts or ends may hold the loader's, which a call
-// that is being served may want.
+/// Whether a call has to do with the simulated machine. Asked before the call is recorded and
+/// without the simulation's lock: a thread that starts or ends may hold the loader's, which a call
+/// that is being served may want.
 struct EveryCall {
     bool operator()(const Core& /*core*/, const auto&... /*arguments*/) const { return true; }
 };
 
-// What an attached image calls in the place of a platform function. It decides once whether the
-// active simulation serves the call, and holds that simulation until the call is over. Any other
-// call goes on to the platform's function: one that does not concern the machine, one of the
-// simulation's own, and one of a thread that took this address from the table just before the last
-// simulation put the table back.
+/// What an attached image calls in the place of a platform function. It decides once whether the
+/// active simulation serves the call, and holds that simulation until the call is over. Any other
+/// call goes on to the platform's function: one that does not concern the machine, one of the
+/// simulation's own, and one of a thread that took this address from the table just before the last
+/// simulation put the table back.
 template <auto serve, typename Concern, typename Served = decltype(serve)>
 struct Entrance;
 
@@ -58,8 +58,8 @@ void AddRegistryHooks(Hooks& hooks);
 
 const Hooks& AllHooks();
 
-// Whether an import that no hook serves reaches the machine, so that a simulation is not complete
-// without it.
+/// Whether an import that no hook serves reaches the machine, so that a simulation is not complete
+/// without it.
 bool ReachesMachine(std::string_view library, std::string_view function);
 
 }  // namespace machine

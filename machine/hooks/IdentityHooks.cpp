@@ -25,15 +25,15 @@
 namespace machine {
 namespace {
 
-constexpr std::string_view policyKind = "LSA policy handle";
-constexpr std::string_view lsaBufferKind = "LSA buffer";
-constexpr std::string_view netBufferKind = "NetApi buffer";
+constexpr std::string_view kPolicyKind = "LSA policy handle";
+constexpr std::string_view kLsaBufferKind = "LSA buffer";
+constexpr std::string_view kNetBufferKind = "NetApi buffer";
 
-constexpr std::uint32_t statusInvalidHandle = 0xC0000008;
-constexpr std::uint32_t statusInvalidParameter = 0xC000000D;
-constexpr std::uint32_t statusObjectTypeMismatch = 0xC0000024;
+constexpr std::uint32_t kStatusInvalidHandle = 0xC0000008;
+constexpr std::uint32_t kStatusInvalidParameter = 0xC000000D;
+constexpr std::uint32_t kStatusObjectTypeMismatch = 0xC0000024;
 
-// The SID that a member machine reports; only that there is one matters.
+/// The SID that a member machine reports; only that there is one matters.
 struct DomainSid {
     std::uint8_t revision = 1;
     std::uint8_t subAuthorities = 4;
@@ -41,7 +41,7 @@ struct DomainSid {
     std::uint32_t parts[4] = {21, 1000001, 1000002, 1000003};
 };
 
-// One block that holds a record and everything that it points to, as the platform hands it out.
+/// One block that holds a record and everything that it points to, as the platform hands it out.
 class BlockWriter {
 public:
     explicit BlockWriter(std::size_t size)
@@ -49,8 +49,8 @@ public:
 
     template <typename Record>
     Record* Add(const Record& record) {
-        constexpr std::size_t alignment = alignof(std::max_align_t);
-        used_ = (used_ + alignment - 1) / alignment * alignment;
+        constexpr std::size_t kAlignment = alignof(std::max_align_t);
+        used_ = (used_ + kAlignment - 1) / kAlignment * kAlignment;
         return new (Take(sizeof(Record))) Record(record);
     }
 
@@ -86,7 +86,7 @@ void* HandOutBlock(Call& call, std::string_view kind, BlockWriter& writer) {
     return address;
 }
 
-// Frees a handed out block; records misuse when there is none.
+/// Frees a handed out block; records misuse when there is none.
 void TakeBlockBack(Call& call, std::string_view kind, void* address) {
     const auto identity = reinterpret_cast<std::uintptr_t>(address);
     if (!call->ledger.TakeBack(kind, identity)) {
@@ -121,14 +121,14 @@ NTSTATUS ServeLsaOpenPolicy(Core& core, PLSA_UNICODE_STRING system,
         return call.NtStatus(*fault);
     }
     if (attributes == nullptr || policy == nullptr) {
-        return call.NtStatus(statusInvalidParameter);
+        return call.NtStatus(kStatusInvalidParameter);
     }
     if (system != nullptr && system->Length != 0) {
         call.Unexpected("the policy of another machine");
-        return call.NtStatus(statusInvalidParameter);
+        return call.NtStatus(kStatusInvalidParameter);
     }
     const std::uintptr_t handle = call->NewHandle();
-    call->ledger.HandOut(policyKind, handle, call.Origin());
+    call->ledger.HandOut(kPolicyKind, handle, call.Origin());
     *policy = reinterpret_cast<LSA_HANDLE>(handle);
     return call.NtStatus(0);
 }
@@ -141,11 +141,11 @@ NTSTATUS ServeLsaQueryInformationPolicy(Core& core, LSA_HANDLE policy,
         return call.NtStatus(*fault);
     }
     if (buffer == nullptr) {
-        return call.NtStatus(statusInvalidParameter);
+        return call.NtStatus(kStatusInvalidParameter);
     }
-    if (!call->ledger.Holds(policyKind, reinterpret_cast<std::uintptr_t>(policy))) {
+    if (!call->ledger.Holds(kPolicyKind, reinterpret_cast<std::uintptr_t>(policy))) {
         call->ledger.RecordMisuse(call.Origin() + ": the policy is not open");
-        return call.NtStatus(statusInvalidHandle);
+        return call.NtStatus(kStatusInvalidHandle);
     }
     const Membership& membership = model::ShownMembership(call->state);
     BlockWriter writer(RoomFor(membership));
@@ -165,34 +165,34 @@ NTSTATUS ServeLsaQueryInformationPolicy(Core& core, LSA_HANDLE policy,
         }
     } else {
         call.Unexpected("an information class other than the primary domain and the DNS domain");
-        return call.NtStatus(statusObjectTypeMismatch);
+        return call.NtStatus(kStatusObjectTypeMismatch);
     }
-    *buffer = HandOutBlock(call, lsaBufferKind, writer);
+    *buffer = HandOutBlock(call, kLsaBufferKind, writer);
     return call.NtStatus(0);
 }
 
 NTSTATUS ServeLsaFreeMemory(Core& core, PVOID buffer) {
-    Call call(core, "LsaFreeMemory", {}, Failing::Never);
-    TakeBlockBack(call, lsaBufferKind, buffer);
+    Call call(core, "LsaFreeMemory", {}, Failing::kNever);
+    TakeBlockBack(call, kLsaBufferKind, buffer);
     return call.NtStatus(0);
 }
 
 NTSTATUS ServeLsaClose(Core& core, LSA_HANDLE policy) {
     Call call(core, "LsaClose");
     if (const auto fault = call.Fault()) {
-        call->ledger.Excuse(policyKind, reinterpret_cast<std::uintptr_t>(policy));
+        call->ledger.Excuse(kPolicyKind, reinterpret_cast<std::uintptr_t>(policy));
         return call.NtStatus(*fault);
     }
-    if (!call->ledger.TakeBack(policyKind, reinterpret_cast<std::uintptr_t>(policy))) {
+    if (!call->ledger.TakeBack(kPolicyKind, reinterpret_cast<std::uintptr_t>(policy))) {
         call->ledger.RecordMisuse(call.Origin() + ": the policy is not open");
-        return call.NtStatus(statusInvalidHandle);
+        return call.NtStatus(kStatusInvalidHandle);
     }
     return call.NtStatus(0);
 }
 
 ULONG ServeLsaNtStatusToWinError(Core& core, NTSTATUS status) {
     Call call(core, "LsaNtStatusToWinError", {{"status", Hex(static_cast<std::uint32_t>(status))}},
-              Failing::Never);
+              Failing::kNever);
     const ULONG error = Real().LsaNtStatusToWinError(status);
     call.Note(std::to_string(error));
     return error;
@@ -227,14 +227,14 @@ DWORD ServeNetWkstaGetInfo(Core& core, LPCWSTR server, DWORD level, LPBYTE* buff
     information->wki100_langroup =
         writer.AddText(Widen(membership.member ? membership.domain : membership.workgroup));
     information->wki100_ver_major = 10;
-    *buffer = static_cast<LPBYTE>(HandOutBlock(call, netBufferKind, writer));
+    *buffer = static_cast<LPBYTE>(HandOutBlock(call, kNetBufferKind, writer));
     return result(NERR_Success);
 }
 
 DWORD ServeNetApiBufferFree(Core& core, LPVOID buffer) {
-    Call call(core, "NetApiBufferFree", {}, Failing::Never);
+    Call call(core, "NetApiBufferFree", {}, Failing::kNever);
     if (buffer != nullptr) {
-        TakeBlockBack(call, netBufferKind, buffer);
+        TakeBlockBack(call, kNetBufferKind, buffer);
     }
     return static_cast<DWORD>(call.Status(NERR_Success));
 }

@@ -14,10 +14,10 @@
 namespace machine {
 namespace {
 
-constexpr std::string_view moduleKind = "module";
-constexpr std::string_view cryptoLibrary = "LibCrypto.dll";
+constexpr std::string_view kModuleKind = "module";
+constexpr std::string_view kCryptoLibrary = "LibCrypto.dll";
 
-// No real module is loaded here.
+/// No real module is loaded here.
 char cryptoModule;
 
 HMODULE CryptoModule() {
@@ -28,12 +28,13 @@ std::uintptr_t IdentityOf(HMODULE module) {
     return reinterpret_cast<std::uintptr_t>(module);
 }
 
-// A program may have an operator new of its own for small blocks. The module frees what it is given
-// here, so its text gets a block that is none of these: all images share the C runtime's memory.
-constexpr std::size_t noSmallBlock = 4096;
+/// A program may have an operator new of its own for small blocks. The module frees what it is
+/// given here, so its text gets a block that is none of these: all images share the C runtime's
+/// memory.
+constexpr std::size_t kNoSmallBlock = 4096;
 
-// The stand-in for the library's function. The module and this library share the string type's
-// layout.
+/// The stand-in for the library's function. The module and this library share the string type's
+/// layout.
 int Decrypt(const std::string& enciphered, std::string& plain) {
     const ServingCore core;
     if (!core) {
@@ -49,7 +50,7 @@ int Decrypt(const std::string& enciphered, std::string& plain) {
     }
     const std::string text = Decipher(enciphered);
     if (text.size() > plain.capacity()) {
-        plain.reserve(std::max(text.size(), noSmallBlock));
+        plain.reserve(std::max(text.size(), kNoSmallBlock));
     }
     plain.assign(text.data(), text.size());
     return result(0);
@@ -57,7 +58,7 @@ int Decrypt(const std::string& enciphered, std::string& plain) {
 
 struct CryptoLibraryByName {
     bool operator()(const Core& /*core*/, LPCSTR name) const {
-        return EqualNoCase(OrEmpty(name), cryptoLibrary);
+        return EqualNoCase(OrEmpty(name), kCryptoLibrary);
     }
 };
 
@@ -73,11 +74,11 @@ HMODULE ServeLoadLibraryA(Core& core, LPCSTR name) {
         call.Note("null", true, *fault);
         return nullptr;
     }
-    if (call->state.system.libCrypto == CryptoLibrary::Absent) {
+    if (call->state.system.libCrypto == CryptoLibrary::kAbsent) {
         call.Note("null", true, ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
-    call->ledger.HandOut(moduleKind, IdentityOf(CryptoModule()), call.Origin());
+    call->ledger.HandOut(kModuleKind, IdentityOf(CryptoModule()), call.Origin());
     call.Note("module");
     return CryptoModule();
 }
@@ -88,7 +89,7 @@ FARPROC ServeGetProcAddress(Core& core, HMODULE /*module*/, LPCSTR name) {
         call.Note("null", true, *fault);
         return nullptr;
     }
-    const bool exported = call->state.system.libCrypto == CryptoLibrary::Present &&
+    const bool exported = call->state.system.libCrypto == CryptoLibrary::kPresent &&
                           !IS_INTRESOURCE(name) && std::string_view(name) == "Decrypt";
     if (!exported) {
         call.Note("null", true, ERROR_PROC_NOT_FOUND);
@@ -99,8 +100,8 @@ FARPROC ServeGetProcAddress(Core& core, HMODULE /*module*/, LPCSTR name) {
 }
 
 BOOL ServeFreeLibrary(Core& core, HMODULE module) {
-    Call call(core, "FreeLibrary", {}, Failing::Never);
-    if (!call->ledger.TakeBack(moduleKind, IdentityOf(module))) {
+    Call call(core, "FreeLibrary", {}, Failing::kNever);
+    if (!call->ledger.TakeBack(kModuleKind, IdentityOf(module))) {
         call->ledger.RecordMisuse(call.Origin() + ": the library is not loaded");
         return call.Boolean(false, ERROR_MOD_NOT_FOUND);
     }

@@ -14,7 +14,7 @@
 namespace machine {
 namespace {
 
-// What gethostbyname points to: one per thread, good until that thread's next call.
+/// What gethostbyname points to: one per thread, good until that thread's next call.
 struct HostEntry {
     std::string name;
     std::vector<std::uint32_t> addresses;
@@ -47,7 +47,7 @@ std::map<DWORD, HostEntry>& Entries() {
     return entries;
 }
 
-// Winsock is the process's, whichever simulation runs in it.
+/// Winsock is the process's, whichever simulation runs in it.
 bool WinsockIsStarted() {
     char name[256];
     return Real().GetHostName(name, sizeof(name)) == 0 ||

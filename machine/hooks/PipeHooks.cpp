@@ -32,8 +32,8 @@ BOOL ServeCreatePipe(Core& core, PHANDLE readEnd, PHANDLE writeEnd, LPSECURITY_A
     }
     const BOOL result = call.RealBoolean(Real().CreatePipe(readEnd, writeEnd, security, size));
     if (result != FALSE) {
-        HandOutHandle(call, pipeHandle, *readEnd, "read end");
-        HandOutHandle(call, pipeHandle, *writeEnd, "write end");
+        HandOutHandle(call, kPipeHandle, *readEnd, "read end");
+        HandOutHandle(call, kPipeHandle, *writeEnd, "write end");
     }
     return result;
 }

@@ -59,7 +59,7 @@ HANDLE InheritedOutput(const ProcessRequest& request) {
     return isHandedOn ? request.startup->hStdOutput : nullptr;
 }
 
-// The system's own route program is never started, on a real Windows machine either.
+/// The system's own route program is never started, on a real Windows machine either.
 BOOL StartRoute(Call& call, const ProcessRequest& request) {
     if (call->routeWatcher) {
         call->routeWatcher();
@@ -93,8 +93,8 @@ BOOL ServeCreateProcessA(Core& core, LPCSTR application, LPSTR commandLine,
     const BOOL result = IsRoute(application, commandLine) ? StartRoute(call, request)
                                                           : call.RealBoolean(request.Create());
     if (result != FALSE) {
-        HandOutHandle(call, processHandle, information->hProcess, OrEmpty(commandLine));
-        HandOutHandle(call, threadHandle, information->hThread, OrEmpty(commandLine));
+        HandOutHandle(call, kProcessHandle, information->hProcess, OrEmpty(commandLine));
+        HandOutHandle(call, kThreadHandle, information->hThread, OrEmpty(commandLine));
     }
     return result;
 }

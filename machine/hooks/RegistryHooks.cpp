@@ -11,13 +11,13 @@
 namespace machine {
 namespace {
 
-constexpr std::string_view keyKind = "HKEY";
+constexpr std::string_view kKeyKind = "HKEY";
 
 std::uintptr_t HandleOf(HKEY key) {
     return reinterpret_cast<std::uintptr_t>(key);
 }
 
-// The path of an open key; nothing when the handle is none.
+/// The path of an open key; nothing when the handle is none.
 std::optional<std::string> PathOf(Call& call, HKEY key) {
     if (key == HKEY_LOCAL_MACHINE) {
         return std::string();
@@ -32,7 +32,7 @@ std::optional<std::string> PathOf(Call& call, HKEY key) {
 
 void HandOutKey(Call& call, std::string path, HKEY* key) {
     const std::uintptr_t handle = call->NewHandle();
-    call->ledger.HandOut(keyKind, handle, call.Origin(path));
+    call->ledger.HandOut(kKeyKind, handle, call.Origin(path));
     call->openKeys.emplace(handle, std::move(path));
     *key = reinterpret_cast<HKEY>(handle);
 }
@@ -120,7 +120,7 @@ LSTATUS ServeRegQueryValueExA(Core& core, HKEY key, LPCSTR name, LPDWORD, LPDWOR
 LSTATUS ServeRegCloseKey(Core& core, HKEY key) {
     Call call(core, "RegCloseKey");
     if (const auto fault = call.Fault()) {
-        call->ledger.Excuse(keyKind, HandleOf(key));
+        call->ledger.Excuse(kKeyKind, HandleOf(key));
         return call.Status(*fault);
     }
     if (call->openKeys.erase(HandleOf(key)) == 0) {
@@ -131,7 +131,7 @@ LSTATUS ServeRegCloseKey(Core& core, HKEY key) {
         call->ledger.RecordMisuse(call.Origin() + ": the key is not open");
         return call.Status(ERROR_INVALID_HANDLE);
     }
-    call->ledger.TakeBack(keyKind, HandleOf(key));
+    call->ledger.TakeBack(kKeyKind, HandleOf(key));
     return call.Status(ERROR_SUCCESS);
 }
 

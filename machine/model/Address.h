@@ -11,20 +11,20 @@
 
 namespace machine::model {
 
-// Nothing unless the text is four decimal numbers.
+/// Nothing unless the text is four decimal numbers.
 std::optional<std::uint32_t> ParseAddress(std::string_view text);
 std::string FormatAddress(std::uint32_t address);
 
-// Ones, then zeros; either may be missing, as in the mask of a route.
+/// Ones, then zeros; either may be missing, as in the mask of a route.
 bool IsMask(std::uint32_t mask);
 // The same for an adapter's address, which needs a network with room for others.
 bool IsAdapterMask(std::uint32_t mask);
-// What an adapter or a gateway may have.
+/// What an adapter or a gateway may have.
 bool IsHost(std::uint32_t address);
-// A machine may ask itself: domain controllers do.
+/// A machine may ask itself: domain controllers do.
 bool IsDnsServer(std::uint32_t address);
 
-// A network that an adapter has an address in.
+/// A network that an adapter has an address in.
 struct Network {
     std::uint32_t address = 0;
     std::uint32_t mask = 0;
@@ -34,10 +34,10 @@ struct Network {
 
 inline constexpr std::size_t kMostGateways = 5;
 
-// The metrics that the route program is documented to take.
+/// The metrics that the route program is documented to take.
 inline constexpr std::int32_t kLeastMetric = 1;
 inline constexpr std::int32_t kMostMetric = 9999;
-// Whether a route's destination has bits outside its mask.
+/// Whether a route's destination has bits outside its mask.
 bool HasBitsOutside(std::uint32_t destination, std::uint32_t mask);
 
 }  // namespace machine::model

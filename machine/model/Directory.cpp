@@ -28,7 +28,7 @@ std::optional<NameParts> ParseDn(std::string_view dn) {
     return parts;
 }
 
-// Takes the trailing DC parts off and gives them as a DNS name.
+/// Takes the trailing DC parts off and gives them as a DNS name.
 std::string TakeDomainName(NameParts& parts) {
     std::string name;
     while (!parts.empty() && parts.back().type == "dc") {
@@ -72,17 +72,17 @@ TextList* FindComputersOf(Domain& domain, const NameParts& parts) {
 std::uint32_t FindContainerOf(State& state, NameParts parts, Container& container) {
     Domain* domain = FindDomain(state, TakeDomainName(parts));
     if (domain == nullptr || !domain->reachable) {
-        return ServerDown;
+        return kServerDown;
     }
     TextList* computers = nullptr;
     if (!parts.empty()) {
         computers = FindComputersOf(*domain, parts);
         if (computers == nullptr) {
-            return NoSuchObject;
+            return kNoSuchObject;
         }
     }
     container = {domain, computers};
-    return DirectoryOk;
+    return kDirectoryOk;
 }
 
 TextList::iterator FindName(TextList& names, std::string_view name) {
@@ -92,12 +92,12 @@ TextList::iterator FindName(TextList& names, std::string_view name) {
 
 std::uint32_t StripProvider(std::string_view adsPath, std::string_view& dn) {
     // ADSI compares the provider's name with regard to case.
-    constexpr std::string_view provider = "LDAP://";
-    if (!adsPath.starts_with(provider) || adsPath.size() == provider.size()) {
-        return BadPathname;
+    constexpr std::string_view kProvider = "LDAP://";
+    if (!adsPath.starts_with(kProvider) || adsPath.size() == kProvider.size()) {
+        return kBadPathname;
     }
-    dn = adsPath.substr(provider.size());
-    return DirectoryOk;
+    dn = adsPath.substr(kProvider.size());
+    return kDirectoryOk;
 }
 
 std::optional<ComputerObject> FindComputerIn(std::vector<OrganizationalUnit>& units,
@@ -147,13 +147,13 @@ Account* Authenticate(Domain& domain, std::string_view logonName, std::string_vi
 
 std::uint32_t FindContainerByDn(State& state, std::string_view dn, Container& container) {
     const auto parts = ParseDn(dn);
-    return parts ? FindContainerOf(state, *parts, container) : InvalidDnSyntax;
+    return parts ? FindContainerOf(state, *parts, container) : kInvalidDnSyntax;
 }
 
 std::uint32_t FindContainer(State& state, std::string_view adsPath, Container& container) {
     std::string_view dn;
     const std::uint32_t code = StripProvider(adsPath, dn);
-    return code == DirectoryOk ? FindContainerByDn(state, dn, container) : code;
+    return code == kDirectoryOk ? FindContainerByDn(state, dn, container) : code;
 }
 
 std::optional<ComputerObject> FindComputer(Domain& domain, std::string_view name) {
@@ -169,22 +169,22 @@ std::optional<ComputerObject> FindComputer(Domain& domain, std::string_view name
 std::uint32_t Bind(State& state, std::string_view adsPath, std::string_view logonName,
                    std::string_view password, Container& container, Account& account) {
     std::string_view dn;
-    if (const std::uint32_t code = StripProvider(adsPath, dn); code != DirectoryOk) {
+    if (const std::uint32_t code = StripProvider(adsPath, dn); code != kDirectoryOk) {
         return code;
     }
     auto parts = ParseDn(dn);
     if (!parts) {
-        return InvalidDnSyntax;
+        return kInvalidDnSyntax;
     }
     // The server checks who asks before it looks the object up.
     NameParts domainParts = *parts;
     Domain* domain = FindDomain(state, TakeDomainName(domainParts));
     if (domain == nullptr || !domain->reachable) {
-        return ServerDown;
+        return kServerDown;
     }
     const Account* found = Authenticate(*domain, logonName, password);
     if (found == nullptr) {
-        return LogonFailure;
+        return kLogonFailure;
     }
     account = *found;
     return FindContainerOf(state, *parts, container);
@@ -194,55 +194,55 @@ std::uint32_t MoveComputer(State& state, std::string_view destinationPath, const
                            std::string_view sourcePath, std::string_view newName) {
     Container destination;
     if (const std::uint32_t code = FindContainer(state, destinationPath, destination);
-        code != DirectoryOk) {
+        code != kDirectoryOk) {
         return code;
     }
     std::string_view sourceDn;
-    if (const std::uint32_t code = StripProvider(sourcePath, sourceDn); code != DirectoryOk) {
+    if (const std::uint32_t code = StripProvider(sourcePath, sourceDn); code != kDirectoryOk) {
         return code;
     }
     auto parts = ParseDn(sourceDn);
     if (!parts) {
-        return InvalidDnSyntax;
+        return kInvalidDnSyntax;
     }
     const NamePart leaf = parts->front();
     parts->erase(parts->begin());
     Container source;
-    if (const std::uint32_t code = FindContainerOf(state, *parts, source); code != DirectoryOk) {
+    if (const std::uint32_t code = FindContainerOf(state, *parts, source); code != kDirectoryOk) {
         return code;
     }
     if (leaf.type != "cn" || source.computers == nullptr) {
-        return NoSuchObject;
+        return kNoSuchObject;
     }
     const auto object = FindName(*source.computers, leaf.value);
     if (object == source.computers->end()) {
-        return NoSuchObject;
+        return kNoSuchObject;
     }
     if (!account.mayMove) {
-        return AccessDenied;
+        return kAccessDenied;
     }
     if (destination.domain != source.domain) {
         return Referral;  // platform knowledge: to another domain
     }
     if (destination.computers == nullptr) {
-        return UnwillingToPerform;
+        return kUnwillingToPerform;
     }
     std::string name = *object;
     if (!newName.empty()) {
         const auto named = ParseDn(newName);
         if (!named || named->size() != 1 || named->front().type != "cn") {
-            return InvalidDnSyntax;
+            return kInvalidDnSyntax;
         }
         name = named->front().value;
     }
     const auto existing = FindName(*destination.computers, name);
     if (existing != destination.computers->end() &&
         !(destination.computers == source.computers && existing == object)) {
-        return AlreadyExists;
+        return kAlreadyExists;
     }
     source.computers->erase(object);
     destination.computers->push_back(std::move(name));
-    return DirectoryOk;
+    return kDirectoryOk;
 }
 
 std::optional<std::string> OwnDistinguishedName(State& state) {

@@ -9,11 +9,11 @@
 namespace machine::model {
 namespace {
 
-// Whether the account may change computer accounts of the domain.
+/// Whether the account may change computer accounts of the domain.
 std::uint32_t CheckCredentials(Domain* domain, const Credentials& credentials,
                                Account** found = nullptr) {
     if (domain == nullptr || !domain->reachable) {
-        return NoSuchDomain;
+        return kNoSuchDomain;
     }
     Account* account = Authenticate(*domain, credentials.userName, credentials.password);
     // Platform knowledge: one account at a time may be connected to a server.
@@ -22,12 +22,12 @@ std::uint32_t CheckCredentials(Domain* domain, const Credentials& credentials,
         return WrongSession;
     }
     if (account == nullptr) {
-        return WrongCredentials;
+        return kWrongCredentials;
     }
     if (found != nullptr) {
         *found = account;
     }
-    return account->mayJoin ? Done : NotAllowed;
+    return account->mayJoin ? kDone : kNotAllowed;
 }
 
 // Documented (KB 5020276): since October 2022 an account of the directory does not take over a
@@ -50,10 +50,10 @@ std::uint32_t CreateComputer(Domain& domain, TextList& unit, Account& account,
     }
     unit.push_back(computer);
     domain.owners.push_back({computer, account.name});
-    return Done;
+    return kDone;
 }
 
-// Makes sure that the domain has the computer's account.
+/// Makes sure that the domain has the computer's account.
 std::uint32_t ProvideAccount(State& state, Domain& domain, Account& account,
                              const std::string& computer, const std::string& accountOu,
                              bool create) {
@@ -62,28 +62,28 @@ std::uint32_t ProvideAccount(State& state, Domain& domain, Account& account,
         return ReuseRefused;
     }
     if (!create) {
-        return existing ? Done : NoAccountMapped;  // documented
+        return existing ? kDone : NoAccountMapped;  // documented
     }
     Container unit{&domain, &domain.computers};
-    if (!accountOu.empty() && (FindContainerByDn(state, accountOu, unit) != DirectoryOk ||
+    if (!accountOu.empty() && (FindContainerByDn(state, accountOu, unit) != kDirectoryOk ||
                                unit.computers == nullptr || unit.domain != &domain)) {
-        return UnitNotFound;
+        return kUnitNotFound;
     }
     if (existing) {
-        return accountOu.empty() || existing->container == unit.computers ? Done : AccountExists;
+        return accountOu.empty() || existing->container == unit.computers ? kDone : kAccountExists;
     }
     return CreateComputer(domain, *unit.computers, account, computer);
 }
 
 std::uint32_t JoinWorkgroup(State& state, const std::string& name) {
     if (!IsNetBiosName(name)) {
-        return InvalidWorkgroup;
+        return kInvalidWorkgroup;
     }
     if (ShownMembership(state).member) {
-        return AlreadyJoined;
+        return kAlreadyJoined;
     }
     state.pendingMembership = Membership::OfWorkgroup(name);
-    return Done;
+    return kDone;
 }
 
 }  // namespace
@@ -106,14 +106,14 @@ std::string NetBiosName(std::string_view hostName) {
 
 std::uint32_t Rename(State& state, const std::string& newName, const Credentials& credentials) {
     if (!IsHostName(newName)) {
-        return InvalidComputerName;
+        return kInvalidComputerName;
     }
     if (state.membership.member) {
         Domain* domain = FindDomain(state, state.membership.dnsDomain);
         if (credentials.userName.empty()) {
-            return NotAllowed;  // the machine's own account may not rename itself
+            return kNotAllowed;  // the machine's own account may not rename itself
         }
-        if (const auto code = CheckCredentials(domain, credentials); code != Done) {
+        if (const auto code = CheckCredentials(domain, credentials); code != kDone) {
             return code;
         }
         const std::string current =
@@ -121,10 +121,10 @@ std::uint32_t Rename(State& state, const std::string& newName, const Credentials
         const std::string coming = NetBiosName(newName);
         const auto own = FindComputer(*domain, current);
         if (coming != current && FindComputer(*domain, coming)) {
-            return AccountExists;
+            return kAccountExists;
         }
         if (!own) {
-            return NoSuchComputerAccount;
+            return kNoSuchComputerAccount;
         }
         (*own->container)[own->position] = coming;
         for (ObjectOwner& owner : domain->owners) {
@@ -134,41 +134,41 @@ std::uint32_t Rename(State& state, const std::string& newName, const Credentials
         }
     }
     state.pendingComputerName = newName;
-    return Done;
+    return kDone;
 }
 
 std::uint32_t Join(State& state, const std::string& name, const Credentials& credentials,
                    const std::string& accountOu, std::uint32_t options) {
-    if ((options & ~static_cast<std::uint32_t>(AllJoinOptions)) != 0) {
-        return WrongOptions;
+    if ((options & ~static_cast<std::uint32_t>(kAllJoinOptions)) != 0) {
+        return kWrongOptions;
     }
     if (!state.system.workstationService) {
         return NoWorkstationService;  // documented
     }
-    if ((options & JoinDomain) == 0) {
+    if ((options & kJoinDomain) == 0) {
         return JoinWorkgroup(state, name);
     }
-    if (ShownMembership(state).member && (options & JoinIfJoined) == 0) {
-        return AlreadyJoined;
+    if (ShownMembership(state).member && (options & kJoinIfJoined) == 0) {
+        return kAlreadyJoined;
     }
     Domain* domain = FindDomain(state, name);
-    if (domain != nullptr && domain->joinAnswer != Done) {
+    if (domain != nullptr && domain->joinAnswer != kDone) {
         return domain->joinAnswer;
     }
     Account* account = nullptr;
-    if (const auto code = CheckCredentials(domain, credentials, &account); code != Done) {
+    if (const auto code = CheckCredentials(domain, credentials, &account); code != kDone) {
         return code;
     }
-    const bool newName = (options & JoinWithNewName) != 0 && state.pendingComputerName;
+    const bool newName = (options & kJoinWithNewName) != 0 && state.pendingComputerName;
     const std::string computer =
         NetBiosName(newName ? *state.pendingComputerName : state.computerName);
-    const bool create = (options & CreateAccount) != 0;
+    const bool create = (options & kCreateAccount) != 0;
     if (const auto code = ProvideAccount(state, *domain, *account, computer, accountOu, create);
-        code != Done) {
+        code != kDone) {
         return code;
     }
     state.pendingMembership = Membership::OfDomain(domain->flatName, domain->dnsName);
-    return Done;
+    return kDone;
 }
 
 std::uint32_t Unjoin(State& state, const Credentials& credentials, std::uint32_t options) {
@@ -177,20 +177,20 @@ std::uint32_t Unjoin(State& state, const Credentials& credentials, std::uint32_t
         return NoWorkstationService;
     }
     if (!coming.member) {
-        return NotJoined;
+        return kNotJoined;
     }
-    if (options != 0 && options != DeleteAccount) {
-        return WrongOptions;
+    if (options != 0 && options != kDeleteAccount) {
+        return kWrongOptions;
     }
     // Without an account the machine leaves on its own and its computer object stays enabled.
-    if (!credentials.userName.empty() || options == DeleteAccount) {
+    if (!credentials.userName.empty() || options == kDeleteAccount) {
         Domain* domain = FindDomain(state, coming.dnsDomain);
-        if (const auto code = CheckCredentials(domain, credentials); code != Done) {
+        if (const auto code = CheckCredentials(domain, credentials); code != kDone) {
             return code;
         }
     }
     state.pendingMembership = Membership::OfWorkgroup("WORKGROUP");
-    return Done;
+    return kDone;
 }
 
 }  // namespace machine::model

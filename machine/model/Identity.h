@@ -13,32 +13,32 @@
 namespace machine::model {
 
 enum IdentityCode : std::uint32_t {
-    Done = 0,
-    UnitNotFound = 2,              // ERROR_FILE_NOT_FOUND: what a wrong AccountOU gives
-    NotAllowed = 5,                // ERROR_ACCESS_DENIED
-    WrongOptions = 87,             // ERROR_INVALID_PARAMETER
+    kDone = 0,
+    kUnitNotFound = 2,              ///< ERROR_FILE_NOT_FOUND: what a wrong AccountOU gives
+    kNotAllowed = 5,                ///< ERROR_ACCESS_DENIED
+    kWrongOptions = 87,             ///< ERROR_INVALID_PARAMETER
     WrongSession = 1219,           // ERROR_SESSION_CREDENTIAL_CONFLICT
-    InvalidComputerName = 1210,    // ERROR_INVALID_COMPUTERNAME
-    NoSuchComputerAccount = 1317,  // ERROR_NO_SUCH_USER
-    WrongCredentials = 1326,       // ERROR_LOGON_FAILURE
+    kInvalidComputerName = 1210,    ///< ERROR_INVALID_COMPUTERNAME
+    kNoSuchComputerAccount = 1317,  ///< ERROR_NO_SUCH_USER
+    kWrongCredentials = 1326,       ///< ERROR_LOGON_FAILURE
     NoAccountMapped = 1332,        // ERROR_NONE_MAPPED
-    NoSuchDomain = 1355,           // ERROR_NO_SUCH_DOMAIN
+    kNoSuchDomain = 1355,           ///< ERROR_NO_SUCH_DOMAIN
     NoWorkstationService = 2138,   // NERR_WkstaNotStarted
-    AccountExists = 2224,          // NERR_UserExists
-    AlreadyJoined = 2691,          // NERR_SetupAlreadyJoined
-    NotJoined = 2692,              // NERR_SetupNotJoined
-    InvalidWorkgroup = 2695,       // NERR_InvalidWorkgroupName
+    kAccountExists = 2224,          ///< NERR_UserExists
+    kAlreadyJoined = 2691,          ///< NERR_SetupAlreadyJoined
+    kNotJoined = 2692,              ///< NERR_SetupNotJoined
+    kInvalidWorkgroup = 2695,       ///< NERR_InvalidWorkgroupName
     ReuseRefused = 2732,           // NERR_AccountReuseBlockedByPolicy
     QuotaExceeded = 8557,          // ERROR_DS_MACHINE_ACCOUNT_QUOTA_EXCEEDED
 };
 
 enum JoinOption : std::uint32_t {
-    JoinDomain = 0x1,
-    CreateAccount = 0x2,
-    DeleteAccount = 0x4,
-    JoinIfJoined = 0x20,
-    JoinWithNewName = 0x400,
-    AllJoinOptions = 0x7FF,
+    kJoinDomain = 0x1,
+    kCreateAccount = 0x2,
+    kDeleteAccount = 0x4,
+    kJoinIfJoined = 0x20,
+    kJoinWithNewName = 0x400,
+    kAllJoinOptions = 0x7FF,
 };
 
 struct Credentials {
@@ -46,7 +46,7 @@ struct Credentials {
     std::string password;
 };
 
-// The name that Windows makes of a host name: capitals, at most 15 characters.
+/// The name that Windows makes of a host name: capitals, at most 15 characters.
 std::string NetBiosName(std::string_view hostName);
 
 /// The membership that the machine says it has, to the LSA policy and to WMI: a join or a leave

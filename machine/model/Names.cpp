@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kLongestLabel = 63;
 
-// None of the characters, and none below `first`: no control characters, perhaps no blank.
+/// None of the characters, and none below `first`: no control characters, perhaps no blank.
 bool HasNone(std::string_view text, std::string_view characters, char first) {
     return std::ranges::none_of(text, [&](char c) {
         return static_cast<unsigned char>(c) < static_cast<unsigned char>(first) ||

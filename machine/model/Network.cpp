@@ -16,7 +16,7 @@ std::optional<TextList> NullWhenEmpty(const TextList& list) {
     return list.empty() ? std::nullopt : std::optional(list);
 }
 
-// Whether every text is an address of that kind.
+/// Whether every text is an address of that kind.
 bool AreAll(const TextList& texts, bool (*isKind)(std::uint32_t)) {
     return std::ranges::all_of(texts, [isKind](const std::string& text) {
         const auto address = ParseAddress(text);
@@ -87,13 +87,13 @@ std::uint32_t Refusal(State& state) {
         --state.system.lockedCalls;
         return ConfigurationLocked;
     }
-    return Succeeded;
+    return kSucceeded;
 }
 
 std::uint32_t Refusal(State& state, const Adapter& adapter) {
     const std::uint32_t refusal = Refusal(state);
     // Seen in two projects: 84 where IPEnabled is false.
-    return refusal == Succeeded && !HasIp(adapter) ? static_cast<std::uint32_t>(IpNotEnabled)
+    return refusal == kSucceeded && !HasIp(adapter) ? static_cast<std::uint32_t>(kIpNotEnabled)
                                                    : refusal;
 }
 
@@ -134,11 +134,11 @@ void Settle(State& state) {
 }
 
 std::uint32_t EnableDhcp(State& state, Adapter& adapter) {
-    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != Succeeded) {
+    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != kSucceeded) {
         return refusal;
     }
     if (adapter.dhcpEnabled.value_or(false)) {
-        return Succeeded;
+        return kSucceeded;
     }
     adapter.dhcpEnabled = true;
     // Documented in the method's remarks, and seen as two default gateways side by side: gateways
@@ -148,22 +148,22 @@ std::uint32_t EnableDhcp(State& state, Adapter& adapter) {
     // and its gateway 2 s more.
     adapter.leaseDueIn = state.system.versions.leaseTakes;
     PassTime(state, 0);
-    return Succeeded;
+    return kSucceeded;
 }
 
 std::uint32_t EnableStatic(State& state, Adapter& adapter, const TextList& addresses,
                            const TextList& masks) {
-    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != Succeeded) {
+    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != kSucceeded) {
         return refusal;
     }
     if (addresses.empty() || addresses.size() != masks.size()) {
-        return InvalidInput;
+        return kInvalidInput;
     }
     if (!AreAll(addresses, IsHost)) {
-        return InvalidIpAddress;
+        return kInvalidIpAddress;
     }
     if (!AreAll(masks, IsAdapterMask)) {
-        return InvalidSubnetMask;
+        return kInvalidSubnetMask;
     }
     const bool wasStatic = adapter.dhcpEnabled == false;
     if (adapter.dhcpEnabled.value_or(false)) {
@@ -178,43 +178,43 @@ std::uint32_t EnableStatic(State& state, Adapter& adapter, const TextList& addre
     ReplaceAddresses(adapter, addresses, masks);
     // Documented in the method's remarks, seen once: 81 on an adapter that is static already, yet
     // the address is set.
-    return wasStatic ? state.system.versions.staticOnStatic : static_cast<std::uint32_t>(Succeeded);
+    return wasStatic ? state.system.versions.staticOnStatic : static_cast<std::uint32_t>(kSucceeded);
 }
 
 std::uint32_t SetGateways(State& state, Adapter& adapter, const TextList& gateways) {
-    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != Succeeded) {
+    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != kSucceeded) {
         return refusal;
     }
     if (adapter.dhcpEnabled.value_or(false)) {
         return NotSupported;  // documented: in static mode only
     }
     if (gateways.size() > kMostGateways) {
-        return TooManyGateways;
+        return kTooManyGateways;
     }
     if (ClearsGateways(adapter, gateways)) {
         ReplaceGateways(adapter, {});  // seen once: a persistent route of before stays
-        return Succeeded;
+        return kSucceeded;
     }
     for (const std::string& text : gateways) {
         const auto gateway = ParseAddress(text);
         if (!gateway) {
-            return InvalidIpAddress;
+            return kInvalidIpAddress;
         }
         if (!IsHost(*gateway) || !Reaches(adapter, *gateway)) {
-            return InvalidGateway;
+            return kInvalidGateway;
         }
     }
     ReplaceGatewayRoutes(state, GatewaysSetByHand(state, adapter), gateways);
     ReplaceGateways(adapter, gateways);
-    return Succeeded;
+    return kSucceeded;
 }
 
 std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& servers) {
-    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != Succeeded) {
+    if (const std::uint32_t refusal = Refusal(state, adapter); refusal != kSucceeded) {
         return refusal;
     }
     if (!AreAll(servers, IsDnsServer)) {
-        return InvalidIpAddress;
+        return kInvalidIpAddress;
     }
     adapter.staticDns = servers;
     if (servers.empty() && HasLease(adapter)) {
@@ -223,18 +223,18 @@ std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& serv
         adapter.dnsServers = NullWhenEmpty(servers);
     }
     ForgetNameServer(state, adapter);
-    return Succeeded;
+    return kSucceeded;
 }
 
 std::uint32_t SetDnsSuffixes(State& state, const TextList& suffixes) {
-    if (const std::uint32_t refusal = Refusal(state); refusal != Succeeded) {
+    if (const std::uint32_t refusal = Refusal(state); refusal != kSucceeded) {
         return refusal;
     }
     if (!std::ranges::all_of(suffixes, IsSuffix)) {
-        return InvalidDomainName;
+        return kInvalidDomainName;
     }
     state.dnsSuffixes = suffixes;
-    return Succeeded;
+    return kSucceeded;
 }
 
 }  // namespace machine::model

@@ -10,16 +10,16 @@
 namespace machine::model {
 
 enum NetworkCode : std::uint32_t {
-    Succeeded = 0,
+    kSucceeded = 0,
     NotSupported = 64,
-    InvalidSubnetMask = 66,
-    InvalidInput = 68,
-    TooManyGateways = 69,
-    InvalidIpAddress = 70,
-    InvalidGateway = 71,
-    InvalidDomainName = 73,
+    kInvalidSubnetMask = 66,
+    kInvalidInput = 68,
+    kTooManyGateways = 69,
+    kInvalidIpAddress = 70,
+    kInvalidGateway = 71,
+    kInvalidDomainName = 73,
     DhcpNotConfigured = 81,
-    IpNotEnabled = 84,
+    kIpNotEnabled = 84,
     AccessIsDenied = 91,
     WbemAccessDenied = 0x80041003,     // WBEM_E_ACCESS_DENIED
     ConfigurationLocked = 0x8004A024,  // NETCFG_E_NO_WRITE_LOCK

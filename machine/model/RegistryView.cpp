@@ -7,8 +7,8 @@
 namespace machine::model {
 namespace {
 
-constexpr std::string_view deviceKeys = R"(SYSTEM\CurrentControlSet\Enum)";
-constexpr std::string_view interfaceKeys =
+constexpr std::string_view kDeviceKeys = R"(SYSTEM\CurrentControlSet\Enum)";
+constexpr std::string_view kInterfaceKeys =
     R"(SYSTEM\CurrentControlSet\Services\Tcpip\Parameters\Interfaces)";
 
 /// What follows the last backslash that does not end the text.
@@ -33,7 +33,7 @@ std::vector<RegistryKey> DerivedKeys(const State& state, std::string_view lastPa
     }
     for (const Adapter& adapter : state.adapters) {
         if (isWanted(adapter.pnpDeviceId)) {
-            RegistryKey key{JoinKeyPath(deviceKeys, *adapter.pnpDeviceId), {}};
+            RegistryKey key{JoinKeyPath(kDeviceKeys, *adapter.pnpDeviceId), {}};
             if (adapter.pciLocation) {
                 key.values.push_back(
                     RegistryValue::Text("LocationInformation", *adapter.pciLocation));
@@ -42,7 +42,7 @@ std::vector<RegistryKey> DerivedKeys(const State& state, std::string_view lastPa
         }
         if (isWanted(adapter.settingId)) {
             keys.push_back(
-                {JoinKeyPath(interfaceKeys, *adapter.settingId),
+                {JoinKeyPath(kInterfaceKeys, *adapter.settingId),
                  {RegistryValue::Text("NameServer", machine::Join(adapter.staticDns, ",")),
                   RegistryValue::Number("EnableDHCP",
                                         adapter.dhcpEnabled.value_or(false) ? 1 : 0)}});
@@ -115,7 +115,7 @@ void ForgetNameServer(State& state, const Adapter& adapter) {
     if (!adapter.settingId) {
         return;
     }
-    const std::string path = JoinKeyPath(interfaceKeys, *adapter.settingId);
+    const std::string path = JoinKeyPath(kInterfaceKeys, *adapter.settingId);
     for (RegistryKey& key : state.registry) {
         if (EqualNoCase(JoinKeyPath(key.path, ""), path)) {
             std::erase_if(key.values, [](const RegistryValue& value) {

@@ -22,7 +22,7 @@ struct HINSTANCE__ {};
 
 namespace sys {
 
-void readMembership(const Membership& membership) {
+void ReadMembership(const Membership& membership) {
     Call call("LsaOpenPolicy", {});
     if (const auto fault = call.Fault()) {
         const auto status = static_cast<std::int32_t>(*fault);
@@ -38,12 +38,12 @@ void readMembership(const Membership& membership) {
     }
 }
 
-std::string readComputerObjectName() {
+std::string ReadComputerObjectName() {
     const Call call("GetComputerObjectNameA", {});
     return machine::model::OwnDistinguishedName(TheMachine().state).value_or("");
 }
 
-const char* moveComputerObject(const std::string& source, const std::string& destination,
+const char* MoveComputerObject(const std::string& source, const std::string& destination,
                                const std::string& account, const std::string& password,
                                std::int32_t& result) {
     machine::State& state = TheMachine().state;
@@ -54,16 +54,17 @@ const char* moveComputerObject(const std::string& source, const std::string& des
     std::uint32_t code =
         machine::model::Bind(state, destination, account, password, container, bound);
     result = static_cast<std::int32_t>(code);
-    if (code != machine::model::DirectoryOk) {
+    if (code != machine::model::kDirectoryOk) {
         return "Unable to bind to destination OU";
     }
     const Call move("MoveHere", {{"source", source}});
     code = machine::model::MoveComputer(state, destination, bound, source, "");
     result = static_cast<std::int32_t>(code);
-    return code == machine::model::DirectoryOk ? nullptr : "Unable to locate computer at source OU";
+    return code == machine::model::kDirectoryOk ? nullptr
+                                                : "Unable to locate computer at source OU";
 }
 
-std::string readLocalMachineText(const std::string& subkey, const std::string& name) {
+std::string ReadLocalMachineText(const std::string& subkey, const std::string& name) {
     const Call call("RegQueryValueExA", {{"subkey", subkey}, {"name", name}});
     const auto value = machine::model::FindValue(TheMachine().state, subkey, name);
     if (!value) {
@@ -72,7 +73,7 @@ std::string readLocalMachineText(const std::string& subkey, const std::string& n
     return value->data.c_str();  // without its terminator
 }
 
-// The module's own constructor takes it so. NOLINTNEXTLINE(modernize-pass-by-value)
+/// The module's own constructor takes it so. NOLINTNEXTLINE(modernize-pass-by-value)
 DllProxy::DllProxy(std::string filename) : filename_(std::move(filename)) {}
 
 DllProxy::~DllProxy() {
@@ -82,7 +83,7 @@ DllProxy::~DllProxy() {
 void DllProxy::Load() {
     static HINSTANCE__ library;
     const Call call("LoadLibraryA", {{"name", filename_}});
-    if (TheMachine().state.system.libCrypto == machine::CryptoLibrary::Absent) {
+    if (TheMachine().state.system.libCrypto == machine::CryptoLibrary::kAbsent) {
         throw CDllProxyError("DllProxy::Load - Load Library Failed", 70, 0, 126);
     }
     module_ = &library;
@@ -103,7 +104,7 @@ void DllProxy::GetProcAddress(void*& slot, const char* name) {
         Load();
     }
     const Call call("GetProcAddress", {{"name", name}});
-    if (TheMachine().state.system.libCrypto != machine::CryptoLibrary::Present) {
+    if (TheMachine().state.system.libCrypto != machine::CryptoLibrary::kPresent) {
         throw CDllProxyError("DllProxy::GetProcAddress - GetProcAddress Failed", 83, 1, 127);
     }
     slot = reinterpret_cast<void*>(&Decrypt);

@@ -107,7 +107,7 @@ Result RunWmiQuery(const WmiQuery& query, const std::string& text, WmiRows rows,
         }
         machine::cim::Query parsed;
         if (!ParseQuery(text, parsed) ||
-            RunQuery(TheMachine().state, parsed, found) != machine::cim::QueryAnswer::Rows) {
+            RunQuery(TheMachine().state, parsed, found) != machine::cim::QueryAnswer::kRows) {
             throw std::logic_error("the machine cannot answer " + text);
         }
     }

@@ -18,7 +18,7 @@ using cim::Type;
 
 namespace {
 
-constexpr LONG localFlavor = 0;  // WBEM_FLAVOR_ORIGIN_LOCAL
+constexpr LONG kLocalFlavor = 0;  // WBEM_FLAVOR_ORIGIN_LOCAL
 
 }  // namespace
 
@@ -49,7 +49,7 @@ HRESULT ClassObject::Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type
         call.Unexpected("a property is read by its name with flags 0");
         return call.Hresult(WBEM_E_INVALID_PARAMETER);
     }
-    const Property system{"__CLASS", Type::Text, className_};
+    const Property system{"__CLASS", Type::kText, className_};
     const Property* property =
         EqualNoCase(text, system.name) ? &system : FindProperty(properties_, text);
     if (property == nullptr) {
@@ -66,7 +66,7 @@ HRESULT ClassObject::Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type
         *type = CimTypeOf(property->type);
     }
     if (flavor != nullptr) {
-        *flavor = localFlavor;
+        *flavor = kLocalFlavor;
     }
     return call.Hresult(S_OK);
 }
@@ -78,7 +78,7 @@ HRESULT ClassObject::Put(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE type)
     if (const auto fault = call.Fault()) {
         return call.Hresult(*fault);
     }
-    if (name == nullptr || flags != 0 || value == nullptr || kind_ != Kind::Instance) {
+    if (name == nullptr || flags != 0 || value == nullptr || kind_ != Kind::kInstance) {
         call.Unexpected("only instances take values, by name, with flags 0");
         return call.Hresult(WBEM_E_INVALID_PARAMETER);
     }
@@ -107,11 +107,11 @@ HRESULT ClassObject::SpawnInstance(LONG flags, IWbemClassObject** instance) {
     if (const auto fault = call.Fault()) {
         return call.Hresult(*fault);
     }
-    if (flags != 0 || instance == nullptr || kind_ != Kind::Definition) {
+    if (flags != 0 || instance == nullptr || kind_ != Kind::kDefinition) {
         call.Unexpected("only a class spawns instances, with flags 0");
         return call.Hresult(WBEM_E_INVALID_PARAMETER);
     }
-    *instance = MakeComObject<ClassObject>(Machine(), className_, Kind::Instance, properties_)
+    *instance = MakeComObject<ClassObject>(Machine(), className_, Kind::kInstance, properties_)
                     .HandOut(call);
     return call.Hresult(S_OK);
 }
@@ -137,12 +137,12 @@ HRESULT ClassObject::GetMethod(LPCWSTR name, LONG flags, IWbemClassObject** in,
         *in = method->inParameters.empty()
                   ? nullptr
                   : MakeComObject<ClassObject>(Machine(), InParametersOf(*definition_, *method),
-                                               Kind::Definition, method->inParameters)
+                                               Kind::kDefinition, method->inParameters)
                         .HandOut(call);
     }
     if (out != nullptr) {
-        *out = MakeComObject<ClassObject>(Machine(), "__PARAMETERS", Kind::Definition,
-                                          Properties{{"ReturnValue", Type::UInt32}})
+        *out = MakeComObject<ClassObject>(Machine(), "__PARAMETERS", Kind::kDefinition,
+                                          Properties{{"ReturnValue", Type::kUInt32}})
                    .HandOut(call);
     }
     return call.Hresult(S_OK);

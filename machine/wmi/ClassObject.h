@@ -14,14 +14,14 @@ namespace machine::wmi {
 
 class ClassObject : public ComObject<IWbemClassObject, IID_IWbemClassObject> {
 public:
-    enum class Kind { Definition, Instance };
+    enum class Kind { kDefinition, kInstance };
 
-    // `definition` has the methods of a class definition; null for everything else.
+    /// `definition` has the methods of a class definition; null for everything else.
     ClassObject(Core& core, std::string className, Kind kind, cim::Properties properties,
                 const cim::Class* definition = nullptr);
 
     const std::string& ClassName() const { return className_; }
-    bool IsInstance() const { return kind_ == Kind::Instance; }
+    bool IsInstance() const { return kind_ == Kind::kInstance; }
     const cim::Properties& Values() const { return properties_; }
 
     HRESULT STDMETHODCALLTYPE Get(LPCWSTR name, LONG flags, VARIANT* value, CIMTYPE* type,
@@ -93,8 +93,8 @@ private:
     const cim::Class* definition_;
 };
 
-// The class of the objects that hold the in-parameters of a method, so that only those of the same
-// method are accepted for its call.
+/// The class of the objects that hold the in-parameters of a method, so that only those of the same
+/// method are accepted for its call.
 std::string InParametersOf(const cim::Class& definition, const cim::Method& method);
 
 }  // namespace machine::wmi

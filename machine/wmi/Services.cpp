@@ -29,9 +29,9 @@ using cim::Type;
 
 namespace {
 
-constexpr LONG queryFlags = WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY |
-                            WBEM_FLAG_ENSURE_LOCATABLE | WBEM_FLAG_DIRECT_READ |
-                            WBEM_FLAG_USE_AMENDED_QUALIFIERS;
+constexpr LONG kQueryFlags = WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY |
+                             WBEM_FLAG_ENSURE_LOCATABLE | WBEM_FLAG_DIRECT_READ |
+                             WBEM_FLAG_USE_AMENDED_QUALIFIERS;
 
 bool IsServedNamespace(std::string resource) {
     std::ranges::replace(resource, '/', '\\');
@@ -80,7 +80,7 @@ HRESULT Enumerator::Next(LONG timeout, ULONG count, IWbemClassObject** objects, 
     }
     while (*returned < count && position_ < rows_.size()) {
         objects[(*returned)++] =
-            MakeComObject<ClassObject>(Machine(), className_, ClassObject::Kind::Instance,
+            MakeComObject<ClassObject>(Machine(), className_, ClassObject::Kind::kInstance,
                                        std::move(rows_[position_++]))
                 .HandOut(call);
     }
@@ -114,7 +114,7 @@ HRESULT Services::GetObject(BSTR path, LONG flags, IWbemContext* context, IWbemC
     }
     const std::string name(definition->name);
     if (parsed.isClass) {
-        *object = MakeComObject<ClassObject>(Machine(), name, ClassObject::Kind::Definition,
+        *object = MakeComObject<ClassObject>(Machine(), name, ClassObject::Kind::kDefinition,
                                              definition->properties, definition)
                       .HandOut(call);
         return call.Hresult(WBEM_S_NO_ERROR);
@@ -124,7 +124,7 @@ HRESULT Services::GetObject(BSTR path, LONG flags, IWbemContext* context, IWbemC
         return call.Hresult(WBEM_E_NOT_FOUND);
     }
     *object =
-        MakeComObject<ClassObject>(Machine(), name, ClassObject::Kind::Instance, std::move(*row))
+        MakeComObject<ClassObject>(Machine(), name, ClassObject::Kind::kInstance, std::move(*row))
             .HandOut(call);
     return call.Hresult(WBEM_S_NO_ERROR);
 }
@@ -138,7 +138,7 @@ HRESULT Services::ExecQuery(BSTR language, BSTR query, LONG flags, IWbemContext*
     if (const auto fault = call.Fault()) {
         return call.Hresult(*fault);
     }
-    if (enumerator == nullptr || context != nullptr || (flags & ~queryFlags) != 0) {
+    if (enumerator == nullptr || context != nullptr || (flags & ~kQueryFlags) != 0) {
         call.Unexpected("a query needs an enumerator to fill, known flags and no context");
         return call.Hresult(WBEM_E_INVALID_PARAMETER);
     }
@@ -151,11 +151,11 @@ HRESULT Services::ExecQuery(BSTR language, BSTR query, LONG flags, IWbemContext*
     std::vector<Properties> rows;
     HRESULT failure = WBEM_S_NO_ERROR;
     const QueryAnswer answer = ParseQuery(text, parsed) ? RunQuery(Machine().state, parsed, rows)
-                                                        : QueryAnswer::InvalidQuery;
-    if (answer != QueryAnswer::Rows) {
+                                                        : QueryAnswer::kInvalidQuery;
+    if (answer != QueryAnswer::kRows) {
         call.Unexpected("a query that the machine cannot answer: " + text);
-        failure = CodeOf(answer == QueryAnswer::NoSuchClass ? WBEM_E_INVALID_CLASS
-                                                            : WBEM_E_INVALID_QUERY);
+        failure = CodeOf(answer == QueryAnswer::kNoSuchClass ? WBEM_E_INVALID_CLASS
+                                                             : WBEM_E_INVALID_QUERY);
         // A semisynchronous query returns before it is looked at: Windows reports what is wrong
         // with it from Next. Only a synchronous one fails here.
         if ((flags & WBEM_FLAG_RETURN_IMMEDIATELY) == 0) {
@@ -226,8 +226,8 @@ HRESULT Services::ExecMethod(BSTR path, BSTR method, LONG flags, IWbemContext* c
     if (out != nullptr) {
         *out =
             MakeComObject<ClassObject>(
-                Machine(), "__PARAMETERS", ClassObject::Kind::Instance,
-                Properties{{"ReturnValue", Type::UInt32, static_cast<std::int32_t>(returnValue)}})
+                Machine(), "__PARAMETERS", ClassObject::Kind::kInstance,
+                Properties{{"ReturnValue", Type::kUInt32, static_cast<std::int32_t>(returnValue)}})
                 .HandOut(call);
     }
     return call.Hresult(WBEM_S_NO_ERROR);

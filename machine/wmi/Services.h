@@ -15,7 +15,7 @@ namespace machine::wmi {
 
 class Enumerator : public ComObject<IEnumWbemClassObject, IID_IEnumWbemClassObject> {
 public:
-    // `failure` is what a query that was wrong has to say for itself, at the first Next.
+    /// `failure` is what a query that was wrong has to say for itself, at the first Next.
     Enumerator(Core& core, std::string query, std::string className,
                std::vector<cim::Properties> rows, HRESULT failure);
 

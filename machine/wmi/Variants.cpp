@@ -55,19 +55,19 @@ std::optional<Value> FromTextArray(const VARIANT& variant) {
 
 CIMTYPE CimTypeOf(Type type) {
     switch (type) {
-        case Type::Boolean:
+        case Type::kBoolean:
             return CIM_BOOLEAN;
-        case Type::UInt16:
+        case Type::kUInt16:
             return CIM_UINT16;
-        case Type::UInt32:
+        case Type::kUInt32:
             return CIM_UINT32;
-        case Type::SInt32:
+        case Type::kSInt32:
             return CIM_SINT32;
-        case Type::Text:
+        case Type::kText:
             return CIM_STRING;
-        case Type::Texts:
+        case Type::kTexts:
             return CIM_STRING | CIM_FLAG_ARRAY;
-        case Type::UInt16s:
+        case Type::kUInt16s:
             return CIM_UINT16 | CIM_FLAG_ARRAY;
     }
     return CIM_EMPTY;
@@ -100,16 +100,16 @@ std::optional<Value> FromVariant(const VARIANT& variant, Type type) {
         return Value();
     }
     switch (type) {
-        case Type::Boolean:
+        case Type::kBoolean:
             return variant.vt == VT_BOOL ? std::optional<Value>(variant.boolVal != VARIANT_FALSE)
                                          : std::nullopt;
-        case Type::UInt16:
-        case Type::UInt32:
-        case Type::SInt32:
+        case Type::kUInt16:
+        case Type::kUInt32:
+        case Type::kSInt32:
             // WMI takes the signed type for its unsigned numbers, as Automation has no other.
             return variant.vt == VT_I4 ? std::optional<Value>(std::int32_t{variant.lVal})
                                        : std::nullopt;
-        case Type::Text:
+        case Type::kText:
             if (variant.vt != VT_BSTR) {
                 return std::nullopt;
             }
@@ -117,9 +117,9 @@ std::optional<Value> FromVariant(const VARIANT& variant, Type type) {
                 variant.bstrVal == nullptr
                     ? std::string()
                     : Narrow(std::wstring_view(variant.bstrVal, SysStringLen(variant.bstrVal))));
-        case Type::Texts:
+        case Type::kTexts:
             return FromTextArray(variant);
-        case Type::UInt16s:
+        case Type::kUInt16s:
             // Gateway metrics: taken, not kept.
             return variant.vt == (VT_ARRAY | VT_I4) ? std::optional<Value>(Value()) : std::nullopt;
     }

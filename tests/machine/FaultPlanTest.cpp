@@ -8,27 +8,27 @@ namespace machine {
 namespace {
 
 TEST(FaultPlan, SaysWhatIsWrongWithItsText) {
-    constexpr const char* unknown = "no platform call, WMI method or program of this name can fail";
-    constexpr const char* form = "write call:N for any call and FUNCTION#N for one function";
-    constexpr const char* count =
+    constexpr const char* kUnknown =
+        "no platform call, WMI method or program of this name can fail";
+    constexpr const char* kForm = "write call:N for any call and FUNCTION#N for one function";
+    constexpr const char* kCount =
         "the count must be a whole number from 1, with an optional + after it";
-    constexpr const char* code = "the code after \"=\" must be a decimal or 0x number of 32 bits";
-    constexpr const char* condition =
+    constexpr const char* kCode = "the code after \"=\" must be a decimal or 0x number of 32 bits";
+    constexpr const char* kCondition =
         "write [ARGUMENT~TEXT] for an argument that holds the text, [ARGUMENT=TEXT] for one that "
-        "is "
-        "it";
+        "is it";
     const std::pair<std::string, const char*> cases[] = {
-        {"RegOpenKey", unknown},
-        {"CoUninitialize", unknown},
+        {"RegOpenKey", kUnknown},
+        {"CoUninitialize", kUnknown},
         {"call", "\"call\" needs a count: call:N"},
-        {"call#3", form},
-        {"call:0", count},
-        {"Next#-1", count},
-        {"Next=0x123456789", code},
+        {"call#3", kForm},
+        {"call:0", kCount},
+        {"Next#-1", kCount},
+        {"Next=0x123456789", kCode},
         {"call:1=0", "0 is no failing code"},
-        {"Next[query]", condition},
-        {"Next[~Caption]", condition},
-        {"Next[query~Caption", condition},
+        {"Next[query]", kCondition},
+        {"Next[~Caption]", kCondition},
+        {"Next[query~Caption", kCondition},
         {"", "a rule must not be empty"},
         {"Next[query~Caption]2", "only #N and =CODE may follow the brackets"},
     };

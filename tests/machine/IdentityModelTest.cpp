@@ -7,8 +7,8 @@
 namespace machine::model {
 namespace {
 
-const Credentials joiner{"corp.example\\joiner", "Join-Me-1"};
-const Credentials visitor{"CORP\\visitor", "Look-Only-2"};
+const Credentials kJoiner{"corp.example\\joiner", "Join-Me-1"};
+const Credentials kVisitor{"CORP\\visitor", "Look-Only-2"};
 
 State Member() {
     State state = DefaultState();
@@ -51,9 +51,9 @@ TEST(IdentityModel, JoinGivesTheCodesOfWindows) {
         std::uint32_t code;
     };
     const Case cases[] = {
-        {workgroup, "CORP", joiner, sales, 0x103, 0},
-        {prepared, corp, joiner, "", 0x1, 0},        // one is waiting
-        {prepared, corp, joiner, sales, 0x3, 2224},  // but elsewhere
+        {workgroup, "CORP", kJoiner, sales, 0x103, 0},
+        {prepared, corp, kJoiner, "", 0x1, 0},        // one is waiting
+        {prepared, corp, kJoiner, sales, 0x3, 2224},  // but elsewhere
         {foreign, corp, joiner, "", 0x1, 2732},
         {foreign, corp, joiner, "", 0x3, 2732},
         {own, corp, joiner, "", 0x3, 0},
@@ -67,10 +67,10 @@ TEST(IdentityModel, JoinGivesTheCodesOfWindows) {
         {workgroup, corp, {"joiner", "no"}, "", 0x3, 1326},
         {workgroup, corp, {"LAB\\joiner", "Join-Me-1"}, "", 0x3, 1326},
         {workgroup, corp, {"joiner@corp.example", "Join-Me-1"}, "", 0x3, 0},
-        {workgroup, corp, visitor, "", 0x3, 5},
-        {unreachable, corp, joiner, "", 0x3, 1355},
-        {member, corp, joiner, "", 0x21, 0},
-        {workgroup, corp, joiner, "", 0x80000001, 87},
+        {workgroup, corp, kVisitor, "", 0x3, 5},
+        {unreachable, corp, kJoiner, "", 0x3, 1355},
+        {member, corp, kJoiner, "", 0x21, 0},
+        {workgroup, corp, kJoiner, "", 0x80000001, 87},
         {member, "OFFICE", {}, "", 0, 2691},
         {leaving, "OFFICE", {}, "", 0, 0},
         {workgroup, "SIXTEENCHARACTER", {}, "", 0, 2695},
@@ -91,29 +91,29 @@ TEST(IdentityModel, JoinGivesTheCodesOfWindows) {
 TEST(IdentityModel, UnjoinGivesTheCodesOfWindows) {
     State member = Member();
     EXPECT_EQ(Unjoin(member, {"joiner", "no"}, 0), 1326U);
-    EXPECT_EQ(Unjoin(member, joiner, 1), 87U);
+    EXPECT_EQ(Unjoin(member, kJoiner, 1), 87U);
     EXPECT_EQ(member, Member());
     State alone = member;
     EXPECT_EQ(Unjoin(alone, {}, 0), 0U);
-    EXPECT_EQ(Unjoin(member, joiner, 0), 0U);
+    EXPECT_EQ(Unjoin(member, kJoiner, 0), 0U);
     EXPECT_TRUE(member.pendingMembership.has_value());
-    EXPECT_EQ(Unjoin(member, joiner, 0), 2692U) << "it has left already";
+    EXPECT_EQ(Unjoin(member, kJoiner, 0), 2692U) << "it has left already";
 }
 
 TEST(IdentityModel, RenameChangesTheObjectAtOnceAndTheNameLater) {
     State state = Member();
     state.domains[0].computers.push_back("TAKEN");
-    EXPECT_EQ(Rename(state, "no blanks", joiner), 1210U);
-    EXPECT_EQ(Rename(state, "12345", joiner), 1210U);
+    EXPECT_EQ(Rename(state, "no blanks", kJoiner), 1210U);
+    EXPECT_EQ(Rename(state, "12345", kJoiner), 1210U);
     EXPECT_EQ(Rename(state, "pc2", {"joiner", "no"}), 1326U);
-    EXPECT_EQ(Rename(state, "taken", joiner), 2224U);
-    EXPECT_EQ(Rename(state, "pc2", joiner), 0U);
+    EXPECT_EQ(Rename(state, "taken", kJoiner), 2224U);
+    EXPECT_EQ(Rename(state, "pc2", kJoiner), 0U);
     EXPECT_EQ(state.computerName, "WORKSTATION1");
     EXPECT_EQ(OwnDistinguishedName(state), "CN=PC2,OU=Sales,OU=East,DC=corp,DC=example");
     ApplyRestart(state);
     EXPECT_EQ(state.computerName, "PC2");
     EXPECT_EQ(state.adapters[0].dnsHostName, "pc2");
-    EXPECT_EQ(Rename(state, "sales-pc-000000007", joiner), 0U);
+    EXPECT_EQ(Rename(state, "sales-pc-000000007", kJoiner), 0U);
     ApplyRestart(state);
     EXPECT_EQ(state.computerName, "SALES-PC-000000");
     EXPECT_EQ(state.hostName, "sales-pc-000000007");

@@ -39,7 +39,7 @@ State RichState() {
     state.domains[0].accounts[0].mayReuse = true;
     state.domains[0].accounts[0].quota = 3;
     state.domains[0].owners = {{"PRINTSERVER", "joiner"}};
-    state.system = {CryptoLibrary::WithoutExport, true, true, false, 3, false, {81, 1, 91, 0}};
+    state.system = {CryptoLibrary::kWithoutExport, true, true, false, 3, false, {81, 1, 91, 0}};
     return state;
 }
 
@@ -88,7 +88,11 @@ TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
     const std::string whole = ": expected a whole number from 0 to 4294967295, found ";
     const std::pair<std::string, std::string> cases[] = {
         {R"("colour": "red")", "/colour: no such member"},
-        {R"("computerName": "B")", R"(the member "computerName" stands twice in one object)"},
+        {R"("computerName": "B")", "/computerName: the member stands twice in one object"},
+        {R"("adapters": [{"index": 1, "ipAddress": ["300.1.1.1"], "ipSubnet": ["255.0.0.0"]}])",
+         R"(/adapters/0/ipAddress/0: expected an IPv4 address, found "300.1.1.1")"},
+        {R"("adapters": [{"index": 1, "ipAddress": ["10.1.1.1"], "ipSubnet": []}])",
+         "/adapters/0/ipSubnet: 0 masks for 1 addresses"},
         {R"("dnsSuffixes": ["a", null])", "/dnsSuffixes/1: expected text, found null"},
         {R"("adapters": [{}])", R"(/adapters/0: the member "index" is missing)"},
         {R"("adapters": [{"index": 18446744073709551615}])",

@@ -7,16 +7,16 @@
 namespace machine {
 namespace {
 
-const std::vector<PersistedRoute> present = {{"10.20.0.0", "255.255.0.0", "192.0.2.1", 5},
-                                             {"10.20.0.0", "255.255.0.0", "192.0.2.2", 6},
-                                             {"10.30.0.0", "255.255.0.0", "192.0.2.1", 1}};
+const std::vector<PersistedRoute> kPresent = {{"10.20.0.0", "255.255.0.0", "192.0.2.1", 5},
+                                              {"10.20.0.0", "255.255.0.0", "192.0.2.2", 6},
+                                              {"10.30.0.0", "255.255.0.0", "192.0.2.1", 1}};
 
 TEST(RouteCommand, AddsAndDeletesOrFails) {
     struct Case {
         const char* commandLine;
         int exitCode;
         std::vector<PersistedRoute> added;
-        std::vector<PersistedRoute> kept = present;
+        std::vector<PersistedRoute> kept = kPresent;
     };
     const Case cases[] = {
         {"-p ADD 10.0.0.0 mask 255.0.0.0 10.1.1.1 METRIC 5",
@@ -35,7 +35,7 @@ TEST(RouteCommand, AddsAndDeletesOrFails) {
         {"-p ADD 10.0.0.0 mask 255.0.0.0 10.1.1.1 METRIC 0", 1, {}},
         {"-p ADD 10.0.0.0 mask 255.0.0.0 10.1.1.1 METRIC 10000", 1, {}},
         {"-p ADD 10.0.0.0", 1, {}},
-        {"DELETE 10.20.0.0", 0, {}, {present[2]}},
+        {"DELETE 10.20.0.0", 0, {}, {kPresent[2]}},
         {"DELETE 10.40.0.0", 1, {}},
         {"DELETE", 1, {}},
         {"CHANGE 10.20.0.0", 1, {}},

@@ -13,11 +13,11 @@ std::string Ask(const char* text) {
     }
     std::vector<Properties> rows;
     switch (RunQuery(DefaultState(), query, rows)) {
-        case QueryAnswer::NoSuchClass:
+        case QueryAnswer::kNoSuchClass:
             return "no class";
-        case QueryAnswer::InvalidQuery:
+        case QueryAnswer::kInvalidQuery:
             return "invalid";
-        case QueryAnswer::Rows:
+        case QueryAnswer::kRows:
             break;
     }
     std::string answer;

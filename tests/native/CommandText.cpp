@@ -68,7 +68,7 @@ std::string ActionOf(const TraceEntry& call) {
 machine::FaultPlan DoingNothing() {
     std::vector<machine::FaultRule> rules;
     for (const machine::FaultPoint& point : machine::FaultPoints()) {
-        if (point.kind == machine::FaultPoint::Kind::Outcome) {
+        if (point.kind == machine::FaultPoint::Kind::kOutcome) {
             machine::FaultRule& rule = rules.emplace_back();
             rule.function = point.name;
             rule.code = 0;

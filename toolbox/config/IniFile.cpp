@@ -105,7 +105,7 @@ public:
 
     /// The position of that name among the first `count`, or `count`. `nameAt` gives the name at a
     /// position. Names added since the last call are taken in first.
-    template <class NameAt>
+    template <typename NameAt>
     std::size_t Find(std::size_t count, std::string_view name, NameAt nameAt) {
         // Below this a scan is quicker.
         constexpr std::size_t kFew = 16;

@@ -31,7 +31,7 @@ using CommandList = std::vector<std::unique_ptr<IConfigureCommand>>;
 
 /// The command as that class when its run-time class is that class itself, not one derived from it;
 /// else null. `command` may be null.
-template <class Command>
+template <typename Command>
 Command* ExactCast(IConfigureCommand* command) {
     return command != nullptr && typeid(*command) == typeid(Command)
                ? static_cast<Command*>(command)

@@ -1,6 +1,7 @@
 #include "common/config/command/SetStaticRoute.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 
 #include "common/err/GeneralError.h"
@@ -72,21 +73,19 @@ void SetStaticRoute::Compare() {
     }
     std::vector<ipc::RouteKey> machine = MachineRoutes();
     const ipc::IPv4Address zero("0.0.0.0");
-    const auto defaultRoute =
-        std::find_if(machine.begin(), machine.end(), [&zero](const ipc::RouteKey& route) {
-            return route.destination == zero && route.netmask == zero;
-        });
+    const auto defaultRoute = std::ranges::find_if(machine, [&zero](const ipc::RouteKey& route) {
+        return route.destination == zero && route.netmask == zero;
+    });
     if (defaultRoute != machine.end()) {
         machine.erase(defaultRoute);  // the first only: later ones are deleted unless wanted
     }
-    std::sort(wanted_.begin(), wanted_.end());
-    std::sort(machine.begin(), machine.end());
+    constexpr std::less<> kOrder;
+    std::ranges::sort(wanted_, kOrder);
+    std::ranges::sort(machine, kOrder);
     toAdd_.clear();
     toDelete_.clear();
-    std::set_difference(machine.begin(), machine.end(), wanted_.begin(), wanted_.end(),
-                        std::back_inserter(toDelete_));
-    std::set_difference(wanted_.begin(), wanted_.end(), machine.begin(), machine.end(),
-                        std::back_inserter(toAdd_));
+    std::ranges::set_difference(machine, wanted_, std::back_inserter(toDelete_), kOrder);
+    std::ranges::set_difference(wanted_, machine, std::back_inserter(toAdd_), kOrder);
     compared_ = true;
 }
 

@@ -59,7 +59,7 @@ bool HasStaticDns(std::uint32_t adapterIndex) {
         return false;
     }
     try {
-        return !readNameServer(settingId).empty();
+        return !ReadNameServer(settingId).empty();
     } catch (const RegistryError&) {
         return false;  // no key, no value, no access: nobody set servers by hand
     }
@@ -98,7 +98,7 @@ void NicAdapter::ReadPciLocation(const std::string& pnpDeviceId) {
         pciLocation.vendorId = ReadNumber(pnpDeviceId, vendor + 4, vendor + 8);
         pciLocation.deviceId = ReadNumber(pnpDeviceId, vendor + 13, vendor + 17);
     }
-    ReadLocation(readLocationInformation(pnpDeviceId), pciLocation);
+    ReadLocation(ReadLocationInformation(pnpDeviceId), pciLocation);
 }
 
 IP::IP(std::uint32_t adapterIndex) : address("0.0.0.0"), subnetMask("0.0.0.0") {
@@ -144,12 +144,12 @@ void fillNicList(NicList& root) {
 
 NicList& getNicList() {
     // A fill that throws leaves the static unmade.
-    static const std::unique_ptr<NicList> list = [] {
+    static const std::unique_ptr<NicList> kList = [] {
         auto filled = std::make_unique<NicList>();
         fillNicList(*filled);
         return filled;
     }();
-    return *list;
+    return *kList;
 }
 
 std::int32_t findNicIndexByPciLocation(NicList& root, std::uint32_t bus, std::uint32_t device,

@@ -4,7 +4,7 @@ namespace sys {
 
 namespace {
 
-template <class Node>
+template <typename Node>
 void* Dispatch(util::CompositeVisitor& visitor, void* (NicInfoVisitor::*visit)(Node&), Node& node) {
     auto* const nicVisitor = dynamic_cast<NicInfoVisitor*>(&visitor);
     return nicVisitor != nullptr ? (nicVisitor->*visit)(node) : nullptr;

@@ -4,20 +4,20 @@
 
 namespace sys {
 
-std::string deviceKey(const std::string& pnpDeviceId) {
+std::string DeviceKey(const std::string& pnpDeviceId) {
     return "SYSTEM\\CurrentControlSet\\Enum\\" + pnpDeviceId;
 }
 
-std::string interfaceKey(const std::string& settingId) {
+std::string InterfaceKey(const std::string& settingId) {
     return "SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters\\Interfaces\\" + settingId;
 }
 
-std::string readLocationInformation(const std::string& pnpDeviceId) {
-    return readLocalMachineText(deviceKey(pnpDeviceId), "LocationInformation");
+std::string ReadLocationInformation(const std::string& pnpDeviceId) {
+    return ReadLocalMachineText(DeviceKey(pnpDeviceId), "LocationInformation");
 }
 
-std::string readNameServer(const std::string& settingId) {
-    return readLocalMachineText(interfaceKey(settingId), "NameServer");
+std::string ReadNameServer(const std::string& settingId) {
+    return ReadLocalMachineText(InterfaceKey(settingId), "NameServer");
 }
 
 }  // namespace sys

@@ -7,13 +7,13 @@
 namespace sys {
 
 /// Their keys below HKEY_LOCAL_MACHINE.
-std::string deviceKey(const std::string& pnpDeviceId);
-std::string interfaceKey(const std::string& settingId);
+std::string DeviceKey(const std::string& pnpDeviceId);
+std::string InterfaceKey(const std::string& settingId);
 
 /// "LocationInformation" of a plug-and-play device.
-std::string readLocationInformation(const std::string& pnpDeviceId);
+std::string ReadLocationInformation(const std::string& pnpDeviceId);
 
 /// "NameServer" of an adapter's TCP/IP interface: the DNS servers that were set by hand.
-std::string readNameServer(const std::string& settingId);
+std::string ReadNameServer(const std::string& settingId);
 
 }  // namespace sys

@@ -38,10 +38,10 @@ struct Failing;
 template <const char* kName, class Result, class... Argument>
 struct Failing<kName, Result WINAPI(Argument...)> {
     static Result WINAPI Call(Argument... arguments) {
-        static auto* const real = reinterpret_cast<Result(WINAPI*)(Argument...)>(
+        static auto* const kReal = reinterpret_cast<Result(WINAPI*)(Argument...)>(
             reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("oleaut32.dll"), kName)));
         if (!shortage.Strikes()) {
-            return real(arguments...);
+            return kReal(arguments...);
         }
         if constexpr (std::is_pointer_v<Result>) {
             return nullptr;

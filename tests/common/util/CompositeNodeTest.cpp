@@ -120,6 +120,15 @@ TEST(CompositeNode, ACopyOfAnIteratorGoesItsOwnWay) {
     EXPECT_EQ(NameOf(*++behind) + NameOf(*walker), "bc");
 }
 
+TEST(CompositeNode, AnEndStaysAnEnd) {
+    for (const char* const text : {"R", "R(a)"}) {
+        const auto root = Tree(text);
+        EXPECT_EQ(*std::next(root->DepthBegin(), 4), nullptr) << text;
+        EXPECT_EQ(*std::next(root->BreadthBegin(), 4), nullptr) << text;
+        EXPECT_TRUE(root->DepthEnd() == Tree("S(T)")->BreadthEnd());
+    }
+}
+
 TEST(CompositeNode, ALeafTakesNoChildren) {
     Leaf leaf("l", nullptr);
     std::unique_ptr<CompositeNode> child = Tree("c");

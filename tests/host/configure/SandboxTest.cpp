@@ -32,9 +32,9 @@ std::vector<std::set<std::string>> WhatIsThere() {
 }
 
 TEST(Sandbox, TheFileStaysWhateverTheModuleDoesWithIt) {
-    constexpr const char* text = "[Networking]\nComputerName=PC7\nWorkgroup=true\nDomain=LAB\n";
+    constexpr const char* kText = "[Networking]\nComputerName=PC7\nWorkgroup=true\nDomain=LAB\n";
     const Files files;
-    const std::string config = files.Write("kept.ini", text);
+    const std::string config = files.Write("kept.ini", kText);
     SetFileAttributesA(config.c_str(), FILE_ATTRIBUTE_READONLY);
     // A file of that name beside the program is what the module would replace.
     const std::string beside = BesideProgram("kept.ini");
@@ -43,12 +43,12 @@ TEST(Sandbox, TheFileStaysWhateverTheModuleDoesWithIt) {
     for (const char* fault : {"Rename", "MoveFileA", "DeleteFileA", "GetModuleFileNameA",
                               "GetFileAttributesA#2", "LsaOpenPolicy", "Decrypt"}) {
         Configure({config, "--until-done", "--fail", fault});
-        EXPECT_EQ(ReadFile(config), text) << fault;
+        EXPECT_EQ(ReadFile(config), kText) << fault;
         EXPECT_EQ(ReadFile(beside), "not to be touched") << fault;
     }
     Configure({config, "--until-done"});
     Configure({beside});
-    EXPECT_EQ(ReadFile(config), text);
+    EXPECT_EQ(ReadFile(config), kText);
     EXPECT_EQ(ReadFile(beside), "not to be touched");
     EXPECT_EQ(WhatIsThere(), before);
     SetFileAttributesA(config.c_str(), FILE_ATTRIBUTE_NORMAL);

@@ -12,11 +12,11 @@ namespace cases {
 
 namespace {
 
-const std::filesystem::path root =
+const std::filesystem::path kRoot =
     std::filesystem::path(TOOLBOX_SOURCE_DIR) / "tests" / "requests" / "cases";
 
 std::filesystem::path BaseMachine(const std::string& name) {
-    return root / "machines" / (name + ".json");
+    return kRoot / "machines" / (name + ".json");
 }
 
 Json LoadJson(const std::filesystem::path& file) {
@@ -68,7 +68,7 @@ void CollectChanges(const Json& before, const Json& after, const std::string& pl
 }  // namespace
 
 std::filesystem::path CasesFolder() {
-    return root / "data";
+    return kRoot / "data";
 }
 
 std::vector<std::string> ListCases() {

@@ -27,9 +27,9 @@ requests::PresentedFile MakeFile(const Case& tested, const requests::AgentFolder
     const std::string place = tested.file.value("stands", "inbox");
     requests::PresentedFile file(agent, tested.file.value("name", "configuration.ini"),
                                  support::ReadFile(tested.configuration),
-                                 place == "inbox"  ? Stands::Inbox
-                                 : place == "home" ? Stands::Home
-                                                   : Stands::Nowhere);
+                                 place == "inbox"  ? Stands::kInbox
+                                 : place == "home" ? Stands::kHome
+                                                   : Stands::kNowhere);
     if (tested.file.contains("atHome")) {
         const Json& there = tested.file["atHome"];
         if (there.is_null()) {
@@ -45,9 +45,9 @@ requests::PresentedFile MakeFile(const Case& tested, const requests::AgentFolder
 
 machine::HostApartment ApartmentOf(const Json& pass) {
     const std::string name = pass.value("apartment", "");
-    return name.empty()       ? machine::HostApartment::None
-           : name == "single" ? machine::HostApartment::SingleThreaded
-                              : machine::HostApartment::Multithreaded;
+    return name.empty()       ? machine::HostApartment::kNone
+           : name == "single" ? machine::HostApartment::kSingleThreaded
+                              : machine::HostApartment::kMultithreaded;
 }
 
 /// Another program that has the file open: nobody may read it, everybody may move it.
@@ -107,14 +107,14 @@ Json Complete(const Json& pass) {
 
 /// Takes the actual text over where the expected one says "{any}": what the platform leaves open.
 void Settle(Json& expected, const Json& actual) {
-    constexpr std::string_view any = "{any}";
+    constexpr std::string_view kAny = "{any}";
     if (expected.is_string() && actual.is_string()) {
         const auto pattern = expected.get<std::string>();
         const auto text = actual.get<std::string>();
-        const auto hole = pattern.find(any);
-        if (hole != std::string::npos && text.size() >= pattern.size() - any.size() &&
+        const auto hole = pattern.find(kAny);
+        if (hole != std::string::npos && text.size() >= pattern.size() - kAny.size() &&
             text.starts_with(pattern.substr(0, hole)) &&
-            text.ends_with(pattern.substr(hole + any.size()))) {
+            text.ends_with(pattern.substr(hole + kAny.size()))) {
             expected = actual;
         }
     } else if (expected.is_array() && actual.is_array()) {
@@ -182,7 +182,7 @@ TEST_P(CaseTest, EndsAsExpected) {
             {"actions", machine::ListActions(run.calls)},
             {"changes", ListChanges(before, after)},
             {"apartmentLeft",
-             apartment != machine::HostApartment::None && !simulation.IsInApartment()},
+             apartment != machine::HostApartment::kNone && !simulation.IsInApartment()},
             {"file", file.WhereIsIt()},
             {"kept", kept},
             {"leaks", std::vector<std::string>(

@@ -20,7 +20,7 @@ namespace {
 using Calls = std::vector<machine::TraceEntry>;
 
 /// Beside queries, connections and reads.
-constexpr std::string_view counted[] = {
+constexpr std::string_view kCounted[] = {
     "ExecMethod",      "RegOpenKeyExA",      "LsaOpenPolicy",
     "NetWkstaGetInfo", "CreateProcessA",     "GetComputerObjectNameA",
     "ADsOpenObject",   "LoadLibraryA",       "Decrypt",
@@ -100,7 +100,7 @@ std::string Describe(const Calls& calls) {
     for (const auto& [property, times] : AskedByCommands(calls)) {
         add(property + " asked", static_cast<std::size_t>(times));
     }
-    for (const std::string_view function : counted) {
+    for (const std::string_view function : kCounted) {
         if (const std::size_t count = Count(calls, function)) {
             add(std::string(function), count);
         }
@@ -157,17 +157,17 @@ TEST(CallCount, IsWhatARequestNeeds) {
 
 /// The connections, queries and look-ups of classes in all that they pass, each once.
 std::set<std::string> WordsOf(const Calls& calls) {
-    constexpr std::string_view functions[] = {"CoInitializeEx",
-                                              "CoInitializeSecurity",
-                                              "CoCreateInstance",
-                                              "ConnectServer",
-                                              "CoSetProxyBlanket",
-                                              "ExecQuery",
-                                              "Next",
-                                              "GetObject"};
+    constexpr std::string_view kFunctions[] = {"CoInitializeEx",
+                                               "CoInitializeSecurity",
+                                               "CoCreateInstance",
+                                               "ConnectServer",
+                                               "CoSetProxyBlanket",
+                                               "ExecQuery",
+                                               "Next",
+                                               "GetObject"};
     std::set<std::string> words;
     for (const machine::TraceEntry& call : calls) {
-        if (std::ranges::find(functions, call.function) != std::end(functions)) {
+        if (std::ranges::find(kFunctions, call.function) != std::end(kFunctions)) {
             std::string text = call.function;
             for (const auto& [name, value] : call.arguments) {
                 const bool isAnswer =

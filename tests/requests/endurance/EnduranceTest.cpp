@@ -25,22 +25,23 @@ std::string Networking(const std::string& unit) {
            unit + "\n";
 }
 
-constexpr const char* dhcp =
+constexpr const char* kDhcp =
     "[TCP/IP]\nDescription=A\nDHCP=true\nDNS-Server-Count=1\nDNS-Server0=10.0.1.4\n"
     "DNS-SuffixSearchOrder=corp.example\nStatic-Route-Count=";
 
 /// Two configurations that each undo the other, so that every request has work to do.
-const std::string toStatic =
+const std::string kToStatic =
     "[TCP/IP]\nDescription=A\nDHCP=false\nAddress=10.0.1.60\nNetmask=255.255.255.0\n"
     "Gateway=10.0.1.1\nDNS-Server-Count=1\nDNS-Server0=10.0.1.3\n"
     "DNS-SuffixSearchOrder=lab.example\nStatic-Route-Count=-1\n" +
     Networking("West");
-const std::string toDhcp = dhcp + std::string("-1\n") + Networking("East/Sales");
+const std::string kToDhcp = kDhcp + std::string("-1\n") + Networking("East/Sales");
 /// Each adds the route that the other deletes: one child to add and one to delete.
-const std::string firstRoute = dhcp + std::string("1\nRoute0=10.40.0.0,255.255.0.0,10.0.1.1,,1,\n");
-const std::string secondRoute =
-    dhcp + std::string("1\nRoute0=10.50.0.0,255.255.0.0,10.0.1.1,,1,\n");
-const std::string refused = "[TCP/IP]\n[NicEntry]\n";
+const std::string kFirstRoute =
+    kDhcp + std::string("1\nRoute0=10.40.0.0,255.255.0.0,10.0.1.1,,1,\n");
+const std::string kSecondRoute =
+    kDhcp + std::string("1\nRoute0=10.50.0.0,255.255.0.0,10.0.1.1,,1,\n");
+const std::string kRefused = "[TCP/IP]\n[NicEntry]\n";
 
 class Endurance : public testing::Test {
 protected:
@@ -100,11 +101,11 @@ TEST_F(Endurance, ManyRequestsInOneProcess) {
     std::vector<std::string> heapBefore;
     const std::size_t kept = Repeat(rounds, [&](int number) {
         const bool withRoutes = number % 25 == 0;
-        Check(module.Configure(Present(withRoutes ? firstRoute : toStatic)), "Success");
-        Check(module.Configure(Present(withRoutes ? secondRoute : toDhcp)), "Success");
-        Check(module.Configure(Present(refused)), "Failure");
-        Check(module.Configure(Present(toStatic)), "Success");
-        Check(module.Configure(Present(toDhcp)), "Success");
+        Check(module.Configure(Present(withRoutes ? kFirstRoute : kToStatic)), "Success");
+        Check(module.Configure(Present(withRoutes ? kSecondRoute : kToDhcp)), "Success");
+        Check(module.Configure(Present(kRefused)), "Failure");
+        Check(module.Configure(Present(kToStatic)), "Success");
+        Check(module.Configure(Present(kToDhcp)), "Success");
         if (number == 0) {
             heapBefore = heap.Outstanding();
         }
@@ -119,8 +120,8 @@ TEST_F(Endurance, ManyRequestsInOneProcess) {
 TEST_F(Endurance, ManyLivesOfTheModule) {
     Repeat(static_cast<int>(support::SampleOf(50, 200, 200)), [&](int number) {
         const bool withRoute = number % 50 == 0;
-        const std::string& text = withRoute ? (number % 100 == 0 ? firstRoute : secondRoute)
-                                            : (number % 2 == 0 ? toStatic : toDhcp);
+        const std::string& text = withRoute ? (number % 100 == 0 ? kFirstRoute : kSecondRoute)
+                                            : (number % 2 == 0 ? kToStatic : kToDhcp);
         Check(requests::RunConfigure(simulation_, Present(text)), "Success");
     });
     EXPECT_EQ(GetModuleHandleA("config.dll"), nullptr);

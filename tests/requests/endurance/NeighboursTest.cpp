@@ -37,10 +37,10 @@ public:
 
 private:
     static LONG CALLBACK Look(EXCEPTION_POINTERS* exception) {
-        constexpr DWORD gccThrow = 0x20474343;
-        constexpr DWORD microsoftThrow = 0xE06D7363;
+        constexpr DWORD kGccThrow = 0x20474343;
+        constexpr DWORD kMicrosoftThrow = 0xE06D7363;
         const DWORD code = exception->ExceptionRecord->ExceptionCode;
-        if ((code == gccThrow || code == microsoftThrow) &&
+        if ((code == kGccThrow || code == kMicrosoftThrow) &&
             GetCurrentThreadId() == active_->thread_) {
             if (const auto action = std::exchange(active_->action_, nullptr)) {
                 action();

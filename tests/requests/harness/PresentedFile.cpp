@@ -12,8 +12,8 @@ PresentedFile::PresentedFile(const AgentFolder& agent, std::string name, std::st
       home_(agent.Home() / name) {}
 
 std::string PresentedFile::Present() const {
-    const std::filesystem::path& place = stands_ == Stands::Home ? home_ : inbox_;
-    if (stands_ != Stands::Nowhere) {
+    const std::filesystem::path& place = stands_ == Stands::kHome ? home_ : inbox_;
+    if (stands_ != Stands::kNowhere) {
         support::WriteFile(place, text_);
     }
     return place.string();

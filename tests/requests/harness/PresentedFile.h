@@ -10,10 +10,10 @@ namespace requests {
 
 class PresentedFile {
 public:
-    enum class Stands { Inbox, Home, Nowhere };
+    enum class Stands { kInbox, kHome, kNowhere };
 
     PresentedFile(const AgentFolder& agent, std::string name, std::string text,
-                  Stands stands = Stands::Inbox);
+                  Stands stands = Stands::kInbox);
 
     /// Puts the file where it stands before a request, whatever became of it in an earlier one.
     /// Gives its path.

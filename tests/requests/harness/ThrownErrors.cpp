@@ -27,8 +27,8 @@ namespace {
 // How GCC raises a C++ exception on 64-bit Windows: a structured exception of this code whose first
 // parameter is the unwinder's header. The thrown object follows the header; in front of it lies the
 // runtime's own record, which begins with the type.
-constexpr DWORD gccThrow = 0x20474343;
-constexpr std::size_t recordSize = 80;
+constexpr DWORD kGccThrow = 0x20474343;
+constexpr std::size_t kRecordSize = 80;
 
 bool LiesIn(const void* address, HMODULE image) {
     const auto* const base = reinterpret_cast<const std::byte*>(image);
@@ -85,12 +85,12 @@ bool ThrownErrors::CanBeSeen() noexcept {
 
 LONG CALLBACK ThrownErrors::Look(EXCEPTION_POINTERS* exception) {
     const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
-    if (record.ExceptionCode == gccThrow && record.NumberParameters > 0 && active_ != nullptr &&
+    if (record.ExceptionCode == kGccThrow && record.NumberParameters > 0 && active_ != nullptr &&
         active_->thread_ == GetCurrentThreadId()) {
         const auto* const header =
             reinterpret_cast<const _Unwind_Exception*>(record.ExceptionInformation[0]);
         const auto* const type = *reinterpret_cast<const std::type_info* const*>(
-            reinterpret_cast<const std::byte*>(header) - recordSize);
+            reinterpret_cast<const std::byte*>(header) - kRecordSize);
         if (LiesIn(type, active_->image_)) {
             active_->Note(Describe(*type, header + 1));
         }

@@ -15,7 +15,7 @@ using Reply = std::map<std::string, std::string>;
 
 /// Calls whose failure the module passes over: it goes on with what it knew before, so the request
 /// may end well and yet otherwise than without the failure.
-constexpr std::string_view silent[] = {
+constexpr std::string_view kSilent[] = {
     "Get",                        // a property that cannot be read keeps its value
     "LsaQueryInformationPolicy",  // a policy that tells nothing belongs to no member
     "NetWkstaGetInfo",            // the workgroup stays unknown
@@ -26,7 +26,7 @@ constexpr std::string_view silent[] = {
 };
 
 bool IsSilent(const machine::TraceEntry& call) {
-    return !call.injected || std::ranges::find(silent, call.function) != std::end(silent);
+    return !call.injected || std::ranges::find(kSilent, call.function) != std::end(kSilent);
 }
 
 std::string LastLine(const requests::RunResult& run, std::size_t fromEnd) {

@@ -18,7 +18,7 @@
 namespace sweep {
 namespace {
 
-constexpr std::uint64_t recoverEach = 5;  // points
+constexpr std::uint64_t kRecoverEach = 5;  // points
 
 struct Outcome {
     Ending ending;
@@ -88,7 +88,7 @@ protected:
              stays_ ? Sample(clean.calls, 4, 15) : Sample(clean.calls, 15, 60)) {
             const std::string name = "call:" + std::to_string(point) + (stays_ ? "+" : "");
             NotePoint(subject_.name + ", " + name);
-            const bool recover = ++tried % recoverEach == 0;
+            const bool recover = ++tried % kRecoverEach == 0;
             const Outcome outcome =
                 Try(subject_, machine::FaultPlan::FailCall(point, stays_), recover);
             if (outcome.fired == 0 && point > outcome.calls) {

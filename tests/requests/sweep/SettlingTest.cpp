@@ -26,7 +26,7 @@
 namespace sweep {
 namespace {
 
-constexpr int mostRequests = 8;
+constexpr int kMostRequests = 8;
 
 /// Makes of a plain adapter one of a laptop, of a guest or of a server, now and then.
 void Disturb(machine::Adapter& adapter, check_tests::RandomFile& random) {
@@ -79,7 +79,7 @@ machine::State PlainMachine(check_tests::RandomFile& random) {
     state.system.comSecuritySet = random.Below(5) == 0;
     state.domains[0].reachable = random.Below(10) != 0;
     if (random.Below(10) == 0) {
-        state.system.libCrypto = machine::CryptoLibrary::Absent;
+        state.system.libCrypto = machine::CryptoLibrary::kAbsent;
     }
     machine::model::PersistGateways(state);
     return state;
@@ -193,7 +193,7 @@ void Check(const requests::RunResult& run, const Subject& subject, Trial& trial)
 Course Follow(const Subject& subject, Trial& trial, Figures& figures) {
     Course course;
     int quiet = 0;
-    for (int request = 0; request < mostRequests && quiet < 2; ++request) {
+    for (int request = 0; request < kMostRequests && quiet < 2; ++request) {
         const machine::State before = trial.Machine().GetState();
         const requests::RunResult run = trial.Run();
         Check(run, subject, trial);

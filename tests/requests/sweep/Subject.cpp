@@ -16,13 +16,13 @@ namespace sweep {
 
 namespace {
 
-constexpr const char* examples[] = {"static-workstation", "dhcp-laptop",    "two-adapter-server",
-                                    "domain-join",        "workgroup-move", "ou-move"};
+constexpr const char* kExamples[] = {"static-workstation", "dhcp-laptop",    "two-adapter-server",
+                                     "domain-join",        "workgroup-move", "ou-move"};
 // What the examples leave out: leaving a domain, a move that the directory refuses, deleted routes,
 // an older file beside the program, a refused request.
-constexpr const char* cases[] = {"leave-the-domain", "move-without-the-right",
-                                 "routes-are-made-equal", "file-replaces-older-one",
-                                 "more-sections-than-adapters"};
+constexpr const char* kCases[] = {"leave-the-domain", "move-without-the-right",
+                                  "routes-are-made-equal", "file-replaces-older-one",
+                                  "more-sections-than-adapters"};
 
 Subject LoadExample(const std::string& name) {
     const auto stem = std::filesystem::path(TOOLBOX_SOURCE_DIR) / "examples" / name;
@@ -42,7 +42,7 @@ Subject LoadCase(const std::string& name) {
 /// The thread's record that the first error makes and that stays until the module is unloaded: what
 /// is left behind a request that throws an error and touches nothing.
 const std::vector<std::string>& KeptByTheRuntime() {
-    static const std::vector<std::string> kept = [] {
+    static const std::vector<std::string> kKept = [] {
         const requests::AgentFolder agent;
         const requests::PresentedFile file(agent, "two-ends.ini", "[TCP/IP]\n[NicEntry]\n");
         machine::Simulation simulation{machine::State()};
@@ -55,7 +55,7 @@ const std::vector<std::string>& KeptByTheRuntime() {
         }
         return heap->Outstanding();
     }();
-    return kept;
+    return kKept;
 }
 
 /// The subject of each request in turn.
@@ -87,10 +87,10 @@ requests::PresentedFile MakeFile(const Subject& subject, const requests::AgentFo
 
 std::vector<Subject> ListSubjects() {
     std::vector<Subject> subjects;
-    for (const char* const name : examples) {
+    for (const char* const name : kExamples) {
         AddPasses(LoadExample(name), subjects);
     }
-    for (const char* const name : cases) {
+    for (const char* const name : kCases) {
         AddPasses(LoadCase(name), subjects);
     }
     return subjects;

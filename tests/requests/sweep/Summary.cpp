@@ -37,7 +37,7 @@ public:
     }
 };
 
-const testing::Environment* const printer = testing::AddGlobalTestEnvironment(new Printer);
+const testing::Environment* const kPrinter = testing::AddGlobalTestEnvironment(new Printer);
 
 }  // namespace
 
