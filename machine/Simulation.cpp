@@ -143,7 +143,7 @@ void Simulation::Settle() {
 }
 
 void Simulation::Restart() {
-    Call call(*core_, "restart of the machine", {}, Failing::kkNever);
+    Call call(*core_, "restart of the machine", {}, Failing::kNever);
     core_->clock += kRestartTakes;
     ApplyRestart(core_->state);
     core_->comSecuritySet = core_->state.system.comSecuritySet;

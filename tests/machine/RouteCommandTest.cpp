@@ -43,7 +43,7 @@ TEST(RouteCommand, AddsAndDeletesOrFails) {
     for (const Case& one : cases) {
         SCOPED_TRACE(one.commandLine);
         State state;
-        state.routes = present;
+        state.routes = kPresent;
         state.system.versions.refusedRoute = 1;
         const RouteOutcome outcome = RunRoute(Split(one.commandLine, ' '), state);
         EXPECT_EQ(outcome.exitCode, one.exitCode);
