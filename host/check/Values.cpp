@@ -55,14 +55,15 @@ bool IsWholeNumber(std::string_view text) {
 std::optional<ValueFault> CheckAddress(AddressRole role, std::string_view text) {
     const std::optional<std::uint32_t> address = ReadAddress(text);
     if (!address) {
-        return Error("bad-address", Quoted(text) +
-                                        " is no IPv4 address: the module looks it up as a host's "
-                                        "name and gives the file up where there is none");
+        return Error("bad-address",
+                     Quoted(text) +
+                         " is not an IPv4 address: the module looks it up as a host's "
+                         "name and gives the file up where there is none");
     }
     if (*address == kNoAddress && text != "255.255.255.255") {
         return Error("bad-address",
                      (text.empty() ? std::string("an empty item") : Quoted(text)) +
-                         " is no IPv4 address: the module makes 255.255.255.255 of it" +
+                         " is not an IPv4 address: the module makes 255.255.255.255 of it" +
                          (text.starts_with(' ') ? " for the blank in front of it" : ""));
     }
     if (!IsTaken(role, *address)) {
@@ -94,18 +95,20 @@ std::optional<ValueFault> CheckComputerName(std::string_view name) {
                                      "module finds another name and renames on every request");
     }
     if (!model::IsHostName(name)) {
-        return Error("bad-name", Quoted(name) +
-                                     " is no computer name: letters, digits and inner hyphens, not "
-                                     "digits alone; Windows refuses it");
+        return Error("bad-name",
+                     Quoted(name) +
+                         " is not a valid computer name: letters, digits and inner hyphens, not "
+                         "digits alone; Windows refuses it");
     }
     return std::nullopt;
 }
 
 std::optional<ValueFault> CheckWorkgroupName(std::string_view name) {
     if (!model::IsNetBiosName(name)) {
-        return Error("bad-name", Quoted(name) +
-                                     " is no workgroup name: at most 15 characters, none of "
-                                     "\"/\\[]:|<>+=;,?*; Windows refuses it");
+        return Error("bad-name",
+                     Quoted(name) +
+                         " is not a valid workgroup name: at most 15 characters, none of "
+                         "\"/\\[]:|<>+=;,?*; Windows refuses it");
     }
     return std::nullopt;
 }
@@ -113,7 +116,7 @@ std::optional<ValueFault> CheckWorkgroupName(std::string_view name) {
 std::optional<ValueFault> CheckDomainName(std::string_view name) {
     if (!model::IsDomainName(name)) {
         return Error("bad-name",
-                     Quoted(name) + " is no domain name: there is no such domain to join");
+                     Quoted(name) + " is not a valid domain name: there is no such domain to join");
     }
     return std::nullopt;
 }
@@ -142,7 +145,7 @@ std::optional<ValueFault> CheckSuffix(std::string_view suffix) {
     if (!model::IsSuffix(suffix)) {
         return Error("bad-suffix",
                      (suffix.empty() ? std::string("an empty item") : Quoted(suffix)) +
-                         " is no DNS suffix: Windows refuses it");
+                         " is not a DNS suffix: Windows refuses it");
     }
     return std::nullopt;
 }

@@ -9,7 +9,7 @@
 
 namespace host::check {
 
-/// What is wrong with one value: "\"10.0.0.256\" is no IPv4 address".
+/// What is wrong with one value: "\"10.0.0.256\" is not an IPv4 address".
 struct ValueFault {
     Severity severity;
     const char* code;

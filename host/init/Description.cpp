@@ -60,7 +60,7 @@ std::string TakeStatic(const machine::Adapter& wanted, const machine::Adapter& p
                        AdapterDescription& description) {
     TakeAddresses(wanted, description);
     if (description.addresses.empty()) {
-        return "its first address is no IPv4 address with a mask";
+        return "its first address is not an IPv4 address with a mask";
     }
     const Texts gateways = wanted.gateways.value_or(Texts());
     if (AreAddresses(gateways)) {
@@ -68,7 +68,7 @@ std::string TakeStatic(const machine::Adapter& wanted, const machine::Adapter& p
         return {};
     }
     if (!gateways.empty()) {
-        return "a gateway of it is no IPv4 address: " + ListText(gateways);
+        return "a gateway of it is not an IPv4 address: " + ListText(gateways);
     }
     const Texts others = present.gateways.value_or(Texts());
     if (UsesDhcp(present) || !AreAddresses(others)) {

@@ -44,15 +44,16 @@ TEST(CheckCommand, EachFindingShowsItsLineAndPlace) {
     const ScratchFolder scratch;
     const std::string file = scratch.Write("100%n.ini", kError + "Colour=red\n");
     const Outcome outcome = RunHost({"check", file});
-    EXPECT_EQ(outcome.data,
-              "100%n.ini:2:15: error: \"PC 1\" is no computer name: letters, digits and inner "
-              "hyphens, not digits alone; Windows refuses it\n"
-              "  2 | \tComputerName=PC 1\n"
-              "    | \t             ^~~~\n"
-              "100%n.ini:3:1: warning: the module ignores the key \"Colour\"\n"
-              "  3 | Colour=red\n"
-              "    | ^~~~~~\n"
-              "100%n.ini: 1 error, 1 warning\n");
+    EXPECT_EQ(
+        outcome.data,
+        "100%n.ini:2:15: error: \"PC 1\" is not a valid computer name: letters, digits and inner "
+        "hyphens, not digits alone; Windows refuses it\n"
+        "  2 | \tComputerName=PC 1\n"
+        "    | \t             ^~~~\n"
+        "100%n.ini:3:1: warning: the module ignores the key \"Colour\"\n"
+        "  3 | Colour=red\n"
+        "    | ^~~~~~\n"
+        "100%n.ini: 1 error, 1 warning\n");
     EXPECT_THAT(outcome.notes, IsEmpty());
     EXPECT_EQ(RunHost({"check", scratch.Write("good.ini", kGood)}).data, "good.ini: no faults\n");
 
