@@ -184,7 +184,7 @@ void ReadNames(Reader& reader, machine::Adapter& adapter) {
         reader.ReadIfThere(
             Of(adapter,
                "NameServer of HKEY_LOCAL_MACHINE\\" + sys::InterfaceKey(*adapter.settingId)),
-            [&] { adapter.staticDns = SplitList(sys::readNameServer(*adapter.settingId)); });
+            [&] { adapter.staticDns = SplitList(sys::ReadNameServer(*adapter.settingId)); });
     }
 }
 
@@ -258,11 +258,11 @@ void ReadAdapters(Reader& reader, machine::State& state) {
 void ReadSuffixes(Reader& reader, machine::State& state) {
     const std::string own = machine::model::kParametersKey;
     reader.ReadIfThere("SearchList of HKEY_LOCAL_MACHINE\\" + own, [&] {
-        state.dnsSuffixes = SplitList(sys::readLocalMachineText(own, "SearchList"));
+        state.dnsSuffixes = SplitList(sys::ReadLocalMachineText(own, "SearchList"));
     });
     const std::string policy = machine::model::kDnsPolicyKey;
     reader.ReadIfThere("SearchList of HKEY_LOCAL_MACHINE\\" + policy, [&] {
-        const std::string list = sys::readLocalMachineText(policy, "SearchList");
+        const std::string list = sys::ReadLocalMachineText(policy, "SearchList");
         state.registry.push_back({policy, {machine::RegistryValue::Text("SearchList", list)}});
     });
 }
