@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "host/configure/MachineFiles.h"
 #include "host/configure/Passes.h"
 #include "host/configure/Report.h"
+#include "host/undo/Undo.h"
 #include "machine/State.h"
 
 namespace host::configure {
@@ -36,6 +38,7 @@ struct ConfigureOptions {
     std::vector<std::string> faults;
     std::string traceFile;
     std::string saveFile;
+    std::string undoFile;
     bool withPasswords = false;
 };
 
@@ -70,6 +73,12 @@ void CheckFiles(const CommonOptions& common, const ConfigureOptions& options) {
         {configuration, machine, module, {"what --save-machine writes", options.saveFile}});
     // A machine file may become what its run makes of it.
     RefuseToOverwrite({"--save-machine", options.saveFile}, {configuration, module});
+    RefuseToOverwrite({"--undo-file", options.undoFile},
+                      {configuration,
+                       machine,
+                       module,
+                       {"what --save-machine writes", options.saveFile},
+                       {"what --trace writes", options.traceFile}});
 }
 
 bool HasAccounts(const machine::State& machine) {
@@ -99,6 +108,31 @@ int ExitCodeOf(const Outcome& outcome, const ConfigureOptions& options) {
     return story.fileKept ? kRestartNeeded : story.stoppedForRestart ? kFailure : kDone;
 }
 
+/// Who may be cut off by the change.
+std::vector<std::string> Warnings(const std::vector<std::string>& lockOuts,
+                                  const ConfigureOptions& options) {
+    std::vector<std::string> lines;
+    for (const std::string& lockOut : lockOuts) {
+        lines.push_back("Warning: the agent may lose its connection here: " + lockOut + ".");
+    }
+    if (!lockOuts.empty()) {
+        lines.push_back(options.undoFile.empty()
+                            ? "  --undo-file FILE writes the file that leads back."
+                            : "  " + options.undoFile + " leads back.");
+    }
+    return lines;
+}
+
+std::vector<std::string> WayBack(const undo::Undo& undo, const std::string& file) {
+    std::vector<std::string> lines = {
+        "Undo: wrote " + file +
+        (undo.byHand.empty() ? ", which leads back." : ", which leads back but for, by hand:")};
+    for (const std::string& line : undo.byHand) {
+        lines.push_back("  " + line);
+    }
+    return lines;
+}
+
 int Configure(const CommonOptions& common, const ConfigureOptions& options, Output& output) {
     CheckCombination(options);
     CheckFiles(common, options);
@@ -114,14 +148,19 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
         faults,        [&output](const std::string& text) { output.Progress(text); }};
     // Before the run, which may take the file away.
     check::CheckedFile checked = check::CheckFile(input.Path());
-    Outcome outcome;
-    if (options.machine.thisMachine && !options.plan) {
-        outcome = RunHere(request);
-    } else {
-        const machine::State machine = options.machine.Read(output);
-        check::CheckOnMachine(checked.file, machine, checked.findings);
-        outcome = RunPasses(request, machine);
+    const bool here = options.machine.thisMachine && !options.plan;
+    const bool undoes = !options.undoFile.empty();
+    const machine::State machine =
+        here && !undoes ? machine::State() : options.machine.Read(output);
+    std::optional<undo::Undo> undo;
+    if (undoes) {
+        undo = undo::MakeUndo(request, machine);
+        WriteWholeFile(options.undoFile, undo->text);
     }
+    if (!here) {
+        check::CheckOnMachine(checked.file, machine, checked.findings);
+    }
+    const Outcome outcome = here ? RunHere(request) : RunPasses(request, machine);
     output.Progress({});
     if (!options.traceFile.empty()) {
         WriteTrace(outcome.trace, options.traceFile);
@@ -139,14 +178,22 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     }
     const std::string machineName = options.machine.Name();
     output.Document() = ToJson(outcome, checked, input.Name(), machineName);
+    const std::vector<std::string> lockOuts = undo::ListLockOuts(
+        outcome.passes.front().run.before, undo ? undo->foreseen : outcome.machine);
     PrintReport(
         outcome,
         {input.Name(), machineName, options.machine.thisMachine, options.plan, options.untilDone,
          options.summary   ? Extent::kSummary
          : options.details ? Extent::kDetails
                            : Extent::kUsual,
-         checked},
+         checked, Warnings(lockOuts, options),
+         undo ? WayBack(*undo, options.undoFile) : std::vector<std::string>()},
         output);
+    output.Document()["lockOuts"] = ToJson(lockOuts);
+    if (undo) {
+        output.Document()["undo"] = {{"file", ToUtf8(options.undoFile)},
+                                     {"byHand", ToJson(undo->byHand)}};
+    }
     if (options.log) {
         for (const Pass& pass : outcome.passes) {
             for (const Mark& mark : pass.run.log) {
@@ -187,6 +234,11 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
     command
         ->add_option("--trace", options->traceFile,
                      "Write every platform call as JSON lines; as a timeline to *.trace.json")
+        ->type_name("FILE")
+        ->check(NotEmpty());
+    command
+        ->add_option("--undo-file", options->undoFile,
+                     "Write the configuration file that leads back, before anything changes")
         ->type_name("FILE")
         ->check(NotEmpty());
     CLI::Option* const save = command

@@ -188,4 +188,8 @@ Json ToJson(const Outcome& outcome, const check::CheckedFile& checked, const std
     return json;
 }
 
+Json ToJson(const std::vector<std::string>& texts) {
+    return List(texts);
+}
+
 }  // namespace host::configure

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "host/check/FileCheck.h"
 #include "host/configure/Passes.h"
@@ -12,5 +13,8 @@ namespace host::configure {
 /// The same object for a plan and for a run. All texts are UTF-8.
 nlohmann::ordered_json ToJson(const Outcome& outcome, const check::CheckedFile& checked,
                               const std::string& file, const std::string& machine);
+
+/// A list of texts of the system code page.
+nlohmann::ordered_json ToJson(const std::vector<std::string>& texts);
 
 }  // namespace host::configure

@@ -291,6 +291,12 @@ void PrintReport(const Outcome& outcome, const ReportOptions& options, Output& o
     if (options.untilDone) {
         PrintSettled(outcome, output);
     }
+    for (const std::string& line : options.warnings) {
+        output.Line(line, Tone::kBad);
+    }
+    for (const std::string& line : options.wayBack) {
+        output.Line(line);
+    }
     output.Line(NextStep(outcome, options));
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/Output.h"
 #include "host/check/FileCheck.h"
@@ -20,6 +21,8 @@ struct ReportOptions {
     bool untilDone = false;
     Extent extent = Extent::kUsual;
     const check::CheckedFile& checked;
+    std::vector<std::string> warnings;
+    std::vector<std::string> wayBack;  ///< what leads back, and what does not come back with it
 };
 
 /// Prints every pass, what a restart brings and what to do next as lines of data.

@@ -85,16 +85,17 @@ void TakeServers(const machine::Adapter& wanted, const machine::Adapter& present
                  AdapterDescription& description) {
     const Texts servers = wanted.dnsServers.value_or(Texts());
     const bool byHand = !UsesDhcp(wanted) || !wanted.staticDns.empty();
+    const bool givenBack = !byHand && !present.staticDns.empty();
     const bool passedOver = std::ranges::find(servers, "0.0.0.0") != servers.end();
-    if (byHand && AreAddresses(servers) && !passedOver) {
+    if ((byHand || givenBack) && AreAddresses(servers) && !passedOver) {
         description.servers = servers;
-        return;
+    } else {
+        description.presentServers = present.dnsServers.value_or(Texts());
     }
-    description.presentServers = servers;
-    if (wanted.staticDns != present.staticDns) {
+    if (givenBack || (description.servers.empty() && wanted.staticDns != present.staticDns)) {
         description.remarks.push_back(
-            "By hand: empty the list of DNS servers. A file can change it and not empty it, nor "
-            "hand it back to DHCP.");
+            "By hand: empty the list of DNS servers. A file can change it, and neither empty it "
+            "nor hand it back to DHCP.");
     }
 }
 
@@ -180,9 +181,12 @@ void DescribeSuffixes(const machine::State& wanted, const machine::State& presen
         description.suffixes = wantedSuffixes;
     } else if (CanBeList(presentSuffixes)) {
         description.suffixes = presentSuffixes;
-        description.suffixRemarks.push_back("By hand: make the machine's suffix list " +
-                                            ListText(wantedSuffixes) +
-                                            ". No file can; these are those that it has.");
+        description.suffixRemarks.push_back(
+            "By hand: " +
+            (wantedSuffixes.empty()
+                 ? "empty the machine's suffix list"
+                 : "make the machine's suffix list " + ListText(wantedSuffixes)) +
+            ". No file can; these are those that it has.");
     } else {
         description.suffixRemarks.push_back(
             "The machine's suffix list is " +

@@ -47,6 +47,7 @@ TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
         {{rename_, "--save-machine", ""}, 64, "--save-machine: it is empty"},
         {{rename_, "--plan", "--trace", "./RENAME.INI"}, 64, "overwrite the configuration file"},
         {{rename_, "--save-machine", full_}, 64, "overwrite the configuration file"},
+        {{rename_, "--plan", "--undo-file", full_}, 64, "overwrite the configuration file"},
         {{rename_, "--machine", badMachine, "--trace", badMachine}, 64, "overwrite the machine"},
         {{rename_, "--save-machine", "x", "--trace", "./x"}, 64, "what --save-machine writes"},
         {{rename_, "--machine", "missing.json"}, 65, "cannot read missing.json: "},

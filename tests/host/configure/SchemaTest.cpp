@@ -44,6 +44,7 @@ TEST(ConfigureJson, ExitCodesTellTheOutcomesApart) {
         {{notAnAddress}, 65},
         {{odd, "--plan"}, 2},
         {{server + ".ini", "--machine", server + ".json"}, 0},
+        {{server + ".ini", "--machine", server + ".json", "--undo-file", "back.ini"}, 0},
         {{server + ".ini", "--machine", server + ".json", "--fail", "EnableStatic=84"}, 1},
         {{server + ".ini", "--machine", server + ".json", "--fail", "call:30,MoveHere"}, 1},
         {{server + ".ini", "--machine", server + ".json", "--fail", "MoveFileA"}, 1},

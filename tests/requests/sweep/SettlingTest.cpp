@@ -13,6 +13,7 @@
 #include "host/check/FileCheck.h"
 #include "host/check/MachineCheck.h"
 #include "host/init/MachineInFile.h"
+#include "host/undo/Undo.h"
 #include "machine/Actions.h"
 #include "machine/MachineFile.h"
 #include "machine/model/RegistryView.h"
@@ -22,6 +23,7 @@
 #include "tests/requests/sweep/Subject.h"
 #include "tests/requests/sweep/Summary.h"
 #include "tests/support/Sample.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace sweep {
 namespace {
@@ -190,7 +192,9 @@ void Check(const requests::RunResult& run, const Subject& subject, Trial& trial)
     EXPECT_EQ(trial.File().WhereIsIt(), isReboot ? "kept" : "put away");
 }
 
-Course Follow(const Subject& subject, Trial& trial, Figures& figures) {
+/// `left` is the machine behind it all.
+Course Follow(const Subject& subject, machine::State& left, Figures& figures) {
+    Trial trial(subject);
     Course course;
     int quiet = 0;
     for (int request = 0; request < kMostRequests && quiet < 2; ++request) {
@@ -207,19 +211,56 @@ Course Follow(const Subject& subject, Trial& trial, Figures& figures) {
         trial.Machine().Restart();
     }
     course.settled = quiet == 2;
+    left = trial.Machine().GetState();
     return course;
+}
+
+machine::State Restarted(machine::State machine) {
+    machine::ApplyRestart(machine);
+    return machine;
+}
+
+/// What leads back, made before the run, brings back everything but what it names.
+void LeadBack(const host::undo::Undo& undo, const machine::State& before,
+              const machine::State& settled, Figures& figures) {
+    EXPECT_EQ(undo.foreseen, settled);
+    const support::ScratchFolder files;
+    EXPECT_EQ(host::check::CheckFile(files.Write("back.ini", undo.text)).findings.Errors(), 0U);
+    Figures unused;
+    machine::State back;
+    const Course course = Follow({"undone", undo.text, std::nullopt, settled}, back, unused);
+    EXPECT_EQ(course.caught, "");
+    EXPECT_TRUE(course.settled);
+    const machine::State wanted = Restarted(before);
+    EXPECT_EQ(host::undo::ListLeft(back, wanted), undo.byHand);
+    for (const std::string& line : undo.byHand) {
+        EXPECT_NE(undo.text.find("; " + line.substr(0, 60)), std::string::npos) << line;
+    }
+    ++figures["undone"];
+    figures["undone without a hand"] += settled != wanted && undo.byHand.empty();
 }
 
 TEST(Settling, RandomConfigurationsOnRandomMachines) {
     const std::uint64_t pairs = support::SampleOf(50, 400, 400);
     check_tests::RandomFile random(1, 40);
     Figures& figures = FiguresOf("random configurations on random machines");
+    const std::uint64_t ledBack = support::SampleOf(50, 200, 400);
+    const support::ScratchFolder files;
     for (std::uint64_t pair = 0; pair < pairs && !HasFailure(); ++pair) {
         NotePoint("pair " + std::to_string(pair));
         const Subject subject{"random", random.Make(), std::nullopt, RandomMachine(random)};
-        Trial trial(subject);
-        const Forecast forecast = Foresee(subject, trial.File().Present());
-        const Course course = Follow(subject, trial, figures);
+        const std::string file = files.Write("random.ini", subject.text);
+        const Forecast forecast = Foresee(subject, file);
+        const host::undo::Undo undo = host::undo::MakeUndo(
+            {host::Module::DefaultPath(), file, file, false, {}, {}, 0}, subject.machine);
+        machine::State left;
+        const Course course = Follow(subject, left, figures);
+        // A file that is quiet about restarts is put away before all of it is done, and is not for
+        // sending again, as here.
+        const bool quiet = subject.text.find("RebootAfterConfig=false") != std::string::npos;
+        if (course.settled && course.caught.empty() && !quiet && pair < ledBack) {
+            LeadBack(undo, subject.machine, left, figures);
+        }
         ++figures["pairs"];
         figures["without an error in the file"] += forecast.hasErrors ? 0 : 1;
         figures["that never settle"] += course.settled ? 0 : 1;
@@ -230,13 +271,13 @@ TEST(Settling, RandomConfigurationsOnRandomMachines) {
                 << course.caught;
         }
         if (HasFailure()) {
-            std::printf("%s\n%s\n", subject.text.c_str(),
+            std::printf("%s\n%s\n%s\n", subject.text.c_str(), undo.text.c_str(),
                         machine::FormatState(subject.machine).c_str());
         }
     }
     EXPECT_GE(3 * figures["without an error in the file"], 2 * pairs);
-    for (const char* const reached :
-         {"joins", "leaves", "renames", "moves", "routes", "static addresses", "restarts"}) {
+    for (const char* const reached : {"joins", "leaves", "renames", "moves", "routes",
+                                      "static addresses", "restarts", "undone without a hand"}) {
         EXPECT_GT(figures[reached], 0U) << reached;
     }
 }
@@ -281,7 +322,7 @@ void AddOddities(machine::State& state, check_tests::RandomFile& random) {
 }
 
 TEST(Describing, WhatDescribesARandomMachineChangesNothingOnIt) {
-    const std::uint64_t machines = support::SampleOf(40, 400, 400);
+    const std::uint64_t machines = support::SampleOf(40, 200, 400);
     check_tests::RandomFile random(30'000, 40);
     Figures& figures = FiguresOf("files that describe random machines");
     for (std::uint64_t i = 0; i < machines && !HasFailure(); ++i) {
