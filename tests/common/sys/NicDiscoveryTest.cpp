@@ -143,7 +143,8 @@ TEST_F(Discovery, KeepsTheMachinesOrderAndLittleOfWhatIsNotPci) {
     machine.state.adapters = {bare, native::PciAdapter(3, 1), nameless, native::PciAdapter(1, 4)};
     machine.state.routes = {{"10.0.0.0", "255.0.0.0", "10.1.1.1", 5}};
     const std::string rest =
-        " 0.0.0.0 0.0.0.0 [|]\nroute 10.0.0.0 255.0.0.0 10.1.1.1 5\ngateways\ndns\n";
+        " 0.0.0.0 0.0.0.0 [|]\nroute 10.0.0.0 255.0.0.0 10.1.1.1 5\ngateways\ndns\n"
+        "suffix corp.example\n";
     EXPECT_EQ(
         Discovered(),
         "list\nadapter 12 0 0 at 0/0/0 [|||]\nadapter 3 pci 8086 100 at 1/0/0 [|||]\nip" + rest +

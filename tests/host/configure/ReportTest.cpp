@@ -91,7 +91,7 @@ TEST_F(Report, DetailsAddTheCallsAndWhatNoSettingTells) {
         "[TCP/IP]\nDescription=x\nDHCP=true\nDNS-Server-Count=0\n"
         "DNS-SuffixSearchOrder=corp.example,example\nStatic-Route-Count=-1\n";
     const std::string end = R"(Plan: 2 changes, 2 left alone. No restart.
-Warning: the agent may lose its connection here: PCI 3/0/0 "Ethernet 2" (index 7): address 10.0.0.20/255.255.255.0 -> 10.0.0.77/255.0.0.0, gateway 10.0.0.254 -> none.
+Warning: the agent may lose its connection here: PCI 3/0/0 "Ethernet 2" (index 7): address 10.0.0.20/255.255.255.0 -> 10.0.0.77/255.0.0.0.
   --undo-file FILE writes the file that leads back.
 Next: run it without --plan to make the changes.
 )";
