@@ -94,7 +94,7 @@ std::uint32_t Refusal(State& state, const Adapter& adapter) {
     const std::uint32_t refusal = Refusal(state);
     // Seen in two projects: 84 where IPEnabled is false.
     return refusal == kSucceeded && !HasIp(adapter) ? static_cast<std::uint32_t>(kIpNotEnabled)
-                                                   : refusal;
+                                                    : refusal;
 }
 
 }  // namespace
@@ -178,7 +178,8 @@ std::uint32_t EnableStatic(State& state, Adapter& adapter, const TextList& addre
     ReplaceAddresses(adapter, addresses, masks);
     // Documented in the method's remarks, seen once: 81 on an adapter that is static already, yet
     // the address is set.
-    return wasStatic ? state.system.versions.staticOnStatic : static_cast<std::uint32_t>(kSucceeded);
+    return wasStatic ? state.system.versions.staticOnStatic
+                     : static_cast<std::uint32_t>(kSucceeded);
 }
 
 std::uint32_t SetGateways(State& state, Adapter& adapter, const TextList& gateways) {

@@ -218,7 +218,8 @@ TEST(CheckFindings, Addressing) {
          Adapter(Static("10.0.0.256,host, 10.0.0.1,,",
                         "255.0.0.0,1,255.0.255.0,0.0.0.0,255.255.255.255", "")),
          "E 4:9 bad-address, E 4:20 bad-address, E 4:25 bad-address, E 4:35 bad-address, "
-         "E 4:36 bad-address, E 5:19 bad-mask, E 5:21 bad-mask, E 5:33 bad-mask, E 5:41 bad-mask, E 6:9 "
+         "E 4:36 bad-address, E 5:19 bad-mask, E 5:21 bad-mask, E 5:33 bad-mask, E 5:41 bad-mask, "
+         "E 6:9 "
          "bad-address"},
         {"addresses of no host",
          Adapter(

@@ -56,7 +56,8 @@ machine::State LoadCaseMachine(const std::filesystem::path& file);
 machine::State LoadBaseMachine(const std::string& name);
 
 /// What differs between two machines: {"/adapters/0/gateways": new value}. Lists of as many objects
-/// are compared one by one, other lists as a whole. A route is a text: "10.0.0.0 255.0.0.0 10.1.1.1 5".
+/// are compared one by one, other lists as a whole. A route is a text: "10.0.0.0 255.0.0.0 10.1.1.1
+/// 5".
 Json ListChanges(const machine::State& before, const machine::State& after);
 
 }  // namespace cases

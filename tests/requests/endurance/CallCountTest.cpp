@@ -119,7 +119,8 @@ TEST(CallCount, IsWhatARequestNeeds) {
         // Addresses, gateways, servers, suffixes: a query and a method each. On DHCP the addresses
         // need no look.
         {"dhcp-to-static", 1,
-         "DHCPEnabled asked 1, DNSServerSearchOrder asked 2, DefaultIPGateway asked 1, ExecMethod 4, "
+         "DHCPEnabled asked 1, DNSServerSearchOrder asked 2, DefaultIPGateway asked 1, ExecMethod "
+         "4, "
          "RegOpenKeyExA 4, Sleep 1, GetFileAttributesA 4"},
         // Settled; another file is replaced.
         {"dhcp-to-static", 2,
