@@ -26,7 +26,7 @@ struct DhcpLease {
 };
 
 // Where an adapter stands. Only a connected one has IP; what it had comes back when it is again.
-enum class Condition { Connected, Unplugged, Disabled, InTeam, BehindSwitch };
+enum class Condition { kConnected, kUnplugged, kDisabled, kInTeam, kBehindSwitch };
 
 struct Adapter {
     std::uint32_t index = 0;                 ///< WMI index, unique on the machine
@@ -38,7 +38,7 @@ struct Adapter {
     std::optional<std::string> manufacturer;
     std::optional<std::string> adapterType;
     std::optional<std::string> macAddress;
-    Condition condition = Condition::Connected;
+    Condition condition = Condition::kConnected;
     bool ipEnabled = true;  // whether TCP/IP is bound to it
     std::optional<bool> dhcpEnabled;
     std::optional<TextList> ipAddress;

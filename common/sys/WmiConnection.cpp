@@ -137,7 +137,7 @@ Result ForEachRow(const ScopedWmiComInit& connection, const WmiQuery& query,
         if (FAILED(next)) {
             throw MakeWmiError(query.failure, next);
         }
-        if (returned == 0 || !object) {
+        if (returned == 0 || object.Get() == nullptr) {
             return last;
         }
         ObjectRow row(*object.Get());
@@ -202,8 +202,9 @@ public:
         ComPtr<IWbemClassObject> inParameters;
         if (fill) {
             // A class that declares no in-parameters here is not the class this module knows.
-            Check(inDefinition ? inDefinition->SpawnInstance(0, inParameters.GetAddressOf())
-                               : static_cast<HRESULT>(WBEM_E_INVALID_METHOD_PARAMETERS));
+            Check(inDefinition.Get() != nullptr
+                      ? inDefinition->SpawnInstance(0, inParameters.GetAddressOf())
+                      : static_cast<HRESULT>(WBEM_E_INVALID_METHOD_PARAMETERS));
             ObjectParameters parameters(*inParameters.Get(), method_.failure);
             fill(parameters);
         }
@@ -217,7 +218,7 @@ private:
         ComPtr<IWbemClassObject> outParameters;
         Check(services_.ExecMethod(path.Get(), name.Get(), 0, nullptr, inParameters,
                                    outParameters.GetAddressOf(), nullptr));
-        Check(outParameters ? S_OK : static_cast<HRESULT>(WBEM_E_FAILED));
+        Check(outParameters.Get() != nullptr ? S_OK : static_cast<HRESULT>(WBEM_E_FAILED));
         Variant returnValue;
         Check(outParameters->Get(L"ReturnValue", 0, returnValue.Receive(), nullptr, nullptr));
         return IntegerOf(returnValue.Get());

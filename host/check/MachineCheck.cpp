@@ -27,15 +27,15 @@ bool IsPci(const Adapter& adapter) {
 
 const char* WhyWithoutIp(const Adapter& adapter) {
     switch (adapter.condition) {
-        case machine::Condition::Unplugged:
+        case machine::Condition::kUnplugged:
             return "is unplugged";
-        case machine::Condition::Disabled:
+        case machine::Condition::kDisabled:
             return "is disabled";
-        case machine::Condition::InTeam:
+        case machine::Condition::kInTeam:
             return "is in a team";
-        case machine::Condition::BehindSwitch:
+        case machine::Condition::kBehindSwitch:
             return "is behind a virtual switch";
-        case machine::Condition::Connected:
+        case machine::Condition::kConnected:
             break;
     }
     return "has no TCP/IP";
@@ -206,7 +206,7 @@ void MachineCheck::CheckStatic(const Setting& setting, const Adapter& adapter) {
         present.empty() || wanted.front().starts_with(present.front() + "/")) {
         return;
     }
-    const bool isCertain = machine_.system.versions.staticOnStatic == model::DhcpNotConfigured;
+    const bool isCertain = machine_.system.versions.staticOnStatic == model::kDhcpNotConfigured;
     Warn("static-on-static", setting,
          std::string(isCertain ? "on this" : "on some versions of") +
              " Windows EnableStatic answers 81 here although it sets the address; the module then "

@@ -133,7 +133,7 @@ bool IsTold(const Change& change, const std::vector<Row>& rows) {
         {"membership after the restart", {Kind::kDomain, Kind::kWorkgroup}},
         {"", {Kind::kRoutes}},
     };
-    const auto teller = std::ranges::find_if(
+    const auto* const teller = std::ranges::find_if(
         kTellers, [&change](const Teller& candidate) { return change.what == candidate.what; });
     return teller != std::end(kTellers) && std::ranges::any_of(rows, [&](const Row& row) {
                const bool isThere = change.where == row.adapter || change.where == "machine" ||

@@ -13,7 +13,7 @@ namespace host::configure {
 /// A line of its own below a setting: a route that goes, comes or stays, a call, a remark.
 struct SubLine {
     std::string text;
-    Tone tone;
+    Tone tone = {};
 };
 
 struct RowText {

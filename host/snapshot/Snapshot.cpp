@@ -224,13 +224,13 @@ void ReadUnusedAdapters(Reader& reader, machine::State& state) {
                 row.ReadText(L"PNPDeviceID", device);
                 if (device.starts_with("PCI") && FindAdapter(state, adapter.index) == nullptr) {
                     adapter.pnpDeviceId = device;
-                    adapter.condition = machine::Condition::Unplugged;
+                    adapter.condition = machine::Condition::kUnplugged;
                     state.adapters.push_back(adapter);
                 }
             });
     });
     for (machine::Adapter& adapter : state.adapters) {
-        if (adapter.condition == machine::Condition::Unplugged) {
+        if (adapter.condition == machine::Condition::kUnplugged) {
             ReadHardware(reader, adapter);
             reader.Say(Of(adapter,
                           "has no IP and is taken for unplugged; it may be disabled, in a "

@@ -27,11 +27,11 @@ constexpr std::array kCryptoLibraries = {
     Names<CryptoLibrary>{CryptoLibrary::kPresent, "present"},
     Names<CryptoLibrary>{CryptoLibrary::kAbsent, "absent"},
     Names<CryptoLibrary>{CryptoLibrary::kWithoutExport, "withoutExport"}};
-constexpr std::array kConditions = {Names<Condition>{Condition::Connected, "connected"},
-                                    Names<Condition>{Condition::Unplugged, "unplugged"},
-                                    Names<Condition>{Condition::Disabled, "disabled"},
-                                    Names<Condition>{Condition::InTeam, "inTeam"},
-                                    Names<Condition>{Condition::BehindSwitch, "behindSwitch"}};
+constexpr std::array kConditions = {Names<Condition>{Condition::kConnected, "connected"},
+                                    Names<Condition>{Condition::kUnplugged, "unplugged"},
+                                    Names<Condition>{Condition::kDisabled, "disabled"},
+                                    Names<Condition>{Condition::kInTeam, "inTeam"},
+                                    Names<Condition>{Condition::kBehindSwitch, "behindSwitch"}};
 
 constexpr const auto& NamesOf(CryptoLibrary /*type*/) {
     return kCryptoLibraries;

@@ -86,10 +86,10 @@ void ExpectOneOf(const Node& node, const std::string& name, std::uint32_t value,
 
 void Check(const Node& node, Versions& versions) {
     ExpectOneOf(node, "staticOnStatic", versions.staticOnStatic, model::kSucceeded,
-                model::DhcpNotConfigured);
+                model::kDhcpNotConfigured);
     ExpectOneOf(node, "refusedRoute", versions.refusedRoute, 0, 1);
-    ExpectOneOf(node, "notElevated", versions.notElevated, model::WbemAccessDenied,
-                model::AccessIsDenied);
+    ExpectOneOf(node, "notElevated", versions.notElevated, model::kWbemAccessDenied,
+                model::kAccessIsDenied);
 }
 
 void Check(const Node& node, State& state) {

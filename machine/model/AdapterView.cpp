@@ -22,7 +22,7 @@ bool HasIp(const Adapter& adapter) {
     // Platform knowledge: since Vista an adapter that is unplugged or disabled has IPEnabled false,
     // and so has a card below a team, a bridge or a virtual switch. Seen in one project: such an
     // adapter takes no settings.
-    return adapter.condition == Condition::Connected && adapter.ipEnabled;
+    return adapter.condition == Condition::kConnected && adapter.ipEnabled;
 }
 
 Adapter ShownAdapter(const Adapter& adapter) {
@@ -40,7 +40,7 @@ Adapter ShownAdapter(const Adapter& adapter) {
     shown.ipSubnet.reset();
     shown.gateways.reset();
     shown.dnsServers.reset();
-    if (adapter.condition != Condition::Connected) {
+    if (adapter.condition != Condition::kConnected) {
         shown.adapterType.reset();
     }
     return shown;

@@ -44,7 +44,7 @@ bool IsMask(std::uint32_t mask) {
 
 bool IsAdapterMask(std::uint32_t mask) {
     // A mask of 255.255.255.255 is refused with 66 (seen in public dumps).
-    return mask != 0 && ~mask != 0 && IsMask(mask);
+    return mask != 0 && mask != 0xFFFFFFFFU && IsMask(mask);
 }
 
 bool IsHost(std::uint32_t address) {

@@ -222,7 +222,7 @@ std::uint32_t MoveComputer(State& state, std::string_view destinationPath, const
         return kAccessDenied;
     }
     if (destination.domain != source.domain) {
-        return Referral;  // platform knowledge: to another domain
+        return kReferral;  // platform knowledge: to another domain
     }
     if (destination.computers == nullptr) {
         return kUnwillingToPerform;

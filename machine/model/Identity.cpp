@@ -19,7 +19,7 @@ std::uint32_t CheckCredentials(Domain* domain, const Credentials& credentials,
     // Platform knowledge: one account at a time may be connected to a server.
     if (domain->connectedAs &&
         (account == nullptr || !EqualNoCase(*domain->connectedAs, account->name))) {
-        return WrongSession;
+        return kWrongSession;
     }
     if (account == nullptr) {
         return kWrongCredentials;
@@ -44,7 +44,7 @@ std::uint32_t CreateComputer(Domain& domain, TextList& unit, Account& account,
                              const std::string& computer) {
     if (account.quota) {
         if (*account.quota == 0) {
-            return QuotaExceeded;  // documented; ten objects for each user by default
+            return kQuotaExceeded;  // documented; ten objects for each user by default
         }
         --*account.quota;
     }
@@ -59,10 +59,10 @@ std::uint32_t ProvideAccount(State& state, Domain& domain, Account& account,
                              bool create) {
     const auto existing = FindComputer(domain, computer);
     if (existing && !MayReuse(domain, account, computer)) {
-        return ReuseRefused;
+        return kReuseRefused;
     }
     if (!create) {
-        return existing ? kDone : NoAccountMapped;  // documented
+        return existing ? kDone : kNoAccountMapped;  // documented
     }
     Container unit{&domain, &domain.computers};
     if (!accountOu.empty() && (FindContainerByDn(state, accountOu, unit) != kDirectoryOk ||
@@ -143,7 +143,7 @@ std::uint32_t Join(State& state, const std::string& name, const Credentials& cre
         return kWrongOptions;
     }
     if (!state.system.workstationService) {
-        return NoWorkstationService;  // documented
+        return kNoWorkstationService;  // documented
     }
     if ((options & kJoinDomain) == 0) {
         return JoinWorkgroup(state, name);
@@ -174,7 +174,7 @@ std::uint32_t Join(State& state, const std::string& name, const Credentials& cre
 std::uint32_t Unjoin(State& state, const Credentials& credentials, std::uint32_t options) {
     const Membership& coming = ShownMembership(state);
     if (!state.system.workstationService) {
-        return NoWorkstationService;
+        return kNoWorkstationService;
     }
     if (!coming.member) {
         return kNotJoined;

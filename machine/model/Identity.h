@@ -17,19 +17,19 @@ enum IdentityCode : std::uint32_t {
     kUnitNotFound = 2,              ///< ERROR_FILE_NOT_FOUND: what a wrong AccountOU gives
     kNotAllowed = 5,                ///< ERROR_ACCESS_DENIED
     kWrongOptions = 87,             ///< ERROR_INVALID_PARAMETER
-    WrongSession = 1219,            // ERROR_SESSION_CREDENTIAL_CONFLICT
+    kWrongSession = 1219,           // ERROR_SESSION_CREDENTIAL_CONFLICT
     kInvalidComputerName = 1210,    ///< ERROR_INVALID_COMPUTERNAME
     kNoSuchComputerAccount = 1317,  ///< ERROR_NO_SUCH_USER
     kWrongCredentials = 1326,       ///< ERROR_LOGON_FAILURE
-    NoAccountMapped = 1332,         // ERROR_NONE_MAPPED
+    kNoAccountMapped = 1332,        // ERROR_NONE_MAPPED
     kNoSuchDomain = 1355,           ///< ERROR_NO_SUCH_DOMAIN
-    NoWorkstationService = 2138,    // NERR_WkstaNotStarted
+    kNoWorkstationService = 2138,   // NERR_WkstaNotStarted
     kAccountExists = 2224,          ///< NERR_UserExists
     kAlreadyJoined = 2691,          ///< NERR_SetupAlreadyJoined
     kNotJoined = 2692,              ///< NERR_SetupNotJoined
     kInvalidWorkgroup = 2695,       ///< NERR_InvalidWorkgroupName
-    ReuseRefused = 2732,            // NERR_AccountReuseBlockedByPolicy
-    QuotaExceeded = 8557,           // ERROR_DS_MACHINE_ACCOUNT_QUOTA_EXCEEDED
+    kReuseRefused = 2732,           // NERR_AccountReuseBlockedByPolicy
+    kQuotaExceeded = 8557,          // ERROR_DS_MACHINE_ACCOUNT_QUOTA_EXCEEDED
 };
 
 enum JoinOption : std::uint32_t {

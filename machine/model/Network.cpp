@@ -85,7 +85,7 @@ std::uint32_t Refusal(State& state) {
         // Documented: somebody else is changing the configuration. It passes; one project tries ten
         // times, a second apart.
         --state.system.lockedCalls;
-        return ConfigurationLocked;
+        return kConfigurationLocked;
     }
     return kSucceeded;
 }
@@ -187,7 +187,7 @@ std::uint32_t SetGateways(State& state, Adapter& adapter, const TextList& gatewa
         return refusal;
     }
     if (adapter.dhcpEnabled.value_or(false)) {
-        return NotSupported;  // documented: in static mode only
+        return kNotSupported;  // documented: in static mode only
     }
     if (gateways.size() > kMostGateways) {
         return kTooManyGateways;

@@ -11,18 +11,18 @@ namespace machine::model {
 
 enum NetworkCode : std::uint32_t {
     kSucceeded = 0,
-    NotSupported = 64,
+    kNotSupported = 64,
     kInvalidSubnetMask = 66,
     kInvalidInput = 68,
     kTooManyGateways = 69,
     kInvalidIpAddress = 70,
     kInvalidGateway = 71,
     kInvalidDomainName = 73,
-    DhcpNotConfigured = 81,
+    kDhcpNotConfigured = 81,
     kIpNotEnabled = 84,
-    AccessIsDenied = 91,
-    WbemAccessDenied = 0x80041003,     // WBEM_E_ACCESS_DENIED
-    ConfigurationLocked = 0x8004A024,  // NETCFG_E_NO_WRITE_LOCK
+    kAccessIsDenied = 91,
+    kWbemAccessDenied = 0x80041003,     // WBEM_E_ACCESS_DENIED
+    kConfigurationLocked = 0x8004A024,  // NETCFG_E_NO_WRITE_LOCK
 };
 
 /// Takes over what the DHCP server hands out; without a server the adapter gives itself an address.

@@ -32,7 +32,7 @@ State RichState() {
     };
     state.domains[0].reachable = false;
     state.hosts.push_back({"nowhere.example", {}});
-    state.adapters[1].condition = Condition::BehindSwitch;
+    state.adapters[1].condition = Condition::kBehindSwitch;
     state.adapters[0].leaseDueIn = 100;
     state.domains[0].joinAnswer = 58;
     state.domains[0].connectedAs = "visitor";

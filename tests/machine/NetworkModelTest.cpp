@@ -65,7 +65,7 @@ TEST(NetworkModel, TheStateOfTheMachineRefusesBeforeTheParametersDo) {
         EXPECT_EQ(SetGateways(state, adapter, {}), code);
         EXPECT_EQ(SetDnsServers(state, adapter, {}), code);
     };
-    adapter.condition = Condition::Unplugged;
+    adapter.condition = Condition::kUnplugged;
     expectOfAll(84);
     state.system.lockedCalls = 4;
     expectOfAll(2147786788);

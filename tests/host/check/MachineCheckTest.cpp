@@ -49,13 +49,13 @@ TEST(CheckOnMachine, WarnsOfEveryTrapWithItsPlaceAndRemedy) {
         {[](State&) {}, first + office + lab + noRoutes, ""},
         {[](State& state) { state.adapters.resize(1); }, first + office + lab + noRoutes,
          "8 too-few-adapters"},
-        {[](State& state) { state.adapters[0].condition = Condition::Unplugged; },
+        {[](State& state) { state.adapters[0].condition = Condition::kUnplugged; },
          first + office + lab + noRoutes,
          "2 shifted-adapter, 8 too-few-adapters",
          {"gets adapter 2 \"Ethernet 2\"", "adapter 1 \"Ethernet\" is unplugged"}},
         {[](State& state) {
              state.adapters[0].pnpDeviceId = "VMBUS\\{F8615163}";
-             state.adapters[1].condition = Condition::BehindSwitch;
+             state.adapters[1].condition = Condition::kBehindSwitch;
          },
          first, "2 no-pci-adapter"},
         {[](State& state) { state.adapters[1].gateways->push_back("fe80::1"); },

@@ -65,7 +65,7 @@ TEST(Snapshot, HoldsWhatTheModuleCanSee) {
     unplugged.index = 9;
     unplugged.pnpDeviceId = "PCI\\VEN_8086&DEV_9\\1";
     unplugged.pciLocation = "PCI bus 9, device 0, function 0";
-    unplugged.condition = machine::Condition::Unplugged;
+    unplugged.condition = machine::Condition::kUnplugged;
     state.adapters.push_back(unplugged);
     machine::State seen = state;
     seen.domains.clear();

@@ -34,10 +34,10 @@ constexpr int kMostRequests = 8;
 void Disturb(machine::Adapter& adapter, check_tests::RandomFile& random) {
     switch (random.Below(40)) {
         case 0:
-            adapter.condition = machine::Condition::Unplugged;
+            adapter.condition = machine::Condition::kUnplugged;
             break;
         case 1:
-            adapter.condition = machine::Condition::InTeam;
+            adapter.condition = machine::Condition::kInTeam;
             break;
         case 2:
             adapter.pnpDeviceId = "VMBUS\\{F8615163}\\" + std::to_string(adapter.index);
