@@ -15,7 +15,7 @@ ComError::ComError(std::int32_t result)
 
 Bstr::Bstr(std::string_view narrow) {
     // Straight into the BSTR: no copy of a secret is left behind. An empty text is not converted:
-    // it would be refused and set the thread's last error, which somebody may report.
+    // it would be refused and set the thread's last error, which a failure report shows.
     const int narrowLength = static_cast<int>(narrow.size());
     const int length =
         narrow.empty() ? 0

@@ -135,7 +135,7 @@ std::optional<RouteWish> RouteCheck::CheckRoute(const LookUp& route, Findings& f
     if (wish.destination == 0 && wish.mask == 0) {
         findings.Error("default-route", wish.place,
                        "a default route: the module adds it on every request, and the route "
-                       "program refuses it once it is there; a default gateway belongs into "
+                       "program refuses it once it is there; a default gateway belongs in "
                        "\"Gateway\"");
         return std::nullopt;
     }

@@ -241,7 +241,7 @@ void StructureCheck::CheckEntry(const reading::Section& section, const reading::
     const std::string ignored = "the module ignores the key " + Quoted(entry.key);
     if (const std::optional<SectionRole> home = reading::HomeOf(entry.key)) {
         findings_.Error("misplaced-key", entry.keyPlace,
-                        ignored + " here: it belongs into " + RoleName(*home));
+                        ignored + " here: it belongs in " + RoleName(*home));
         return;
     }
     const std::string nearest = NearestKey(section.role, entry.key);

@@ -192,7 +192,7 @@ void Check(const requests::RunResult& run, const Subject& subject, Trial& trial)
     EXPECT_EQ(trial.File().WhereIsIt(), isReboot ? "kept" : "put away");
 }
 
-/// `left` is the machine behind it all.
+/// `left` is the machine afterwards.
 Course Follow(const Subject& subject, machine::State& left, Figures& figures) {
     Trial trial(subject);
     Course course;
