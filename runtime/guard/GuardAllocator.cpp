@@ -167,13 +167,28 @@ LONG CALLBACK ExplainFault(EXCEPTION_POINTERS* exception) {
 
 [[maybe_unused]] void* const handler = AddVectoredExceptionHandler(1, &ExplainFault);
 
+/// The thread's last error, which waiting for the lock changes, as the C library's allocator keeps
+/// it.
+class LastErrorKept {
+public:
+    LastErrorKept() = default;
+    LastErrorKept(const LastErrorKept&) = delete;
+    LastErrorKept& operator=(const LastErrorKept&) = delete;
+    ~LastErrorKept() { SetLastError(error_); }
+
+private:
+    DWORD error_ = GetLastError();
+};
+
 }  // namespace
 
 void* GuardAllocate(std::size_t size, std::size_t alignment) noexcept {
+    const LastErrorKept kept;
     return arena.Allocate(size, alignment);
 }
 
 void GuardFree(void* block) noexcept {
+    const LastErrorKept kept;
     if (block != nullptr) {
         arena.Free(block);
     }
