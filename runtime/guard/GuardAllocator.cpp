@@ -133,12 +133,18 @@ private:
             if (first + pages > kPages) {
                 page = first = 0;
             }
-            if (blocks_[firstPage_[page]].live) {
+            if (IsTaken(page)) {
                 first = firstPage_[page] + blocks_[firstPage_[page]].pages;
                 page = first - 1;
             }
         }
         return first;
+    }
+
+    /// A page's last block may since have given way to a shorter one that begins at the same page.
+    bool IsTaken(std::size_t page) const noexcept {
+        const Block& block = blocks_[firstPage_[page]];
+        return block.live && page < firstPage_[page] + block.pages;
     }
 
     std::mutex mutex_;

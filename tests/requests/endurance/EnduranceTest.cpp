@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -95,7 +97,8 @@ protected:
 };
 
 TEST_F(Endurance, ManyRequestsInOneProcess) {
-    const auto rounds = static_cast<int>(support::SampleOf(25, 100, 100));
+    const auto rounds =
+        static_cast<int>(std::max<std::uint64_t>(25, support::SampleOf(25, 100, 100)));
     requests::AttachedModule module(simulation_);
     machine::ModuleHeap heap(module.Image());
     std::vector<std::string> heapBefore;
