@@ -12,13 +12,12 @@
 #include "host/HostError.h"
 #include "host/InputFile.h"
 #include "host/Text.h"
-#include "host/check/FileCheck.h"
-#include "host/check/MachineCheck.h"
 #include "host/configure/Faults.h"
 #include "host/configure/Json.h"
 #include "host/configure/MachineFiles.h"
 #include "host/configure/Passes.h"
 #include "host/configure/Report.h"
+#include "host/configure/Result.h"
 #include "host/undo/Undo.h"
 #include "machine/State.h"
 
@@ -86,28 +85,6 @@ bool HasAccounts(const machine::State& machine) {
                        [](const machine::Domain& domain) { return !domain.accounts.empty(); });
 }
 
-int ExitCodeOf(const Outcome& outcome, const ConfigureOptions& options) {
-    const Story& story = outcome.Last().story;
-    if (!outcome.violations.empty()) {
-        return kFailure;
-    }
-    if (story.failure) {
-        return story.failure->configurationRefused ? kBadInput : kFailure;
-    }
-    const bool unsettled = outcome.furtherRun && !outcome.Settled();
-    if (unsettled || (options.untilDone && story.fileKept)) {
-        return kFailure;
-    }
-    if (options.plan) {
-        if (outcome.afterRestart && outcome.afterRestart->story.failure) {
-            return kFailure;
-        }
-        return ChangesSomething(outcome) ? kChangesPlanned : kDone;
-    }
-    // A restart that the file keeps quiet about makes the module answer "Failure".
-    return story.fileKept ? kRestartNeeded : story.stoppedForRestart ? kFailure : kDone;
-}
-
 /// Who may be cut off by the change.
 std::vector<std::string> Warnings(const std::vector<std::string>& lockOuts,
                                   const ConfigureOptions& options) {
@@ -142,12 +119,14 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
         throw HostError("--this-machine: the module takes the file away, so it has to be a file",
                         kWrongUsage);
     }
-    const Request request{
-        common.module, input.Path(),
-        input.Name(),  options.untilDone,
-        faults,        [&output](const std::string& text) { output.Progress(text); }};
-    // Before the run, which may take the file away.
-    check::CheckedFile checked = check::CheckFile(input.Path());
+    const Request request{common.module,
+                          input.Path(),
+                          input.Name(),
+                          options.untilDone,
+                          faults,
+                          [&output](const std::string& text) { output.Progress(text); },
+                          0,
+                          options.plan};
     const bool here = options.machine.thisMachine && !options.plan;
     const bool undoes = !options.undoFile.empty();
     const machine::State machine =
@@ -157,10 +136,11 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
         undo = undo::MakeUndo(request, machine);
         WriteWholeFile(options.undoFile, undo->text);
     }
-    if (!here) {
-        check::CheckOnMachine(checked.file, machine, checked.findings);
+    Result result = here ? CheckAndRunHere(request) : CheckAndRun(request, machine);
+    const Outcome& outcome = result.outcome;
+    if (undo) {
+        result.lockOuts = undo::ListLockOuts(outcome.passes.front().run.before, undo->foreseen);
     }
-    const Outcome outcome = here ? RunHere(request) : RunPasses(request, machine);
     output.Progress({});
     if (!options.traceFile.empty()) {
         WriteTrace(outcome.trace, options.traceFile);
@@ -177,19 +157,16 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
         }
     }
     const std::string machineName = options.machine.Name();
-    output.Document() = ToJson(outcome, checked, input.Name(), machineName);
-    const std::vector<std::string> lockOuts = undo::ListLockOuts(
-        outcome.passes.front().run.before, undo ? undo->foreseen : outcome.machine);
+    output.Document() = ToJson(result, input.Name(), machineName);
     PrintReport(
         outcome,
         {input.Name(), machineName, options.machine.thisMachine, options.plan, options.untilDone,
          options.summary   ? Extent::kSummary
          : options.details ? Extent::kDetails
                            : Extent::kUsual,
-         checked, Warnings(lockOuts, options),
+         result.checked, Warnings(result.lockOuts, options),
          undo ? WayBack(*undo, options.undoFile) : std::vector<std::string>()},
         output);
-    output.Document()["lockOuts"] = ToJson(lockOuts);
     if (undo) {
         output.Document()["undo"] = {{"file", ToUtf8(options.undoFile)},
                                      {"byHand", ToJson(undo->byHand)}};
@@ -205,7 +182,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     for (const std::string& violation : outcome.violations) {
         output.Error("the module broke a rule of the simulated machine: " + violation);
     }
-    return ExitCodeOf(outcome, options);
+    return ExitCodeOf(outcome, request);
 }
 
 }  // namespace

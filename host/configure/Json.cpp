@@ -171,8 +171,9 @@ Json OfRestart(const Outcome& outcome) {
 
 }  // namespace
 
-Json ToJson(const Outcome& outcome, const check::CheckedFile& checked, const std::string& file,
-            const std::string& machine) {
+Json ToJson(const Result& result, const std::string& file, const std::string& machine) {
+    const Outcome& outcome = result.outcome;
+    const check::CheckedFile& checked = result.checked;
     Json json = {{"file", Text(file)}, {"machine", Text(machine)}};
     json["findings"] = Array(checked.findings.List(), [&checked](const check::Finding& finding) {
         const std::size_t line = finding.place.line;
@@ -185,6 +186,7 @@ Json ToJson(const Outcome& outcome, const check::CheckedFile& checked, const std
         json["furtherRun"] = OfPass(*outcome.furtherRun);
     }
     json["violations"] = List(outcome.violations);
+    json["lockOuts"] = List(result.lockOuts);
     return json;
 }
 

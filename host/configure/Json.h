@@ -5,14 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "host/check/FileCheck.h"
-#include "host/configure/Passes.h"
+#include "host/configure/Result.h"
 
 namespace host::configure {
 
 /// The same object for a plan and for a run. All texts are UTF-8.
-nlohmann::ordered_json ToJson(const Outcome& outcome, const check::CheckedFile& checked,
-                              const std::string& file, const std::string& machine);
+nlohmann::ordered_json ToJson(const Result& result, const std::string& file,
+                              const std::string& machine);
 
 /// A list of texts of the system code page.
 nlohmann::ordered_json ToJson(const std::vector<std::string>& texts);

@@ -56,6 +56,7 @@ struct Request {
     machine::FaultPlan faults;
     Watcher watcher;
     std::size_t routes = 0;  ///< that are to be changed, for who watches
+    bool plan = false;       ///< who asks wants to know only what would happen
 };
 
 /// Runs on the machine, of which a copy is changed. Throws HostError.
