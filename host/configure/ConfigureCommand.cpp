@@ -31,6 +31,7 @@ struct ConfigureOptions {
     bool yes = false;
     bool plan = false;
     bool untilDone = false;
+    bool afterRestart = false;
     bool log = false;
     bool details = false;
     bool summary = false;
@@ -50,10 +51,10 @@ void CheckCombination(const ConfigureOptions& options) {
             "see what would change",
             kWrongUsage);
     }
-    if (real && (options.untilDone || !options.faults.empty() || !options.traceFile.empty() ||
-                 !options.saveFile.empty())) {
+    if (real && (options.untilDone || options.afterRestart || !options.faults.empty() ||
+                 !options.traceFile.empty() || !options.saveFile.empty())) {
         throw HostError(
-            "--until-done, --fail, --trace and --save-machine are for simulated "
+            "--until-done, --after-restart, --fail, --trace and --save-machine are for simulated "
             "machines: this machine can neither be restarted nor watched from here",
             kWrongUsage);
     }
@@ -129,8 +130,10 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
                           options.plan};
     const bool here = options.machine.thisMachine && !options.plan;
     const bool undoes = !options.undoFile.empty();
-    const machine::State machine =
-        here && !undoes ? machine::State() : options.machine.Read(output);
+    machine::State machine = here && !undoes ? machine::State() : options.machine.Read(output);
+    if (options.afterRestart) {
+        machine::ApplyRestart(machine);
+    }
     std::optional<undo::Undo> undo;
     if (undoes) {
         undo = undo::MakeUndo(request, machine);
@@ -201,6 +204,8 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
                       "Change nothing; exit code 2 when there would be changes");
     command->add_flag("--until-done", options->untilDone,
                       "Restart the simulated machine and go on as long as the module asks for it");
+    command->add_flag("--after-restart", options->afterRestart,
+                      "Restart the simulated machine first: an earlier run asked for it");
     command
         ->add_option("--fail", options->faults,
                      "Make calls fail: EnableStatic=84, RegOpenKeyExA#2=5, call:17, "

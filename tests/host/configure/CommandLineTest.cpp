@@ -35,6 +35,7 @@ TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
         {{rename_, "--this-machine"}, 64, "--yes"},
         {{rename_, "--this-machine", "--machine", "m.json"}, 64, "excludes"},
         {{rename_, "--this-machine", "--yes", "--until-done"}, 64, "simulated machines"},
+        {{rename_, "--this-machine", "--yes", "--after-restart"}, 64, "simulated machines"},
         {{rename_, "--this-machine", "--yes", "--trace", "t"}, 64, "simulated machines"},
         {{rename_, "--plan", "--save-machine", "m.json"}, 64, "--plan changes no machine"},
         {{rename_, "--with-passwords"}, 64, "--save-machine"},

@@ -72,6 +72,15 @@ TEST_P(Examples, PlanAndRunSayTheSameAndSettle) {
     EXPECT_THAT(changed, ElementsAreArray(GetParam().changesByPass));
     EXPECT_THAT(ChangesOf(result), Contains(GetParam().lastChange));
 
+    // A run for each restart leaves the same machine.
+    Arguments step = {file, "--machine", Path(GetParam(), ".json")};
+    for (std::size_t left = changed.size(); left-- > 0;) {
+        ConfigureJson(With(step, {"--save-machine", "stepped.json", "--with-passwords"}),
+                      left == 0 ? 0U : 3U);
+        step = {file, "--machine", "stepped.json", "--after-restart"};
+    }
+    EXPECT_EQ(ReadFile("stepped.json"), ReadFile("settled.json"));
+
     const Json again = ConfigureJson({file, "--machine", "settled.json", "--plan"}, 0);
     EXPECT_EQ(ChangedSettings(again.at("passes").at(0)), "");
     EXPECT_TRUE(again.at("passes").at(0).at("changes").empty());
