@@ -5,18 +5,17 @@
 #include <string_view>
 #include <vector>
 
+#include "host/check/Rules.h"
 #include "host/reading/File.h"
 
 namespace host::check {
-
-enum class Severity { kWarning, kError };
 
 using reading::Place;
 
 /// One fault of a configuration file. Texts are in the system code page and hold no secret.
 struct Finding {
     Severity severity;
-    const char* code;  ///< what kind of fault, for programs: "unknown-key"
+    Code code;  ///< what kind of fault
     Place place;
     std::string message;
     std::string remedy = {};  ///< where there is more to say than the message does
@@ -27,10 +26,10 @@ class Findings {
 public:
     static constexpr std::size_t kKept = 1000;
 
-    void Error(const char* code, const Place& place, std::string message) {
+    void Error(Code code, const Place& place, std::string message) {
         Add({Severity::kError, code, place, std::move(message)});
     }
-    void Warning(const char* code, const Place& place, std::string message,
+    void Warning(Code code, const Place& place, std::string message,
                  std::string remedy = {}) {
         Add({Severity::kWarning, code, place, std::move(message), std::move(remedy)});
     }

@@ -85,7 +85,7 @@ void PrintFinding(const std::string& file, const Finding& finding, const std::st
 }
 
 Json ToJson(const Finding& finding, const std::string& line) {
-    Json description{{"severity", Name(finding.severity)}, {"code", finding.code}};
+    Json description{{"severity", Name(finding.severity)}, {"code", finding.code.Text()}};
     if (finding.place.line != 0) {
         description["line"] = finding.place.line;
         description["column"] = finding.place.column;

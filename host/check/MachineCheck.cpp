@@ -95,7 +95,7 @@ private:
                                                                       : nullptr;
     }
 
-    void Warn(const char* code, const Setting& setting, std::string message, std::string remedy) {
+    void Warn(Code code, const Setting& setting, std::string message, std::string remedy) {
         findings_.Warning(code, setting.at.place, std::move(message), std::move(remedy));
     }
 

@@ -84,7 +84,7 @@ bool StructureCheck::CheckBytes() {
     const auto binary = std::ranges::find_if(bytes, isBinary);
     if (binary != bytes.end()) {
         const auto offset = static_cast<std::size_t>(binary - bytes.begin());
-        findings_.Error(*binary == '\0' ? "nul-byte" : "binary", placeAt(offset, 1),
+        findings_.Error(*binary == '\0' ? Code("nul-byte") : Code("binary"), placeAt(offset, 1),
                         util::Format("byte 0x%02X at offset %llu: no text has it, and Windows "
                                      "would get it as it stands",
                                      static_cast<unsigned>(static_cast<unsigned char>(*binary)),

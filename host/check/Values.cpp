@@ -16,7 +16,7 @@ namespace {
 /// What the module takes for a text that is no address.
 constexpr std::uint32_t kNoAddress = 0xFFFFFFFF;
 
-ValueFault Error(const char* code, std::string message) {
+ValueFault Error(Code code, std::string message) {
     return {Severity::kError, code, std::move(message)};
 }
 

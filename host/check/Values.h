@@ -12,7 +12,7 @@ namespace host::check {
 /// What is wrong with one value: "\"10.0.0.256\" is not an IPv4 address".
 struct ValueFault {
     Severity severity;
-    const char* code;
+    Code code;
     std::string message;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 #include "host/check/FileCheck.h"
@@ -21,9 +23,11 @@ public:
         std::string summary;
         for (const host::check::Finding& finding : Findings().List()) {
             summary += summary.empty() ? "" : ", ";
+            EXPECT_TRUE(finding.code.GetRule().Allows(finding.severity)) << finding.message;
             summary += finding.severity == host::check::Severity::kError ? "E " : "W ";
             summary += std::to_string(finding.place.line) + ":" +
-                       std::to_string(finding.place.column) + " " + finding.code;
+                       std::to_string(finding.place.column) + " ";
+            summary += finding.code.Text();
         }
         return summary;
     }

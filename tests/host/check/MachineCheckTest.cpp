@@ -32,9 +32,9 @@ const std::string route = "Static-Route-Count=1\nRoute0=10.20.0.0,255.255.0.0,19
 std::string Summary(const host::check::Findings& findings) {
     std::string summary;
     for (const host::check::Finding& finding : findings.List()) {
-        summary +=
-            (summary.empty() ? "" : ", ") + std::to_string(finding.place.line) + " " + finding.code;
-        EXPECT_FALSE(finding.remedy.empty()) << finding.code;
+        summary += (summary.empty() ? "" : ", ") + std::to_string(finding.place.line) + " ";
+        summary += finding.code.Text();
+        EXPECT_FALSE(finding.remedy.empty()) << finding.code.Text();
     }
     return summary;
 }

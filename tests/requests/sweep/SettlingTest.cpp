@@ -130,10 +130,10 @@ struct Forecast {
 };
 
 Forecast Foresee(const Subject& subject, const std::string& file) {
-    constexpr std::string_view swinging[] = {"suffix-conflict",          "default-routes",
-                                             "default-routes-next-time", "refused-route",
-                                             "policy-suffixes",          "ipv6-gateway"};
-    constexpr std::string_view failing[] = {
+    constexpr host::check::Code swinging[] = {"suffix-conflict",          "default-routes",
+                                              "default-routes-next-time", "refused-route",
+                                              "policy-suffixes",          "ipv6-gateway"};
+    constexpr host::check::Code failing[] = {
         "no-pci-adapter",   "too-few-adapters", "ipv6-gateway",   "ipv6-address",
         "static-on-static", "refused-route",    "default-routes", "default-routes-next-time"};
     host::check::CheckedFile checked = host::check::CheckFile(file);
