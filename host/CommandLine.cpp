@@ -135,7 +135,8 @@ void AddFooters(CLI::App& app) {
                  "--fail EnableStatic=84");
     app.get_subcommand("check")->footer(
         "Exit codes: 0 no error; 65 errors, with --strict warnings too, or no such file; 64 wrong "
-        "usage\n\nExample:\n  toolbox-host check --strict site.ini");
+        "usage\n\nExample:\n  toolbox-host check --strict site.ini\n"
+        "  toolbox-host check office.ini shop.ini --machine standard.json --format sarif");
     app.get_subcommand("snapshot")
         ->footer(
             "Exit codes: 0 written; 1 failure; 64 wrong usage\n\n"
@@ -189,8 +190,10 @@ int Run(int argc, const char* const* argv, TextStream& data, TextStream& notes) 
                    "The module's file, else config.dll beside this program")
         ->type_name("FILE")
         ->check(NotEmpty());
-    AddChoice<Format>(app, "--format", "How results are printed",
-                      {{"text", Format::kText}, {"json", Format::kJson}}, options.format);
+    AddChoice<Format>(app, "--format",
+                      "How results are printed; sarif: those of check, for code scanning",
+                      {{"text", Format::kText}, {"json", Format::kJson}, {"sarif", Format::kSarif}},
+                      options.format);
     AddChoice<Colours>(
         app, "--color", "Whether results have colours; auto: on a terminal, unless NO_COLOR is set",
         {{"auto", Colours::kAuto}, {"always", Colours::kAlways}, {"never", Colours::kNever}},
@@ -217,6 +220,9 @@ int Run(int argc, const char* const* argv, TextStream& data, TextStream& notes) 
     };
     try {
         app.parse(argc, argv);
+        if (options.format == Format::kSarif && !app.got_subcommand("check")) {
+            throw CLI::ValidationError("--format", "only check gives sarif");
+        }
     } catch (const Printed& printed) {
         return print(printed.text);
     } catch (const CLI::CallForHelp&) {

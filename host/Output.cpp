@@ -112,7 +112,9 @@ void Output::Log(const LogLine& line) {
 void Output::Error(std::string_view text) {
     Progress({});
     WriteBeside("toolbox-host: " + ToLine(text) + "\n");
-    document_["error"] = ToUtf8(text);
+    if (!IsSarif()) {
+        document_["error"] = ToUtf8(text);
+    }
 }
 
 void Output::Raw(std::string_view text) {
@@ -127,7 +129,8 @@ void Output::File(std::string_view text) {
 
 int Output::Finish(int exitCode) {
     Progress({});
-    if (IsJson() && !rawPrinted_) {
+    const bool isLost = IsSarif() && document_.empty();
+    if (IsJson() && !rawPrinted_ && !isLost) {
         data_.Write(document_.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
     }
     data_.Flush();

@@ -10,7 +10,8 @@
 
 namespace host {
 
-enum class Format : std::uint8_t { kText, kJson };
+/// SARIF is JSON of a shape of its own, which the command makes.
+enum class Format : std::uint8_t { kText, kJson, kSarif };
 
 /// Whether lines of data have colours. Auto: where they lead to a terminal, unless the variable
 /// NO_COLOR is there and not empty.
@@ -27,7 +28,9 @@ public:
     /// The streams must outlive the object.
     Output(Format format, Colours colours, TextStream& data, TextStream& notes);
 
-    bool IsJson() const noexcept { return format_ == Format::kJson; }
+    /// As JSON of either shape.
+    bool IsJson() const noexcept { return format_ != Format::kText; }
+    bool IsSarif() const noexcept { return format_ == Format::kSarif; }
 
     /// A line of data for people, in the system code page; nothing as JSON.
     void Line(std::string_view text, Tone tone = Tone::kPlain);
@@ -42,7 +45,7 @@ public:
     /// A line of the module's log: "[level] text" beside the data, or an element of "log".
     void Log(const LogLine& line);
     /// Why the command failed, in the system code page: beside the data, whatever the format, and
-    /// the member "error".
+    /// the member "error", which SARIF has not.
     void Error(std::string_view text);
     /// Data that is a document of its own, in UTF-8: printed as it is in either format, in place of
     /// the object.

@@ -2,17 +2,20 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "host/ExitCode.h"
 #include "host/Files.h"
+#include "host/HostError.h"
 #include "host/InputFile.h"
 #include "host/Text.h"
 #include "host/check/FileCheck.h"
 #include "host/check/FindingText.h"
 #include "host/check/MachineCheck.h"
+#include "host/check/Sarif.h"
 #include "host/configure/MachineFiles.h"
 #include "host/reading/Secrets.h"
 
@@ -23,7 +26,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 struct CheckArguments {
-    std::string file;
+    std::vector<std::string> files;
     std::string machineFile;
     bool strict = false;
 };
@@ -32,19 +35,13 @@ std::string Counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-int Check(const CheckArguments& arguments, Output& output) {
-    const InputFile input(arguments.file);
-    CheckedFile checked = CheckFile(input.Path());
-    const std::string& file = input.Name();
-    if (!arguments.machineFile.empty()) {
-        CheckOnMachine(checked.file, configure::LoadMachine(arguments.machineFile),
-                       checked.findings);
-    }
+/// Prints the findings; returns them for programs.
+Json Show(const std::string& file, const CheckedFile& checked, Output& output) {
     const Findings& findings = checked.findings;
-    output.Document() = {{"file", ToUtf8(file)},
-                         {"errors", findings.Errors()},
-                         {"warnings", findings.Warnings()},
-                         {"findings", Json::array()}};
+    Json document = {{"file", ToUtf8(file)},
+                     {"errors", findings.Errors()},
+                     {"warnings", findings.Warnings()},
+                     {"findings", Json::array()}};
     std::size_t number = 0;
     std::string line;  // a line may be long and have many findings
     for (const Finding& finding : findings.List()) {
@@ -53,34 +50,136 @@ int Check(const CheckArguments& arguments, Output& output) {
             line = reading::ShownLine(checked.file, number);
         }
         PrintFinding(file, finding, line, output);
-        output.Document()["findings"].push_back(ToJson(finding, line));
+        document["findings"].push_back(ToJson(finding, line));
     }
     const std::size_t all = findings.Errors() + findings.Warnings();
     if (all > findings.List().size()) {
         output.Line("... and " + std::to_string(all - findings.List().size()) + " more");
     }
-    output.Line(all == 0 ? file + ": no faults"
-                         : file + ": " + Counted(findings.Errors(), "error") + ", " +
-                               Counted(findings.Warnings(), "warning"),
-                all == 0 ? Tone::kGood : Tone::kPlain);
-    const bool refused = findings.Errors() > 0 || (arguments.strict && all > 0);
-    output.Document()["accepted"] = !refused;
-    return refused ? kBadInput : kDone;
+    return document;
+}
+
+/// Checks the files of one call, one after the other.
+class Checking {
+public:
+    Checking(const CheckArguments& arguments, Output& output)
+        : arguments_(arguments), output_(output) {}
+
+    int Run() {
+        if (std::ranges::count(arguments_.files, "-") > 1) {
+            throw HostError("standard input can be read once only", kWrongUsage);
+        }
+        if (!arguments_.machineFile.empty()) {
+            machine_ = configure::LoadMachine(arguments_.machineFile);
+        }
+        if (arguments_.files.size() == 1) {
+            output_.Document() = CheckOne(arguments_.files.front());
+        } else {
+            CheckEach();
+        }
+        return verdict_;
+    }
+
+    SarifLog& Sarif() noexcept { return sarif_; }
+
+private:
+    Json CheckOne(const std::string& named);
+    void CheckEach();
+    bool Judge(const std::string& what, std::size_t errors, std::size_t warnings);
+
+    const CheckArguments& arguments_;
+    Output& output_;
+    std::optional<machine::State> machine_;
+    SarifLog sarif_;
+    int verdict_ = kDone;  // the worst of them
+};
+
+/// The line that ends a file, or all of them. Returns whether that is accepted.
+bool Checking::Judge(const std::string& what, std::size_t errors, std::size_t warnings) {
+    const bool isGood = errors + warnings == 0;
+    output_.Line(isGood
+                     ? what + ": no faults"
+                     : what + ": " + Counted(errors, "error") + ", " + Counted(warnings, "warning"),
+                 isGood ? Tone::kGood : Tone::kPlain);
+    return errors == 0 && (isGood || !arguments_.strict);
+}
+
+Json Checking::CheckOne(const std::string& named) {
+    const InputFile input(named);
+    CheckedFile checked = CheckFile(input.Path());
+    if (machine_) {
+        CheckOnMachine(checked.file, *machine_, checked.findings);
+    }
+    if (output_.IsSarif()) {
+        sarif_.Add(input.Name(), input.IsFile() ? input.Path() : "", checked);
+    }
+    Json document = Show(input.Name(), checked, output_);
+    const bool accepted =
+        Judge(input.Name(), checked.findings.Errors(), checked.findings.Warnings());
+    document["accepted"] = accepted;
+    verdict_ = std::max<int>(verdict_, accepted ? kDone : kBadInput);
+    return document;
+}
+
+/// One that cannot be read does not keep the others from being checked.
+void Checking::CheckEach() {
+    Json files = Json::array();
+    std::size_t errors = 0;
+    std::size_t warnings = 0;
+    std::size_t unread = 0;
+    for (const std::string& named : arguments_.files) {
+        try {
+            const Json& document = files.emplace_back(CheckOne(named));
+            errors += document["errors"].get<std::size_t>();
+            warnings += document["warnings"].get<std::size_t>();
+        } catch (const HostError& error) {
+            output_.Error(error.what());
+            sarif_.AddFailure(error.what());
+            files.push_back(
+                {{"file", ToUtf8(named)}, {"error", ToUtf8(error.what())}, {"accepted", false}});
+            verdict_ = std::max<int>(verdict_, error.Code());
+            ++unread;
+        }
+    }
+    const std::string total = std::to_string(arguments_.files.size()) + " files";
+    Judge(unread == 0 ? total : total + ", " + std::to_string(unread) + " of them not read", errors,
+          warnings);
+    output_.Document() = {{"files", std::move(files)},
+                          {"errors", errors},
+                          {"warnings", warnings},
+                          {"accepted", verdict_ == kDone}};
+}
+
+int Check(const CheckArguments& arguments, Output& output) {
+    Checking checking(arguments, output);
+    if (!output.IsSarif()) {
+        return checking.Run();
+    }
+    int exitCode = kDone;
+    try {
+        exitCode = checking.Run();
+    } catch (const HostError& error) {
+        output.Error(error.what());
+        checking.Sarif().AddFailure(error.what());
+        exitCode = error.Code();
+    }
+    output.Document() = checking.Sarif().Finish(exitCode);
+    return exitCode;
 }
 
 }  // namespace
 
 void AddCheckCommand(CLI::App& app, Action& action) {
-    CLI::App* const check =
-        app.add_subcommand("check", "Find every fault of a configuration file, without running it");
+    CLI::App* const check = app.add_subcommand(
+        "check", "Find every fault of configuration files, without running them");
     const auto arguments = std::make_shared<CheckArguments>();
-    check->add_option("file", arguments->file, "The configuration file; - reads standard input")
+    check->add_option("file", arguments->files, "The configuration files; - reads standard input")
         ->required()
         ->type_name("FILE")
         ->check(NotEmpty());
     check
         ->add_option("--machine", arguments->machineFile,
-                     "A machine file: warn of what that machine makes of the file too")
+                     "A machine file: warn of what that machine makes of the files too")
         ->type_name("FILE")
         ->check(NotEmpty());
     check->add_flag("--strict", arguments->strict, "Take warnings for errors");

@@ -29,8 +29,7 @@ public:
     void Error(Code code, const Place& place, std::string message) {
         Add({Severity::kError, code, place, std::move(message)});
     }
-    void Warning(Code code, const Place& place, std::string message,
-                 std::string remedy = {}) {
+    void Warning(Code code, const Place& place, std::string message, std::string remedy = {}) {
         Add({Severity::kWarning, code, place, std::move(message), std::move(remedy)});
     }
     void Add(Finding finding);
