@@ -187,4 +187,10 @@ std::vector<Change> Compare(const machine::State& before, const machine::State& 
     return changes;
 }
 
+std::vector<Change> Effective(std::vector<Change> changes) {
+    std::erase_if(changes,
+                  [](const Change& change) { return change.what.ends_with("after the restart"); });
+    return changes;
+}
+
 }  // namespace host::configure

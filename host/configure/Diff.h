@@ -20,4 +20,7 @@ struct Change {
 /// are compared and never shown.
 std::vector<Change> Compare(const machine::State& before, const machine::State& after);
 
+/// Without what only said that something was to come: what a restart makes effective.
+std::vector<Change> Effective(std::vector<Change> changes);
+
 }  // namespace host::configure

@@ -68,28 +68,10 @@ private:
     std::size_t placeWidth_ = 0;
 };
 
-/// What a later pass repeats of an earlier one.
-bool IsOldNews(const Row& row) {
-    switch (row.fate) {
-        case Fate::kAlreadySet:
-        case Fate::kLabel:
-        case Fate::kLeftAlone:
-        case Fate::kIgnored:
-            return true;
-        default:
-            return false;
-    }
-}
-
 void PrintSections(const Pass& pass, bool isFirst, bool details, Output& output) {
     SectionPrinter printer(pass.rows, details, output);
-    for (SectionRows& section : GroupBySection(pass.rows)) {
-        if (!isFirst && !details) {
-            std::erase_if(section.rows, [](const Row* row) { return IsOldNews(*row); });
-            if (section.rows.empty()) {
-                continue;
-            }
-        }
+    for (const SectionRows& section :
+         isFirst || details ? GroupBySection(pass.rows) : GroupNewsBySection(pass.rows)) {
         printer.Print(section);
     }
 }
@@ -226,13 +208,6 @@ void PrintSettled(const Outcome& outcome, Output& output) {
                         " passes the module still asks for a restart.",
                     Tone::kBad);
     }
-}
-
-/// Without what only said that something was to come.
-std::vector<Change> Effective(std::vector<Change> changes) {
-    std::erase_if(changes,
-                  [](const Change& change) { return change.what.ends_with("after the restart"); });
-    return changes;
 }
 
 /// One line for each fault that check finds; of very many the first.

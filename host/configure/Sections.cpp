@@ -7,6 +7,23 @@
 
 namespace host::configure {
 
+namespace {
+
+/// What a later pass repeats of an earlier one.
+bool IsOldNews(const Row& row) {
+    switch (row.fate) {
+        case Fate::kAlreadySet:
+        case Fate::kLabel:
+        case Fate::kLeftAlone:
+        case Fate::kIgnored:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
 std::vector<SectionRows> GroupBySection(const std::vector<Row>& rows) {
     std::vector<SectionRows> sections;
     for (const Row& row : rows) {
@@ -26,6 +43,15 @@ std::vector<SectionRows> GroupBySection(const std::vector<Row>& rows) {
             section->rows.push_back(&row);
         }
     }
+    return sections;
+}
+
+std::vector<SectionRows> GroupNewsBySection(const std::vector<Row>& rows) {
+    std::vector<SectionRows> sections = GroupBySection(rows);
+    for (SectionRows& section : sections) {
+        std::erase_if(section.rows, [](const Row* row) { return IsOldNews(*row); });
+    }
+    std::erase_if(sections, [](const SectionRows& section) { return section.rows.empty(); });
     return sections;
 }
 

@@ -20,6 +20,9 @@ struct SectionRows {
 /// In the order of the file. The rows must outlive them.
 std::vector<SectionRows> GroupBySection(const std::vector<Row>& rows);
 
+/// Without what a pass repeats of the one before.
+std::vector<SectionRows> GroupNewsBySection(const std::vector<Row>& rows);
+
 /// "[TCP/IP] Office network, on PCI 2/1/0 "Ethernet" (index 1)"
 std::string HeadingOf(const SectionRows& section);
 
