@@ -7,10 +7,12 @@
 #include <vector>
 
 #include "common/util/FileUtils.h"
+#include "common/util/Strings.h"
 #include "host/ExitCode.h"
 #include "host/Files.h"
 #include "host/HostError.h"
 #include "host/InputFile.h"
+#include "host/Module.h"
 #include "host/Text.h"
 #include "host/configure/Faults.h"
 #include "host/configure/Json.h"
@@ -18,6 +20,8 @@
 #include "host/configure/Passes.h"
 #include "host/configure/Report.h"
 #include "host/configure/Result.h"
+#include "host/report/Digest.h"
+#include "host/report/PlanReport.h"
 #include "host/undo/Undo.h"
 #include "machine/State.h"
 
@@ -39,6 +43,7 @@ struct ConfigureOptions {
     std::string traceFile;
     std::string saveFile;
     std::string undoFile;
+    std::string reportFile;
     bool withPasswords = false;
 };
 
@@ -63,7 +68,7 @@ void CheckCombination(const ConfigureOptions& options) {
     }
 }
 
-/// A report must not end where the next run would read.
+/// No output may end where the next run would read, or where another output goes.
 void CheckFiles(const CommonOptions& common, const ConfigureOptions& options) {
     const NamedFile configuration{"the configuration file", options.file};
     const NamedFile machine{"the machine file", options.machine.file};
@@ -79,6 +84,13 @@ void CheckFiles(const CommonOptions& common, const ConfigureOptions& options) {
                        module,
                        {"what --save-machine writes", options.saveFile},
                        {"what --trace writes", options.traceFile}});
+    RefuseToOverwrite({"--report", options.reportFile},
+                      {configuration,
+                       machine,
+                       module,
+                       {"what --save-machine writes", options.saveFile},
+                       {"what --trace writes", options.traceFile},
+                       {"what --undo-file writes", options.undoFile}});
 }
 
 bool HasAccounts(const machine::State& machine) {
@@ -111,6 +123,26 @@ std::vector<std::string> WayBack(const undo::Undo& undo, const std::string& file
     return lines;
 }
 
+/// The digests are of what was read: a run may take the one file away and write over the other.
+struct Digests {
+    std::string file;
+    std::string machine;
+
+    Digests(const InputFile& input, const ConfigureOptions& options) {
+        if (!options.reportFile.empty()) {
+            file = report::Sha256(ReadWholeFile(input.Path()));
+            machine = options.machine.file.empty()
+                          ? ""
+                          : report::Sha256(ReadWholeFile(options.machine.file));
+        }
+    }
+};
+
+std::string VersionOf(const std::string& path) {
+    const Module::Version version = Module(path).GetVersion();
+    return util::Format("%u.%u.%u", version.major, version.minor, version.build);
+}
+
 int Configure(const CommonOptions& common, const ConfigureOptions& options, Output& output) {
     CheckCombination(options);
     CheckFiles(common, options);
@@ -128,6 +160,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
                           [&output](const std::string& text) { output.Progress(text); },
                           0,
                           options.plan};
+    const Digests digests(input, options);
     const bool here = options.machine.thisMachine && !options.plan;
     const bool undoes = !options.undoFile.empty();
     machine::State machine = here && !undoes ? machine::State() : options.machine.Read(output);
@@ -161,15 +194,19 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     }
     const std::string machineName = options.machine.Name();
     output.Document() = ToJson(result, input.Name(), machineName);
-    PrintReport(
-        outcome,
-        {input.Name(), machineName, options.machine.thisMachine, options.plan, options.untilDone,
-         options.summary   ? Extent::kSummary
-         : options.details ? Extent::kDetails
-                           : Extent::kUsual,
-         result.checked, Warnings(result.lockOuts, options),
-         undo ? WayBack(*undo, options.undoFile) : std::vector<std::string>()},
-        output);
+    const ReportOptions told = {
+        input.Name(),
+        machineName,
+        options.machine.thisMachine,
+        options.plan,
+        options.untilDone,
+        options.summary   ? Extent::kSummary
+        : options.details ? Extent::kDetails
+                          : Extent::kUsual,
+        result.checked,
+        Warnings(result.lockOuts, options),
+        undo ? WayBack(*undo, options.undoFile) : std::vector<std::string>()};
+    PrintReport(outcome, told, output);
     if (undo) {
         output.Document()["undo"] = {{"file", ToUtf8(options.undoFile)},
                                      {"byHand", ToJson(undo->byHand)}};
@@ -185,7 +222,13 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     for (const std::string& violation : outcome.violations) {
         output.Error("the module broke a rule of the simulated machine: " + violation);
     }
-    return ExitCodeOf(outcome, request);
+    const int exitCode = ExitCodeOf(outcome, request);
+    if (!options.reportFile.empty()) {
+        WriteWholeFile(options.reportFile, report::MakePlanPage({outcome, told, exitCode,
+                                                                 digests.file, digests.machine},
+                                                                VersionOf(common.module)));
+    }
+    return exitCode;
 }
 
 }  // namespace
@@ -221,6 +264,11 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
     command
         ->add_option("--undo-file", options->undoFile,
                      "Write the configuration file that leads back, before anything changes")
+        ->type_name("FILE")
+        ->check(NotEmpty());
+    command
+        ->add_option("--report", options->reportFile,
+                     "Write a page to attach to a change: one HTML file that stands by itself")
         ->type_name("FILE")
         ->check(NotEmpty());
     CLI::Option* const save = command

@@ -1,0 +1,68 @@
+// Writes HTML. Every text that is written is escaped here and nowhere else.
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace host::report {
+
+/// Text that stands in this program's source, in UTF-8: the name of an element or an attribute, a
+/// sign. No text from outside can become one.
+struct Literal {
+    // NOLINTNEXTLINE(google-explicit-constructor): a literal should look like one.
+    consteval Literal(const char* literal) : text(literal) {}
+    std::string_view text;
+};
+
+struct Attribute {
+    Literal name;
+    std::string value;  ///< in the system code page
+};
+
+/// "h2" for 2; from "h6" on they are all that.
+Literal Heading(int level);
+
+class Html {
+public:
+    /// An open element. Its destructor closes it.
+    class Element {
+    public:
+        ~Element();
+        Element(const Element&) = delete;
+        Element& operator=(const Element&) = delete;
+
+    private:
+        friend class Html;
+        Element(Html& html, Literal name) : html_(html), name_(name) {}
+        Html& html_;
+        Literal name_;
+    };
+    using Attributes = std::initializer_list<Attribute>;
+
+    [[nodiscard]] Element Open(Literal name, Attributes attributes = {});
+    /// An element that holds a text and nothing else.
+    void Leaf(Literal name, std::string_view text, Attributes attributes = {});
+    void Sign(Literal name, Literal sign, Attributes attributes = {});
+    /// An element that holds nothing.
+    void Empty(Literal name, Attributes attributes = {});
+
+    /// In the system code page. A control character, and one that turns the direction of the text
+    /// around it, becomes visible.
+    void Text(std::string_view text);
+
+    /// An identifier that no other element of this page has.
+    std::string NewId();
+
+    const std::string& Written() const noexcept { return written_; }
+
+private:
+    void Begin(Literal name, Attributes attributes);
+    void Escape(std::string_view utf8);
+
+    std::string written_;
+    std::size_t ids_ = 0;
+};
+
+}  // namespace host::report
