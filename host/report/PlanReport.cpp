@@ -103,7 +103,12 @@ struct Afterwards {
 Afterwards AfterwardsOf(const Subject& subject) {
     const Outcome& outcome = subject.outcome;
     if (!subject.options.plan || !outcome.Last().story.stoppedForRestart) {
-        return {outcome.machine, subject.options.plan ? "As planned" : "After"};
+        const char* const when =
+            outcome.Last().story.failure
+                ? subject.options.plan ? "Where it would fail" : "Where it failed"
+            : subject.options.plan ? "As planned"
+                                   : "After";
+        return {outcome.machine, when};
     }
     const bool again = outcome.afterRestart && outcome.Last().story.fileKept;
     Afterwards afterwards{again ? outcome.afterRestart->run.after : outcome.machine,

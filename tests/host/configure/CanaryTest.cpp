@@ -71,7 +71,7 @@ TEST_F(Canary, Configure) {
                                           {"--fail", "Rename=5"},
                                           {"--fail", "Decrypt"},
                                           {"--fail", "Put#3"}}) {
-        Run(With(start, more));
+        Run(With(With(start, more), {"--report", "page.html"}), "page.html");
     }
     Run(With(start, {"--trace", "calls.jsonl", "--fail", "call:20+"}), "calls.jsonl");
     Run(With(start, {"--until-done", "--trace", "calls.trace.json"}), "calls.trace.json");

@@ -46,6 +46,9 @@ TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
         {{rename_, "--machine", ""}, 64, "--machine: it is empty"},
         {{rename_, "--trace", ""}, 64, "--trace: it is empty"},
         {{rename_, "--save-machine", ""}, 64, "--save-machine: it is empty"},
+        {{rename_, "--report", ""}, 64, "--report: it is empty"},
+        {{rename_, "--report", full_}, 64, "overwrite the configuration file"},
+        {{rename_, "--report", "x", "--undo-file", "./x"}, 64, "what --undo-file writes"},
         {{rename_, "--plan", "--trace", "./RENAME.INI"}, 64, "overwrite the configuration file"},
         {{rename_, "--save-machine", full_}, 64, "overwrite the configuration file"},
         {{rename_, "--plan", "--undo-file", full_}, 64, "overwrite the configuration file"},
@@ -110,6 +113,7 @@ TEST_F(CommandLine, TheTraceComesInTwoFormats) {
     }));
 
     for (const Arguments& arguments : {Arguments{"configure", rename_, "--trace", "no/folder/t"},
+                                       Arguments{"configure", rename_, "--report", "no/folder/t"},
                                        Arguments{"snapshot", "--output", "no/folder/t"}}) {
         const Outcome outcome = host_tests::RunHost(arguments);
         EXPECT_EQ(outcome.exitCode, 1U);
