@@ -12,11 +12,14 @@ namespace {
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
 /// How many bytes of UTF-8 at the beginning make a character that is not seen and changes what is:
-/// a control character beyond ASCII, an embedding, an override or an isolate; 0 where they do not.
+/// a control character, an embedding, an override or an isolate; 0 where they do not.
 std::size_t UnseenAt(std::string_view utf8) {
     const auto byte = [&](std::size_t at) {
         return at < utf8.size() ? static_cast<unsigned char>(utf8[at]) : 0U;
     };
+    if ((byte(0) < 0x20 && byte(0) != '\t') || byte(0) == 0x7F) {
+        return 1;
+    }
     if (byte(0) == 0xC2 && byte(1) >= 0x80 && byte(1) < 0xA0) {
         return 2;
     }
@@ -50,9 +53,9 @@ void Html::Leaf(Literal name, std::string_view text, Attributes attributes) {
     written_.append("</").append(name.text).append(">");
 }
 
-void Html::Sign(Literal name, Literal sign, Attributes attributes) {
+void Html::Leaf(Literal name, const Utf8& text, Attributes attributes) {
     Begin(name, attributes);
-    Escape(sign.text);
+    Escape(text.text);
     written_.append("</").append(name.text).append(">");
 }
 

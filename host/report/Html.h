@@ -8,12 +8,17 @@
 
 namespace host::report {
 
-/// Text that stands in this program's source, in UTF-8: the name of an element or an attribute, a
-/// sign. No text from outside can become one.
+/// The name of an element or an attribute, as it stands in this program's source: no text from
+/// outside can become one.
 struct Literal {
     // NOLINTNEXTLINE(google-explicit-constructor): a literal should look like one.
     consteval Literal(const char* literal) : text(literal) {}
     std::string_view text;
+};
+
+/// Text that is no more in the system code page.
+struct Utf8 {
+    std::string text;
 };
 
 struct Attribute {
@@ -44,7 +49,7 @@ public:
     [[nodiscard]] Element Open(Literal name, Attributes attributes = {});
     /// An element that holds a text and nothing else.
     void Leaf(Literal name, std::string_view text, Attributes attributes = {});
-    void Sign(Literal name, Literal sign, Attributes attributes = {});
+    void Leaf(Literal name, const Utf8& text, Attributes attributes = {});
     /// An element that holds nothing.
     void Empty(Literal name, Attributes attributes = {});
 

@@ -1,9 +1,10 @@
 #include "host/report/Picture.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
-#include "common/util/Strings.h"
+#include "host/Text.h"
 
 namespace host::report {
 
@@ -19,12 +20,12 @@ constexpr int kWordEnd = 334;
 constexpr int kLine = 18;
 constexpr std::size_t kCharacters = 29;      // that a line of a value holds
 constexpr std::size_t kMostLines = 4;        // of one value
-constexpr std::size_t kHeadCharacters = 40;  // that the name of a part may take
+constexpr std::size_t kHeadCharacters = 37;  // that the name of a part may take
 constexpr std::size_t kMostEntries = 24;     // of one group: a picture of thousands shows nothing
 
 struct Look {
     const char* style;
-    Literal sign;
+    const char* sign;  ///< in UTF-8
     const char* word;
 };
 
@@ -36,24 +37,43 @@ const Look& LookOf(Mark mark) {
     return kLooks[static_cast<std::size_t>(mark)];
 }
 
-/// The text in lines of a value, broken at blanks where there are any.
-std::vector<std::string> Wrapped(std::string text) {
-    std::vector<std::string> lines;
-    while (text.size() > kCharacters && lines.size() + 1 < kMostLines) {
-        const std::size_t blank = text.rfind(' ', kCharacters);
-        const bool breaks = blank != std::string::npos && blank > 0;
-        lines.push_back(text.substr(0, breaks ? blank : kCharacters));
-        text.erase(0, breaks ? blank + 1 : kCharacters);
+/// How many bytes of the line take no more room than so many characters. Characters of the far
+/// east take the room of two.
+std::size_t BytesThatFit(std::string_view utf8, std::size_t characters) {
+    std::size_t room = 0;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(utf8[i]);
+        const bool begins = (byte & 0xC0) != 0x80;
+        room += begins ? (byte >= 0xE3 ? 2 : 1) : 0;
+        if (room > characters) {
+            return i;
+        }
     }
-    if (text.size() > kCharacters) {
-        text = text.substr(0, kCharacters - 3) + "...";
-    }
-    lines.push_back(std::move(text));
-    return lines;
+    return utf8.size();
 }
 
-std::string Shortened(const std::string& text, std::size_t most) {
-    return text.size() > most ? text.substr(0, most - 3) + "..." : text;
+std::string Shortened(const std::string& utf8, std::size_t characters) {
+    return BytesThatFit(utf8, characters) == utf8.size()
+               ? utf8
+               : utf8.substr(0, BytesThatFit(utf8, characters - 3)) + "...";
+}
+
+/// The text in lines of a value in UTF-8, broken at blanks where there are any.
+std::vector<std::string> Wrapped(const std::string& text) {
+    std::string rest = ToLine(text);
+    std::vector<std::string> lines;
+    while (lines.size() + 1 < kMostLines) {
+        const std::size_t fits = BytesThatFit(rest, kCharacters);
+        if (fits == rest.size()) {
+            break;
+        }
+        const std::size_t blank = rest.rfind(' ', fits);
+        const bool breaks = blank != std::string::npos && blank > 0;
+        lines.push_back(rest.substr(0, breaks ? blank : fits));
+        rest.erase(0, breaks ? blank + 1 : fits);
+    }
+    lines.push_back(Shortened(rest, kCharacters));
+    return lines;
 }
 
 std::string Number(int number) {
@@ -146,8 +166,8 @@ private:
         return height + (hasRemark ? kLine + 4 : 0);
     }
 
-    void DrawText(int x, int y, const std::string& style, const std::string& text) {
-        html_.Leaf("text", text, {{"x", Number(x)}, {"y", Number(y)}, {"class", style}});
+    void DrawText(int x, int y, const std::string& style, const std::string& utf8) {
+        html_.Leaf("text", Utf8{utf8}, {{"x", Number(x)}, {"y", Number(y)}, {"class", style}});
     }
 
     void DrawHead(const Part& part, const std::string& when) {
@@ -163,7 +183,7 @@ private:
                      {"d", part.isAdapter ? "M12 17h20v20h-5v4h-10v-4h-5zM17 17v6M22 17v6M27 17v6"
                                           : "M11 16h22v17h-22zM22 33v6M16 40h12"}});
         DrawText(kIndent + 2, 23, "when", when);
-        DrawText(kIndent + 2, 42, "name", Shortened(part.name, kHeadCharacters));
+        DrawText(kIndent + 2, 42, "name", Shortened(ToLine(part.name), kHeadCharacters));
     }
 
     void DrawGroup(const Group& group, int top) {
@@ -195,7 +215,7 @@ private:
                                  {"width", Number(kWidth - kIndent - 2)},
                                  {"height", Number(height + 2)},
                                  {"rx", "5"}});
-            html_.Sign("text", look.sign,
+            html_.Leaf("text", Utf8{look.sign},
                        {{"x", Number(kIndent + 7)},
                         {"y", Number(y + 14)},
                         {"class", std::string("sign ") + look.style}});
@@ -232,7 +252,7 @@ void DrawParts(Html& html, const std::vector<Part>& parts, const std::string& af
         const auto sides = html.Open("div", {{"class", "sides"}});
         Drawing(html, part.before).Draw(part, changes ? "Before" : "Before and after");
         if (changes) {
-            html.Sign("span", "\u2192", {{"class", "becomes"}, {"aria-hidden", "true"}});
+            html.Leaf("span", Utf8{"\u2192"}, {{"class", "becomes"}, {"aria-hidden", "true"}});
             Drawing(html, part.after).Draw(part, after);
         }
     }

@@ -23,7 +23,7 @@ using configure::ReportOptions;
 
 struct Verdict {
     const char* style;
-    Literal sign;
+    const char* sign;
     const char* words;
 };
 
@@ -57,7 +57,7 @@ void WriteVerdict(Html& html, const Subject& subject) {
     const Verdict verdict = VerdictOf(subject);
     {
         const auto box = html.Open("div", {{"class", std::string("verdict ") + verdict.style}});
-        html.Sign("span", verdict.sign, {{"class", "sign"}, {"aria-hidden", "true"}});
+        html.Leaf("span", verdict.sign, {{"class", "sign"}, {"aria-hidden", "true"}});
         const auto words = html.Open("div");
         html.Leaf("p", verdict.words, {{"class", "word"}});
         html.Leaf("p",
@@ -150,7 +150,7 @@ void WriteFindings(Html& html, const Subject& subject) {
         const auto body = html.Open("div");
         {
             const auto what = html.Open("p", {{"class", "what"}});
-            html.Leaf("strong", finding.code);
+            html.Leaf("strong", finding.code.Text());
             if (finding.place.line != 0) {
                 html.Leaf("span", " line " + std::to_string(finding.place.line),
                           {{"class", "place"}});

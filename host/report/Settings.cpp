@@ -54,7 +54,7 @@ void WriteValues(Html& html, const Row& row, const RowText& told) {
     {
         const auto values = html.Open("p", {{"class", "values"}});
         html.Leaf("code", configure::ListText(row.current), {{"class", "from"}});
-        html.Sign("span", " \u2192 ", {{"aria-hidden", "true"}});
+        html.Leaf("span", Utf8{" \u2192 "}, {{"aria-hidden", "true"}});
         html.Leaf("span", " becomes ", {{"class", "spoken"}});
         html.Leaf("code", configure::ListText(row.wanted), {{"class", "to"}});
     }

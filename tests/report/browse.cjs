@@ -5,6 +5,7 @@
 
 const fs = require('fs');
 const path = require('path');
+const {pathToFileURL} = require('url');
 const puppeteer = require('puppeteer-core');
 
 const axe = fs.readFileSync(require.resolve('axe-core/axe.min.js'), 'utf8');
@@ -63,7 +64,7 @@ async function look(browser, file, pictures) {
     const page = await browser.newPage();
     const say = (view, what) => faults.push(`${path.basename(file)}, ${view}: ${what}`);
     let view = 'loading';
-    const address = `file://${path.resolve(file)}`;
+    const address = pathToFileURL(file).href;
     page.on('request', (request) => {
         if (request.url() !== address) {
             say(view, `asks for ${request.url()}`);

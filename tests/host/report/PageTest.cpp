@@ -36,7 +36,7 @@ TEST(Html, EveryTextIsEscaped) {
     }
     // It would turn around what follows it.
     host::report::Html html;
-    html.Sign("b", "\u202Egpj.exe");
+    html.Leaf("b", host::report::Utf8{"\u202Egpj.exe"});
     EXPECT_EQ(html.Written(), "<b>\uFFFDgpj.exe</b>");
 }
 
