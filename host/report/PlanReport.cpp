@@ -5,6 +5,7 @@
 #include "host/ExitCode.h"
 #include "host/configure/Closing.h"
 #include "host/configure/Codes.h"
+#include "host/configure/RowText.h"
 #include "host/configure/Values.h"
 #include "host/reading/Secrets.h"
 #include "host/report/Comparison.h"
@@ -53,6 +54,25 @@ void WriteTexts(Html& html, const char* style, const std::vector<std::string>& t
     }
 }
 
+/// Of several runs the last one alone would say little.
+std::vector<std::string> SummaryLines(const Subject& subject) {
+    const std::vector<Pass>& passes = subject.outcome.passes;
+    std::vector<std::string> lines;
+    if (passes.size() > 1) {
+        std::size_t changes = 0;
+        for (const Pass& pass : passes) {
+            changes += configure::CountRows(pass.rows).changes;
+        }
+        const std::string restarts = passes.size() == 2 ? "a restart" : "restarts";
+        lines.push_back(std::to_string(passes.size()) + " runs with " + restarts +
+                        " between them: " + configure::CountsText({.changes = changes}) + ".");
+    }
+    if (passes.size() == 1 || passes.back().story.failure) {
+        lines.push_back(configure::SummaryText(subject.outcome, passes.back(), subject.options));
+    }
+    return lines;
+}
+
 void WriteVerdict(Html& html, const Subject& subject) {
     const Verdict verdict = VerdictOf(subject);
     {
@@ -60,8 +80,9 @@ void WriteVerdict(Html& html, const Subject& subject) {
         html.Leaf("span", verdict.sign, {{"class", "sign"}, {"aria-hidden", "true"}});
         const auto words = html.Open("div");
         html.Leaf("p", verdict.words, {{"class", "word"}});
-        html.Leaf("p",
-                  configure::SummaryText(subject.outcome, subject.outcome.Last(), subject.options));
+        for (const std::string& line : SummaryLines(subject)) {
+            html.Leaf("p", line);
+        }
         html.Leaf("p", configure::NextStep(subject.outcome, subject.options), {{"class", "next"}});
     }
     WriteTexts(html, "warning", subject.options.warnings);

@@ -76,6 +76,7 @@ async function look(browser, file, pictures) {
     });
     page.on('pageerror', (error) => say(view, error.message));
     page.on('console', (message) => say(view, message.text()));
+    const devtools = await page.createCDPSession();
     // The page's own policy would hide what the escaping let through.
     await page.setBypassCSP(true);
     await page.goto(address, {waitUntil: 'load'});
@@ -86,8 +87,14 @@ async function look(browser, file, pictures) {
     for (const {name, width, scheme, media} of views) {
         view = name;
         await page.setViewport({width, height: 1000});
-        await page.emulateMediaType(media);
-        await page.emulateMediaFeatures([{name: 'prefers-color-scheme', value: scheme}]);
+        // Both at once: either call alone takes back the other.
+        await devtools.send('Emulation.setEmulatedMedia',
+            {media, features: [{name: 'prefers-color-scheme', value: scheme}]});
+        const seen = await page.evaluate(() => [window.innerWidth, matchMedia('print').matches,
+            matchMedia('(prefers-color-scheme: dark)').matches].join());
+        if (seen !== [width, media === 'print', scheme === 'dark'].join()) {
+            say(name, `the browser shows another view: ${seen}`);
+        }
         for (const opened of [false, true]) {
             await page.evaluate((open) => document.querySelectorAll('details').forEach(
                 (details) => { details.open = open; }), opened);
