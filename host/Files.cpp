@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <optional>
 
 #include "common/lang/Handle.h"
@@ -17,6 +18,8 @@ using lang::FileHandle;
 
 constexpr std::size_t kMostBytes = 64 << 20;
 constexpr DWORD kPiece = 1 << 20;
+// Most files are small, and touching a megabyte for one costs more than reading it.
+constexpr DWORD kFirstPiece = 16 << 10;
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 /// Of the last Windows error. To be asked before anything else calls Windows.
@@ -50,10 +53,11 @@ bool Replace(HANDLE file, std::string_view text) {
 
 std::optional<std::string> ReadToEnd(void* file, std::size_t most) {
     std::string text;
-    for (DWORD count = kPiece; count != 0 && text.size() <= most;) {
+    DWORD piece = kFirstPiece;
+    for (DWORD count = 1; count != 0 && text.size() <= most; piece = std::min(2 * piece, kPiece)) {
         const std::size_t before = text.size();
-        text.resize(before + kPiece);
-        const bool isRead = ReadFile(file, text.data() + before, kPiece, &count, nullptr) != 0;
+        text.resize(before + piece);
+        const bool isRead = ReadFile(file, text.data() + before, piece, &count, nullptr) != 0;
         if (!isRead && GetLastError() == ERROR_BROKEN_PIPE) {
             count = 0;  // its writer has gone: the end
         } else if (!isRead) {
