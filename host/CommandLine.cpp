@@ -19,6 +19,7 @@
 #include "host/Text.h"
 #include "host/check/CheckCommand.h"
 #include "host/configure/ConfigureCommand.h"
+#include "host/fleet/FleetCommand.h"
 #include "host/init/InitCommand.h"
 #include "host/snapshot/SnapshotCommand.h"
 #include "toolbox/config/ModuleVersion.h"
@@ -137,6 +138,11 @@ void AddFooters(CLI::App& app) {
         "Exit codes: 0 no error; 65 errors, with --strict warnings too, or no such file; 64 wrong "
         "usage\n\nExample:\n  toolbox-host check --strict site.ini\n"
         "  toolbox-host check office.ini shop.ini --machine standard.json --format sarif");
+    app.get_subcommand("fleet")->footer(
+        std::string(kExitCodes) +
+        "\nThe code is the worst of all machines': 1 before 65, 65 before 2, 2 before 0.\n\n"
+        "Examples:\n  toolbox-host fleet machines\n"
+        "  toolbox-host fleet machines --file site.ini --format json");
     app.get_subcommand("snapshot")
         ->footer(
             "Exit codes: 0 written; 1 failure; 64 wrong usage\n\n"
@@ -199,6 +205,7 @@ int Run(int argc, const char* const* argv, TextStream& data, TextStream& notes) 
         {{"auto", Colours::kAuto}, {"always", Colours::kAlways}, {"never", Colours::kNever}},
         options.colours);
     configure::AddConfigureCommand(app, options, action);
+    fleet::AddFleetCommand(app, options, action);
     snapshot::AddSnapshotCommand(app, action);
     init::AddInitCommand(app, options, action);
     check::AddCheckCommand(app, action);

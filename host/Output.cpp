@@ -21,21 +21,13 @@ bool AreWanted(Colours colours, const Destination& destination) {
                                            (refusal == nullptr || *refusal == '\0'));
 }
 
-bool IsContinuation(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
-std::size_t Characters(std::string_view utf8) {
-    return utf8.size() - static_cast<std::size_t>(std::ranges::count_if(utf8, IsContinuation));
-}
-
 /// As many characters as there is room for.
 std::string Shortened(std::string text, std::size_t room) {
     constexpr std::string_view kDots = "...";
-    if (Characters(text) <= room) {
+    if (CountCharacters(text) <= room) {
         return text;
     }
-    while (!text.empty() && Characters(text) + kDots.size() > room) {
+    while (!text.empty() && CountCharacters(text) + kDots.size() > room) {
         text.pop_back();
     }
     return text.append(kDots);
@@ -89,7 +81,7 @@ void Output::Progress(std::string_view text) {
     constexpr std::size_t kMargin = 3;
     const std::size_t room = std::max(destination.columns, kMargin) - kMargin;
     const std::string line = Shortened(ToLine(text), room);
-    const std::size_t length = Characters(line);
+    const std::size_t length = CountCharacters(line);
     const std::size_t rest = progressShown_ - std::min(progressShown_, length);
     WriteBeside("\r" + line + std::string(rest, ' ') + (rest > 0 ? "\r" + line : ""));
     progressShown_ = length;
@@ -127,11 +119,21 @@ void Output::File(std::string_view text) {
     Raw(data_.Leads().isTerminal ? ToUtf8(text) : text);
 }
 
+bool Output::PrintJson(const Json& object) {
+    if (IsJson()) {
+        Progress({});
+        data_.Write(object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
+        data_.Flush();
+    }
+    return data_.Error() == 0;
+}
+
 int Output::Finish(int exitCode) {
     Progress({});
-    const bool isLost = IsSarif() && document_.empty();
-    if (IsJson() && !rawPrinted_ && !isLost) {
-        data_.Write(document_.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    const bool hasNothing = (IsSarif() || inLines_) && document_.empty();
+    if (IsJson() && !rawPrinted_ && !hasNothing) {
+        const int indent = inLines_ ? -1 : 2;
+        data_.Write(document_.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n");
     }
     data_.Flush();
     switch (data_.Error()) {

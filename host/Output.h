@@ -42,6 +42,12 @@ public:
     /// The object that JSON output prints. Its texts must be UTF-8 (ToUtf8).
     nlohmann::ordered_json& Document() noexcept { return document_; }
 
+    /// From here on JSON is one object a line: those that PrintJson prints, and at the end what
+    /// Document() holds, if anything.
+    void BeginLines() noexcept { inLines_ = true; }
+    /// Prints the object at once; nothing as text. False where nobody reads any more.
+    bool PrintJson(const nlohmann::ordered_json& object);
+
     /// A line of the module's log: "[level] text" beside the data, or an element of "log".
     void Log(const LogLine& line);
     /// Why the command failed, in the system code page: beside the data, whatever the format, and
@@ -67,6 +73,7 @@ private:
     bool colours_;
     std::size_t progressShown_ = 0;  ///< characters of it
     bool rawPrinted_ = false;
+    bool inLines_ = false;
     nlohmann::ordered_json document_ = nlohmann::ordered_json::object();
 };
 

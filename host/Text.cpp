@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "common/util/Strings.h"
@@ -36,6 +37,13 @@ std::string ToUtf8(std::string_view text) {
     return utf8;
 }
 
+std::size_t CountCharacters(std::string_view utf8) {
+    const auto isFirstByte = [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+    };
+    return static_cast<std::size_t>(std::ranges::count_if(utf8, isFirstByte));
+}
+
 std::string ToLine(std::string_view text) {
     std::string line;
     for (const char character : ToUtf8(text)) {
@@ -47,6 +55,23 @@ std::string ToLine(std::string_view text) {
         }
     }
     return line;
+}
+
+std::size_t ShownWidth(std::string_view text) {
+    return CountCharacters(ToLine(text));
+}
+
+std::string Grouped(std::size_t number) {
+    constexpr std::size_t kGroup = 3;
+    std::string digits = std::to_string(number);
+    for (std::size_t end = digits.size(); end > kGroup; end -= kGroup) {
+        digits.insert(end - kGroup, ",");
+    }
+    return digits;
+}
+
+std::string Counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 std::string DescribeSystemError(std::uint32_t code) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,9 +11,21 @@ namespace host {
 /// U+FFFD; no input fails.
 std::string ToUtf8(std::string_view text);
 
+/// The characters of a text in UTF-8.
+std::size_t CountCharacters(std::string_view utf8);
+
 /// ToUtf8 for one line of a terminal: control characters (line feeds too) are written as \xNN, so
 /// that a text from a file or a message can neither move the cursor nor look like another line.
 std::string ToLine(std::string_view text);
+
+/// How many characters ToLine makes of it.
+std::size_t ShownWidth(std::string_view text);
+
+/// "1,234"
+std::string Grouped(std::size_t number);
+
+/// "1 error", "2 errors"
+std::string Counted(std::size_t count, const std::string& noun);
 
 /// What Windows says about an error code, in the system code page, without a final line feed, and
 /// with the code: "Access is denied. (error 5)".

@@ -31,10 +31,6 @@ struct CheckArguments {
     bool strict = false;
 };
 
-std::string Counted(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 /// Prints the findings; returns them for programs.
 Json Show(const std::string& file, const CheckedFile& checked, Output& output) {
     const Findings& findings = checked.findings;

@@ -19,14 +19,17 @@ std::string Joined(const Texts& texts) {
 }
 
 std::string RestartText(const Pass& pass) {
-    if (pass.story.fileKept) {
-        return "Restart needed.";
+    switch (RestartNeedOf(pass)) {
+        case RestartNeed::kNeeded:
+            return "Restart needed.";
+        case RestartNeed::kNotReported:
+            return "Restart needed, and not reported.";
+        case RestartNeed::kPending:
+            return "A restart is pending; none is asked for.";
+        case RestartNeed::kNone:
+            break;
     }
-    if (pass.story.stoppedForRestart) {
-        return "Restart needed, and not reported.";
-    }
-    return RestartEffects(pass.run.after).empty() ? "No restart."
-                                                  : "A restart is pending; none is asked for.";
+    return "No restart.";
 }
 
 /// The setting that failed with its place, or else what did.
@@ -39,27 +42,32 @@ std::string FailedSubject(const Pass& pass) {
     return WhatFailed(pass);
 }
 
-/// "Would fail: Domain (:5): the account's name or password is wrong (1326)"
-std::string FailurePhrase(const Pass& pass, const char* verb) {
-    return std::string(verb) + ": " + FailedSubject(pass) + ": " +
-           FailureText(*pass.story.failure) + ".";
+}  // namespace
+
+RestartNeed RestartNeedOf(const Pass& pass) {
+    return pass.story.fileKept                      ? RestartNeed::kNeeded
+           : pass.story.stoppedForRestart           ? RestartNeed::kNotReported
+           : RestartEffects(pass.run.after).empty() ? RestartNeed::kNone
+                                                    : RestartNeed::kPending;
 }
 
 bool FailsAfterRestart(const Outcome& outcome) {
     return outcome.afterRestart && outcome.afterRestart->story.failure;
 }
 
-}  // namespace
+std::string FailurePhrase(const Pass& pass, const char* verb) {
+    return std::string(verb) + ": " + FailedSubject(pass) + ": " + FailureText(*pass.story.failure);
+}
 
 std::string SummaryText(const Outcome& outcome, const Pass& pass, const ReportOptions& options) {
     std::string text =
         std::string(options.plan ? "Plan: " : "Run: ") + CountsText(CountRows(pass.rows)) + ".";
     if (pass.story.failure) {
-        return text + " " + FailurePhrase(pass, options.plan ? "Would fail" : "Failed");
+        return text + " " + FailurePhrase(pass, options.plan ? "Would fail" : "Failed") + ".";
     }
     text += " " + RestartText(pass);
     if (&pass == &outcome.Last() && FailsAfterRestart(outcome)) {
-        text += " " + FailurePhrase(*outcome.afterRestart, "Fails after the restart");
+        text += " " + FailurePhrase(*outcome.afterRestart, "Fails after the restart") + ".";
     }
     return text;
 }

@@ -13,6 +13,21 @@ namespace host::configure {
 /// "Plan: 4 changes, 1 left alone. No restart."; with what fails, where something does.
 std::string SummaryText(const Outcome& outcome, const Pass& pass, const ReportOptions& options);
 
+/// What a run comes to as to restarts.
+enum class RestartNeed {
+    kNone,
+    kNeeded,       ///< the module asks for one
+    kNotReported,  ///< the module stopped for one and keeps quiet about it
+    kPending,      ///< something waits for one that nobody asks for
+};
+RestartNeed RestartNeedOf(const Pass& pass);
+
+/// Whether the run after the restart would fail.
+bool FailsAfterRestart(const Outcome& outcome);
+
+/// "Would fail: Domain (:5): the account's name or password is wrong (1326)"
+std::string FailurePhrase(const Pass& pass, const char* verb);
+
 /// What waits for the restart in the machine itself: "computer name PC7".
 std::vector<std::string> RestartEffects(const machine::State& machine);
 

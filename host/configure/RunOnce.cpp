@@ -7,6 +7,7 @@
 
 #include "host/HostError.h"
 #include "host/Module.h"
+#include "host/Text.h"
 #include "host/configure/Announcement.h"
 #include "host/configure/PrivateFolder.h"
 #include "host/configure/Values.h"
@@ -38,16 +39,6 @@ void ReplaceAll(std::string& text, const std::string& from, const std::string& t
          at = text.find(from, at + to.size())) {
         text.replace(at, from.size(), to);
     }
-}
-
-/// "1,234"
-std::string Grouped(std::size_t number) {
-    constexpr std::size_t kGroup = 3;
-    std::string digits = std::to_string(number);
-    for (std::size_t end = digits.size(); end > kGroup; end -= kGroup) {
-        digits.insert(end - kGroup, ",");
-    }
-    return digits;
 }
 
 /// A call that the simulation does not serve would reach this machine.
