@@ -53,7 +53,7 @@ void CheckAddressing(const Node& node, const Object& object) {
     ExpectAddresses(node, "gateways", object.gateways);
     ExpectAddresses(node, "dnsServers", object.dnsServers);
     if (addresses && masks && !addresses->empty() && addresses->size() != masks->size()) {
-        node.Member("ipSubnet")
+        (node.Value().contains("ipSubnet") ? node.Member("ipSubnet") : node)
             .Reject(std::to_string(masks->size()) + " masks for " +
                     std::to_string(addresses->size()) + " addresses");
     }
@@ -137,6 +137,15 @@ void Read(const Node& node, std::vector<HostName>& hosts) {
         }
         hosts.push_back(std::move(host));
     }
+}
+
+void Read(const Node& node, State& state) {
+    Members members(node);
+    std::string schema;  // where an editor finds what completes the file
+    members.Optional("$schema", schema);
+    ListMembers(members, state);
+    members.Finish();
+    Check(node, state);
 }
 
 template <typename Choice>

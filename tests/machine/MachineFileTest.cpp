@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <concepts>
 #include <cstdio>
 #include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
 
 namespace machine {
 namespace {
@@ -125,6 +128,58 @@ TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
     }
 }
 
+using Json = nlohmann::ordered_json;
+
+/// The places of all values below one.
+std::vector<Json::json_pointer> Places(const Json& json,
+                                       const Json::json_pointer& at = Json::json_pointer()) {
+    std::vector<Json::json_pointer> places;
+    if (!json.is_structured()) {
+        return places;
+    }
+    for (const auto& [name, value] : json.items()) {
+        places.push_back(json.is_array() ? at / std::stoul(name) : at / name);
+        std::ranges::copy(Places(value, places.back()), std::back_inserter(places));
+    }
+    return places;
+}
+
+// Spoils every value of a machine file and leaves what the loader says of it beside this program,
+// for check-machine-schema, which runs after it.
+TEST(MachineFile, TheLoaderSaysOfEachSpoiltFileWhatTheSchemaSays) {
+    State state = RichState();
+    state.adapters.resize(1);
+    state.domains.resize(1);
+    state.domains[0].accounts.resize(1);
+    state.domains[0].units.resize(1);
+    state.domains[0].units[0].units.resize(1);
+    state.routes.resize(1);
+    Json whole = Json::parse(FormatState(state));
+    whole["$schema"] = "machine-file.schema.json";
+    Json verdicts = Json::array();
+    const auto judge = [&](const Json& change) {
+        const std::string error = ErrorOf(whole.patch(Json::array({change})).dump());
+        // What members must agree on is no matter of shape.
+        if (error.find(" masks for ") == std::string::npos) {
+            verdicts.push_back({{"change", change}, {"error", error}});
+        }
+    };
+    const Json values[] = {nullptr, -1, 4294967296, "text", "64", "1.2.3.256", Json::object()};
+    for (const Json::json_pointer& place : Places(whole)) {
+        for (const Json& value : values) {
+            judge({{"op", "replace"}, {"path", place.to_string()}, {"value", value}});
+        }
+        if (whole[place.parent_pointer()].is_object()) {
+            judge({{"op", "remove"}, {"path", place.to_string()}});
+        }
+        if (whole[place].is_object()) {
+            const std::string extra = (place / "extra").to_string();
+            judge({{"op", "add"}, {"path", extra}, {"value", true}});
+        }
+    }
+    std::ofstream("machine-file-verdicts.json") << Json{{"whole", whole}, {"verdicts", verdicts}};
+}
+
 TEST(MachineFile, TheExamplesOfTheDocumentationLoad) {
     std::ifstream in(TOOLBOX_SOURCE_DIR "/docs/machine-files.md");
     int examples = 0;
@@ -142,7 +197,7 @@ TEST(MachineFile, TheExamplesOfTheDocumentationLoad) {
             json.clear();
         }
     }
-    EXPECT_EQ(examples, 3);
+    EXPECT_EQ(examples, 4);
 }
 
 }  // namespace
