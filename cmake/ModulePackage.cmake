@@ -18,4 +18,13 @@ function(package_module target)
         install(FILES $<TARGET_PDB_FILE:${target}> DESTINATION . RENAME ${name}.pdb OPTIONAL)
     endif()
     install(PROGRAMS $<TARGET_FILE:${target}> DESTINATION . RENAME ${name}.dll)
+    set_target_properties(${target} PROPERTIES PACKAGED_NAME ${name}.dll)
+endfunction()
+
+# What stands around the module in a package; scripts/package adds the rest.
+function(package_surroundings)
+    install(TARGETS toolbox-host RUNTIME DESTINATION .)
+    install(FILES CHANGELOG.md DESTINATION .)
+    install(FILES cmake/package-readme.md DESTINATION . RENAME README.md)
+    install(DIRECTORY docs examples integrations DESTINATION .)
 endfunction()

@@ -51,6 +51,13 @@ bool Replace(HANDLE file, std::string_view text) {
 
 }  // namespace
 
+std::string FullPath(const std::string& path) {
+    const DWORD size = GetFullPathNameA(path.c_str(), 0, nullptr, nullptr);
+    std::string full(size + 1U, '\0');
+    const DWORD length = GetFullPathNameA(path.c_str(), size, full.data(), nullptr);
+    return length == 0 || length >= size ? path : full.substr(0, length);
+}
+
 std::optional<std::string> ReadToEnd(void* file, std::size_t most) {
     std::string text;
     DWORD piece = kFirstPiece;

@@ -14,6 +14,9 @@ namespace host {
 /// given.
 const CLI::Validator& NotEmpty();
 
+/// With drive and folder. The file need not be there.
+std::string FullPath(const std::string& path);
+
 /// What the file holds. Throws HostError (bad input) with the system's reason, and for a file of
 /// more than 64 MB: what has no end is no input either.
 std::string ReadWholeFile(const std::string& path);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/util/Strings.h"
+#include "host/Files.h"
 #include "host/HostError.h"
 #include "host/Text.h"
 
@@ -20,13 +21,6 @@ using GetApiFunction = ToolboxAPI* (*)();
 struct ModuleCloser {
     void operator()(void* handle) const noexcept { FreeLibrary(static_cast<HMODULE>(handle)); }
 };
-
-std::string FullPath(const std::string& path) {
-    const DWORD size = GetFullPathNameA(path.c_str(), 0, nullptr, nullptr);
-    std::vector<char> buffer(size + 1U);
-    const DWORD length = GetFullPathNameA(path.c_str(), size, buffer.data(), nullptr);
-    return length == 0 || length >= size ? path : std::string(buffer.data(), length);
-}
 
 std::string ProgramPath() {
     std::vector<char> buffer(MAX_PATH);
@@ -71,7 +65,13 @@ Module::~Module() {
 
 std::string Module::DefaultPath() {
     const std::string program = ProgramPath();
-    return program.substr(0, program.find_last_of("\\/") + 1) + "config.dll";
+    const std::string folder = program.substr(0, program.find_last_of("\\/") + 1);
+    const auto isThere = [](const std::string& path) {
+        return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+    };
+    const std::string built = folder + "config.dll";
+    const std::string packaged = folder + TOOLBOX_PACKAGED_MODULE;
+    return isThere(packaged) && !isThere(built) ? packaged : built;
 }
 
 Module::Version Module::GetVersion() const {

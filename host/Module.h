@@ -24,7 +24,8 @@ public:
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 
-    /// "config.dll" in the directory of this program.
+    /// "config.dll" in the directory of this program; where there is none, as in a package, the
+    /// module under the name that it announces for updates, if that is there.
     static std::string DefaultPath();
 
     const std::string& Path() const noexcept { return path_; }

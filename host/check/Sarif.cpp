@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "common/util/Strings.h"
+#include "host/Files.h"
 #include "host/Text.h"
 #include "toolbox/config/ModuleVersion.h"
 
@@ -39,13 +40,6 @@ Json DescribeRules() {
              {"defaultConfiguration", {{"level", LevelName(rule.Allows(Severity::kError))}}}});
     }
     return rules;
-}
-
-std::string FullPath(const std::string& path) {
-    std::string full(GetFullPathNameA(path.c_str(), 0, nullptr, nullptr), '\0');
-    full.resize(
-        GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
-    return full;
 }
 
 /// The path as a part of a URI. A colon is one of a drive in front and is encoded elsewhere: it
