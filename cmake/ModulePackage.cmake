@@ -26,5 +26,8 @@ function(package_surroundings)
     install(TARGETS toolbox-host RUNTIME DESTINATION .)
     install(FILES CHANGELOG.md DESTINATION .)
     install(FILES cmake/package-readme.md DESTINATION . RENAME README.md)
-    install(DIRECTORY docs examples integrations DESTINATION .)
+    install(DIRECTORY examples integrations DESTINATION .)
+    # Not the pages for those who work on the sources.
+    install(DIRECTORY docs DESTINATION .
+        REGEX "/(architecture|performance|reliability|working-on-it)\\.md$" EXCLUDE)
 endfunction()
