@@ -75,10 +75,25 @@ std::size_t CountThreads() {
     return count;
 }
 
+std::size_t CountLargeBlocks() {
+    constexpr DWORD kLarge = 64 << 10;
+    std::vector<HANDLE> heaps(GetProcessHeaps(0, nullptr));
+    heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
+    std::size_t count = 0;
+    for (const HANDLE heap : heaps) {
+        PROCESS_HEAP_ENTRY block{};
+        while (HeapWalk(heap, &block) != FALSE) {
+            const bool isInUse = (block.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0;
+            count += isInUse && block.cbData >= kLarge ? 1 : 0;
+        }
+    }
+    return count;
+}
+
 }  // namespace
 
 ProcessState ReadProcessState() {
-    return {CountHandles(), CountModules(), CountThreads()};
+    return {CountHandles(), CountModules(), CountThreads(), CountLargeBlocks()};
 }
 
 }  // namespace endurance
