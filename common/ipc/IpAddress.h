@@ -57,7 +57,7 @@ public:
     }
 
 private:
-    std::int32_t state_ = -1;  // 0 once a text was resolved
+    std::int32_t state_ = -1;  // 0 once Resolve was called; nothing reads it
     std::uint32_t address_ = 0;
 };
 

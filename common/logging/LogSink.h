@@ -2,6 +2,14 @@
 
 #include <cstdint>
 
+// What a declaration of a printf-style function ends in; the positions count `this`.
+#ifdef __GNUC__
+#define LOGGING_PRINTF(format_position, first_argument) \
+    __attribute__((format(printf, format_position, first_argument)))
+#else
+#define LOGGING_PRINTF(format_position, first_argument)
+#endif
+
 namespace logging {
 
 /// Levels of the lines this module writes.
@@ -18,11 +26,7 @@ public:
 
     /// `format` is printf-style. A line may reach a host that formats the finished line once more:
     /// pass text that came from outside through util::DoublePercents first.
-#ifdef __GNUC__
-    __attribute__((format(printf, 3, 4)))
-#endif
-    virtual void
-    Log(std::uint32_t level, const char* format, ...) = 0;
+    virtual void Log(std::uint32_t level, const char* format, ...) LOGGING_PRINTF(3, 4) = 0;
 };
 
 /// Discards every line.

@@ -21,8 +21,8 @@ inline constexpr char kAboutToAnalyze[] =
 inline constexpr char kCaughtConfigError[] = "Configure::HandleMessage(): caught win32 error, err=";
 inline constexpr char kCaughtOtherError[] =
     "Configure::HandleMessage(): caught general (win32) error, err=";
-// Of an error that left the handler: "source:line - message (error = code)" follows.
-inline constexpr char kUnhandledError[] = "Exception Details: ";
+// A format: of an error that left the handler.
+inline constexpr char kUnhandledError[] = "Exception Details: %s:%d - %s (error = %d)";
 
 // "Status-Module" of a run that stopped at a restart marker although the file says that a restart
 // is not to be reported.

@@ -32,13 +32,14 @@ public:
     /// workgroup. Returns the low byte of the methods' result; 0 or 1.
     std::uint8_t JoinWorkgroup(const std::string& name);
 
-    /// Joins `domain` (not empty), creating the computer object in `ou` (a slash path, may be
+    /// Joins `domain` (not empty), creating the computer object in `ou` (either form, may be
     /// empty) when the first attempt fails. `option` adds a flag to the join. Returns the low byte
     /// of the last result; 0 or 1.
     std::uint8_t JoinDomainAndOu(const std::string& domain, const std::string& ou, bool option);
 
-    /// Moves the computer object over LDAP. Always false, also when it was moved: only the absence
-    /// of an error says so.
+    /// Moves the computer object over LDAP to `destination` (a unit in either form; empty means the
+    /// container "Computers"). Does nothing on a machine that is no member. Always false, also when
+    /// it was moved: only the absence of an error says so.
     bool MoveOu(const std::string& destination);
 
     /// The distinguished name of a unit (either form) in a domain ("corp.example" or "DC=...").

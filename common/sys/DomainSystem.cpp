@@ -141,26 +141,23 @@ const char* MoveComputerObject(const std::string& source, const std::string& des
     const std::wstring wideAccount = Widen(account);
     const SecretWideText widePassword(password);
 
-    CoInitialize(nullptr);
-    const char* failure = nullptr;
-    {
-        ComPtr<IADsContainer> container;  // whose __uuidof mingw-w64 does not have
-        result = ADsOpenObject(wideDestination.c_str(), wideAccount.c_str(), widePassword.Get(),
-                               ADS_SECURE_AUTHENTICATION, IID_IADsContainer,
-                               reinterpret_cast<void**>(container.GetAddressOf()));
-        if (FAILED(result)) {
-            failure = "Unable to bind to destination OU";
-        } else {
-            ComPtr<IDispatch> moved;
-            result = container->MoveHere(wideSource.Get(), nullptr, moved.GetAddressOf());
-            container.Reset();
-            if (FAILED(result)) {
-                failure = "Unable to locate computer at source OU";
-            }
-        }
+    /// Left even where entering failed.
+    struct ComScope {
+        ComScope() { CoInitialize(nullptr); }
+        ~ComScope() { CoUninitialize(); }
+        ComScope(const ComScope&) = delete;
+        ComScope& operator=(const ComScope&) = delete;
+    } const com;
+    ComPtr<IADsContainer> container;  // whose __uuidof mingw-w64 does not have
+    result = ADsOpenObject(wideDestination.c_str(), wideAccount.c_str(), widePassword.Get(),
+                           ADS_SECURE_AUTHENTICATION, IID_IADsContainer,
+                           reinterpret_cast<void**>(container.GetAddressOf()));
+    if (FAILED(result)) {
+        return "Unable to bind to destination OU";
     }
-    CoUninitialize();
-    return failure;
+    ComPtr<IDispatch> moved;
+    result = container->MoveHere(wideSource.Get(), nullptr, moved.GetAddressOf());
+    return FAILED(result) ? "Unable to locate computer at source OU" : nullptr;
 }
 
 }  // namespace sys

@@ -22,8 +22,10 @@ void ReadMembership(const Membership& membership);
 /// Throws DomainError.
 std::string ReadComputerObjectName();
 
-/// Moves the object of one LDAP path into the container of another, with that account. Returns the
-/// text of what failed and its HRESULT, or null when nothing did.
+/// Moves the object of one LDAP path into the container of another, with that account, and calls
+/// CoInitialize and CoUninitialize for it. Returns the static text of what failed, or null when
+/// nothing did; `result` is the HRESULT of the last step either way. Throws ComError when memory
+/// for a text is short.
 const char* MoveComputerObject(const std::string& source, const std::string& destination,
                                const std::string& account, const std::string& password,
                                std::int32_t& result);

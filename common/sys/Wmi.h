@@ -16,7 +16,7 @@ using Result = std::int32_t;  // an HRESULT
 
 /// What a failing query or method reports.
 struct WmiFailure {
-    const char* message;
+    const char* message;  // a static text: errors keep the pointer
     std::int32_t line;
 };
 
@@ -63,7 +63,8 @@ enum class WmiRows { kFirst, kAll };
 
 /// Runs a query, whose text may go on where the query's own ends, and calls `visit` for its rows.
 /// Returns the HRESULT of the last read, or 0 when no row came. Throws CWmiError when the query
-/// fails or a row cannot be fetched; the rows before it have been visited then.
+/// fails or a row cannot be fetched (the rows before it have been visited then), ComError when
+/// memory for a text is short, and what `visit` throws.
 Result RunWmiQuery(const WmiQuery& query, const std::string& text, WmiRows rows,
                    const std::function<void(WmiRow&)>& visit);
 
@@ -75,7 +76,8 @@ public:
     WmiInParameters& operator=(const WmiInParameters&) = delete;
 
     virtual void PutText(const wchar_t* name, const std::string& text) = 0;
-    /// The same; the copy made for the call is overwritten after it.
+    /// The same; the module's copy is overwritten before this returns. The one that WMI's object
+    /// takes is WMI's.
     virtual void PutSecret(const wchar_t* name, const std::string& text) = 0;
     virtual void PutInteger(const wchar_t* name, std::int32_t value) = 0;
     virtual void PutTexts(const wchar_t* name, const std::vector<std::string>& texts) = 0;

@@ -240,8 +240,14 @@ std::uint32_t CallMethod(const ScopedWmiComInit& connection, const WmiMethod& me
     if (connection.Services() == nullptr) {
         throw MakeWmiError(method.failure, connection.SetupResult());
     }
+    return MethodCall(*connection.Services(), method).Run(objectPath, fill);
+}
+
+/// A text for which there is no memory is the method's failure, the connection's own text too.
+template <typename Steps>
+std::uint32_t AsMethod(const WmiMethod& method, const Steps& steps) {
     try {
-        return MethodCall(*connection.Services(), method).Run(objectPath, fill);
+        return steps();
     } catch (const ComError& error) {
         throw MakeWmiError(method.failure, error.Result());
     }
@@ -256,25 +262,23 @@ Result RunWmiQuery(const WmiQuery& query, const std::string& text, WmiRows rows,
 
 std::uint32_t RunWmiMethod(const WmiMethod& method, const std::string& objectPath,
                            const std::function<void(WmiInParameters&)>& fill) {
-    return CallMethod(ScopedWmiComInit(), method, objectPath, fill);
+    return AsMethod(method,
+                    [&] { return CallMethod(ScopedWmiComInit(), method, objectPath, fill); });
 }
 
 std::uint32_t RunComputerMethod(const WmiMethod& method,
                                 const std::function<void(WmiInParameters&)>& fill) {
-    const ScopedWmiComInit connection;
-    const WmiQuery query = {kComputerNameQuery, method.failure};
-    std::string name;
-    Result result = S_OK;
-    try {
-        result = ForEachRow(connection, query, query.text, WmiRows::kFirst,
-                            [&name](WmiRow& row) { row.ReadText(L"Name", name); });
-    } catch (const ComError& error) {
-        result = error.Result();
-    }
-    if (FAILED(result)) {
-        throw MakeWmiError(method.failure, result);
-    }
-    return CallMethod(connection, method, ComputerPath(name), fill);
+    return AsMethod(method, [&] {
+        const ScopedWmiComInit connection;
+        const WmiQuery query = {kComputerNameQuery, method.failure};
+        std::string name;
+        const Result result = ForEachRow(connection, query, query.text, WmiRows::kFirst,
+                                         [&name](WmiRow& row) { row.ReadText(L"Name", name); });
+        if (FAILED(result)) {
+            throw MakeWmiError(method.failure, result);
+        }
+        return CallMethod(connection, method, ComputerPath(name), fill);
+    });
 }
 
 }  // namespace sys

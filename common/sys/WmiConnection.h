@@ -13,7 +13,8 @@ class ScopedWmiComInit {
 public:
     /// Connects. A step that fails ends the set-up; whoever uses the connection finds no services,
     /// unless it was the last step (the security of the services), after which they serve as they
-    /// are.
+    /// are. Throws ComError, with COM not entered, when there is no memory for the namespace's
+    /// text.
     ScopedWmiComInit();
     ~ScopedWmiComInit();
     ScopedWmiComInit(const ScopedWmiComInit&) = delete;

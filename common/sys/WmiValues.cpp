@@ -8,11 +8,6 @@
 
 namespace sys {
 
-ComError::ComError(std::int32_t result)
-    : runtime_error(
-          util::Format("COM operation failed. HRESULT is 0x%08X", static_cast<unsigned>(result))),
-      result_(result) {}
-
 Bstr::Bstr(std::string_view narrow) {
     // Straight into the BSTR: no copy of a secret is left behind. An empty text is not converted:
     // it would be refused and set the thread's last error, which a failure report shows.

@@ -44,8 +44,9 @@ std::uint64_t NumberOf(const BY_HANDLE_FILE_INFORMATION& file) {
 /// What two paths are to have in common.
 enum class Common { kFile, kName };
 
-/// By the file's number, where it says. Final paths can differ all the same: a share of this
-/// machine leads to a file by a path of its own.
+/// By the files' numbers, where the file system has them: a share of this machine shows a file
+/// under a path of its own, so different final paths prove nothing. For a name they count only if
+/// the file has no other one.
 bool HaveInCommon(Common what, const FileHandle& left, const FileHandle& right) {
     BY_HANDLE_FILE_INFORMATION a{};
     BY_HANDLE_FILE_INFORMATION b{};
@@ -117,7 +118,9 @@ bool IsSameFile(const std::string& left, const std::string& right) {
 }
 
 bool StandsAt(const std::string& path, const std::string& target) {
-    return HaveInCommon(Common::kName, path, target);
+    // A link that stands there itself is there, wherever it leads.
+    return NoCaseEqual(FullPath(path), FullPath(target)) ||
+           HaveInCommon(Common::kName, path, target);
 }
 
 std::string ExecutablePath() {

@@ -9,8 +9,9 @@
 
 namespace util {
 
-/// A path counts as an existing file when its attributes can be read and it is no directory. The
-/// functions below go by the same rule. Failures are CFileIOError with the last Windows error.
+/// A path counts as an existing file when its attributes can be read and it is no directory.
+/// MoveFile and DeleteFile go by the same rule; their failures are CFileIOError with the last
+/// Windows error.
 bool FileExists(const std::string& path);
 
 /// Never replaces: an existing `destination` is an error, found before `source` is looked at.
@@ -29,7 +30,8 @@ inline void DeleteFileA(const std::string& path) {
 bool IsSameFile(const std::string& left, const std::string& right);
 
 /// Whether the file that `path` leads to stands under the name `target` already: the same, but a
-/// link at `target`, hard or symbolic, is another name of the file and not this one.
+/// link at `target`, hard or symbolic, is another name of the file and not this one, unless `path`
+/// names that very link.
 bool StandsAt(const std::string& path, const std::string& target);
 
 /// The path of the host process's executable, as the system reports it in at most 260 characters.

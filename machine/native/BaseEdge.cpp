@@ -8,10 +8,14 @@
 #include "machine/Text.h"
 #include "machine/native/Machine.h"
 
+namespace ipc {
+
+namespace {
+
 using native::Call;
 using native::TheMachine;
 
-namespace ipc {
+}  // namespace
 
 void ResolveHostName(const std::string& name, std::uint32_t& address) {
     const Call call("gethostbyname", {{"name", name}});
@@ -31,6 +35,13 @@ void ResolveHostName(const std::string& name, std::uint32_t& address) {
 }  // namespace ipc
 
 namespace util {
+
+namespace {
+
+using native::Call;
+using native::TheMachine;
+
+}  // namespace
 
 bool FileExists(const std::string& path) {
     return TheMachine().files.contains(path);

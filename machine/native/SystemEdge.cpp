@@ -14,13 +14,17 @@
 #include "machine/native/Machine.h"
 #include "machine/route/RouteCommand.h"
 
-using native::Call;
-using native::TheMachine;
-
 /// What a library handle points to.
 struct HINSTANCE__ {};
 
 namespace sys {
+
+namespace {
+
+using native::Call;
+using native::TheMachine;
+
+}  // namespace
 
 void ReadMembership(const Membership& membership) {
     Call call("LsaOpenPolicy", {});
@@ -70,7 +74,7 @@ std::string ReadLocalMachineText(const std::string& subkey, const std::string& n
     if (!value) {
         throw RegistryError("OpenIntern() - Cannot open key.", 813, 3, 2);
     }
-    return value->data.c_str();  // without its terminator
+    return value->data.substr(0, value->data.find('\0'));
 }
 
 /// The module's own constructor takes it so. NOLINTNEXTLINE(modernize-pass-by-value)
@@ -119,6 +123,13 @@ void Pause(std::uint32_t milliseconds) {
 }  // namespace sys
 
 namespace proc {
+
+namespace {
+
+using native::Call;
+using native::TheMachine;
+
+}  // namespace
 
 std::int32_t RunCommand(const std::string& commandLine) {
     Call call("CreateProcessA", {{"command line", commandLine}});

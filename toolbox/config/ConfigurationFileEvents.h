@@ -23,7 +23,7 @@ public:
     /// A value that the file holds is a view into the reader's memory.
     using Sink =
         std::function<void(std::uint32_t kind, std::uint32_t type, std::string_view value)>;
-    /// Makes the cipher of a [Networking] section, at whose end it is destroyed.
+    /// Makes the cipher of a [Networking] section, at whose end it is destroyed. Never null.
     using MakeCipher = std::unique_ptr<sys::CryptoDll> (*)();
 
     /// Told of every look-up; `found` is null where there is no such key.

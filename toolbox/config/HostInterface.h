@@ -44,6 +44,8 @@ struct ToolboxAPI {
     /// asked for update information (its fields are the answer); 1 a configuration request was
     /// handled (its outcome stands in the reply fields); 0 nothing handled it, its file was
     /// missing, or an error was caught and logged. Null arguments give 0.
+    /// Errors outside the module's family (no memory, COM's own, the host's) leave it as C++
+    /// exceptions: docs/host-interface.md lists them.
     std::int32_t (*DoMagic)(IHostMessage* message, IHostLogSink* log);
 };
 

@@ -83,7 +83,8 @@ public:
     std::string_view Bytes() const noexcept { return bytes_; }
     const std::string& Path() const noexcept { return path_; }
     LineEnding Ending() const noexcept { return ending_; }
-    /// Whether a merging load has added entries, or replaced values, since the last plain success.
+    /// Cleared by every load that returns kSuccess. After kValueReplaced: whether that load, or one
+    /// before it, added entries, or replaced values.
     bool EntriesModified() const noexcept { return entriesModified_; }
     bool ValuesModified() const noexcept { return valuesModified_; }
 

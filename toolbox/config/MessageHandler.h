@@ -10,7 +10,7 @@ class CMessageHandler : public logging::ILogSink {
 public:
     /// Formats the line and hands it to the host's sink, which formats the finished line once more
     /// (see logging::ILogSink). Does nothing without a sink or a format.
-    void Log(std::uint32_t level, const char* format, ...) override;
+    void Log(std::uint32_t level, const char* format, ...) override LOGGING_PRINTF(3, 4);
 
     /// Handles `message` and writes the reply into it. Returns the result that DoMagic returns.
     virtual std::int32_t HandleMessage(IHostMessage& message, IHostLogSink& log) = 0;

@@ -46,8 +46,8 @@ std::int32_t DoMagic(IHostMessage* message, IHostLogSink* log) {
         if (log != nullptr) {
             log->Log(logging::kMain, "%s:%d Toolbox::DoMagic caught an unhandled exception",
                      kSource, 103);
-            log->Log(logging::kMain, "%s%s:%d - %s (error = %d)", logging::kUnhandledError,
-                     error.SourceFile(), error.Line(), error.Message(), error.Code());
+            log->Log(logging::kMain, logging::kUnhandledError, error.SourceFile(), error.Line(),
+                     error.Message(), error.Code());
         }
         return 0;
     }

@@ -10,7 +10,7 @@ bool JoinDomain::IsNeeded() {
         return false;
     }
     if (!domain_.IsDomainMember()) {
-        return true;  // its names may be those of a domain that it has left
+        return true;  // its names may still be those from before somebody else unjoined it
     }
     const bool isDnsDomain =
         !dnsDomain_.empty() && util::NoCaseEqual(dnsDomain_, domain_.DnsDomainName());

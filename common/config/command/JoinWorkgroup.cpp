@@ -9,7 +9,7 @@ bool JoinWorkgroup::IsNeeded() {
     if (name_.empty()) {
         return false;
     }
-    // A member has no workgroup; the name would be one from before it joined.
+    // Asking refreshes the workgroup's name too.
     return LeavesDomain() || !util::NoCaseEqual(name_, domain_.Workgroup());
 }
 

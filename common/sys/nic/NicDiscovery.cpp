@@ -13,14 +13,14 @@ namespace sys {
 
 namespace {
 
-/// Reads a decimal number from part of a device id; 0 where the part lies behind the id's end.
+/// Reads a decimal number from part of a device id; 0 where the part lies past the id's end.
 std::uint16_t ReadNumber(const std::string& text, std::size_t start, std::size_t length) {
     return start < text.size()
                ? static_cast<std::uint16_t>(util::StringToInt(text.substr(start, length)))
                : std::uint16_t{0};
 }
 
-/// "[00000007] Name" becomes "Name": cut at the first "]" or blank, and two characters behind it.
+/// "[00000007] Name" becomes "Name": cut at the first "]" or blank, and two characters after it.
 /// The cut is fixed and its position is 32 bits wide, so a caption without either mark loses its
 /// first character.
 std::string CleanCaption(const std::string& caption) {

@@ -8,8 +8,9 @@
 #include "common/sys/WmiQueries.h"
 #include "common/util/CompositeNode.h"
 
-/// The picture of the machine's network adapters. Every node fills itself from WMI and the registry
-/// in its constructor (errors propagate and leave nothing behind) and is not changed afterwards.
+/// The picture of the machine's network adapters. An adapter and the collections below it
+/// fill themselves from WMI and the registry in their constructors (errors propagate and leave
+/// nothing behind); fillNicList adds the adapters. Nothing is changed afterwards.
 namespace sys {
 
 class NicInfoVisitor;
@@ -21,6 +22,7 @@ public:
 };
 
 struct PciLocation {
+    // The decimal digits that an id begins with: 10EC gives 10.
     std::uint16_t vendorId = 0;
     std::uint16_t deviceId = 0;
     std::uint16_t bus = 0;

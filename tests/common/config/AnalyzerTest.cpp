@@ -71,7 +71,7 @@ TEST_F(Analysis, PausesOnceAfterStaticAddressing) {
     Expect({
         {"after the first", "+NIC(a) STATIC " + ip + "STATIC " + ip + "-",
          "ConfigureNic n/n/n index 7 {" + set + "; sleep 8000; " + set + "}"},
-        {"behind DHCP", "+NIC(a) DHCP STATIC " + ip + "-",
+        {"after DHCP", "+NIC(a) DHCP STATIC " + ip + "-",
          "ConfigureNic n/n/n index 7 {EnableDHCP 7; " + set + "; sleep 8000}"},
         {"not for DHCP", "+NIC(a) DHCP - +NIC(b) STATIC " + ip + "-",
          "ConfigureNic n/n/n index 7 {EnableDHCP 7}; ConfigureNic n/n/n index 9 "

@@ -151,7 +151,6 @@ TEST_F(Commands, DescribeWhatTheyWillSet) {
     };
     for (const auto& [command, description] : cases) {
         EXPECT_EQ(command->GetDescription(), description);
-        command->Reserved();  // does nothing, in every command
     }
 }
 

@@ -12,7 +12,7 @@ namespace sys_tests {
 
 namespace {
 
-/// Describes an error of the class, or of one behind it in the list.
+/// Describes an error of the class, or of one after it in the list.
 template <class Error, class... Derived>
 Outcome Catch(const std::function<void()>& call) {
     try {
