@@ -109,8 +109,8 @@ void CompareRoutes(benchmark::State& state, int count) {
         present.push_back({Address(i), "255.255.255.0", "10.0.0.1", 1 + i % 2});
     }
     std::mt19937 random(1);
-    std::shuffle(wanted.begin(), wanted.end(), random);
-    std::shuffle(present.begin(), present.end(), random);
+    std::ranges::shuffle(wanted, random);
+    std::ranges::shuffle(present, random);
     native::TheMachine().state.routes = present;
     Measure(state, [&] {
         config::command::SetStaticRoute command;

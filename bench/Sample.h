@@ -31,7 +31,7 @@ public:
                 text += settings_.back().key + " = " + settings_.back().value + "\n";
             }
         }
-        lines_ = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+        lines_ = static_cast<std::size_t>(std::ranges::count(text, '\n'));
         std::FILE* const file = std::fopen(path_.c_str(), "wb");
         if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file) != text.size() ||
             std::fclose(file) != 0) {

@@ -19,7 +19,7 @@ struct Figures {
 void Print(const Measurement& measurement) {
     static Figures first;
     std::vector<double> times = measurement.seconds;
-    std::sort(times.begin(), times.end());
+    std::ranges::sort(times);
     const double least = times.front() / measurement.items;
     const double median = times[times.size() / 2] / measurement.items;
     if (first.group.empty()) {

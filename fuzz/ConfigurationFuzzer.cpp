@@ -94,12 +94,12 @@ bool Is(const std::unique_ptr<IConfigureCommand>& command) {
 
 template <class Command>
 std::ptrdiff_t Count(const CommandList& list) {
-    return std::count_if(list.begin(), list.end(), Is<Command>);
+    return std::ranges::count_if(list, Is<Command>);
 }
 
 template <class Command>
 std::ptrdiff_t First(const CommandList& list) {
-    return std::find_if(list.begin(), list.end(), Is<Command>) - list.begin();
+    return std::ranges::find_if(list, Is<Command>) - list.begin();
 }
 
 void RequireWellFormed(ConfigureNic& nic) {

@@ -135,8 +135,8 @@ void AddFooters(CLI::App& app) {
                  "\n\nExample:\n  toolbox-host configure --plan site.ini --machine office.json "
                  "--fail EnableStatic=84");
     app.get_subcommand("check")->footer(
-        "Exit codes: 0 no error; 65 errors, with --strict warnings too, or no such file; 64 wrong "
-        "usage\n\nExample:\n  toolbox-host check --strict site.ini\n"
+        "Exit codes: 0 no error; 65 errors, with --strict warnings too, or a file that is missing "
+        "or bad; 64 wrong usage\n\nExample:\n  toolbox-host check --strict site.ini\n"
         "  toolbox-host check office.ini shop.ini --machine standard.json --format sarif");
     app.get_subcommand("fleet")->footer(
         std::string(kExitCodes) +
@@ -192,16 +192,15 @@ int Run(int argc, const char* const* argv, TextStream& data, TextStream& notes) 
     app.allow_windows_style_options(false);
     app.require_subcommand(1);
     app.fallthrough();
-    app.add_option("--module", options.module,
-                   "The module's file, else config.dll beside this program")
-        ->type_name("FILE")
-        ->check(NotEmpty());
+    AddFile(app, "--module", options.module,
+            "The module's file; default: config.dll beside this program");
     AddChoice<Format>(app, "--format",
                       "How results are printed; sarif: those of check, for code scanning",
                       {{"text", Format::kText}, {"json", Format::kJson}, {"sarif", Format::kSarif}},
                       options.format);
     AddChoice<Colours>(
-        app, "--color", "Whether results have colours; auto: on a terminal, unless NO_COLOR is set",
+        app, "--color",
+        "Whether results have colours; auto: on a terminal, unless NO_COLOR is not empty",
         {{"auto", Colours::kAuto}, {"always", Colours::kAlways}, {"never", Colours::kNever}},
         options.colours);
     configure::AddConfigureCommand(app, options, action);

@@ -10,6 +10,9 @@ namespace host {
 
 namespace {
 
+/// Completes a file's name, which may hold blanks.
+constexpr std::string_view kFiles = "mapfile -t COMPREPLY < <(compgen -f -- \"$word\")";
+
 std::string LongNames(const CLI::App& app) {
     std::string words;
     for (const CLI::Option* const option : app.get_options()) {
@@ -29,8 +32,10 @@ std::string Branch(const CLI::Option& option) {
     }
     std::string how;
     if (isFile) {
-        how = "-f";
-    } else if (words == "SPEC") {
+        return "    --" + option.get_lnames().front() + ") " + std::string(kFiles) +
+               "; return ;;\n";
+    }
+    if (words == "SPEC") {
         how = "-W \"$faults\"";
     } else if (option.get_type_name().find('|') != std::string::npos || words == "bash") {
         how = "-W '" + words + "'";
@@ -88,7 +93,9 @@ std::string BashCompletion(const CLI::App& app) {
            "    -*) COMPREPLY=($(compgen -W \"$options\" -- \"$word\")) ;;\n"
            "    *)\n"
            "        if [ -n \"$subcommand\" ]; then\n"
-           "            COMPREPLY=($(compgen -f -- \"$word\"))\n"
+           "            " +
+           std::string(kFiles) +
+           "\n"
            "        else\n"
            "            COMPREPLY=($(compgen -W \"$subcommands\" -- \"$word\"))\n"
            "        fi ;;\n"

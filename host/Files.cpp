@@ -77,13 +77,25 @@ std::optional<std::string> ReadToEnd(void* file, std::size_t most) {
 
 const CLI::Validator& NotEmpty() {
     static const CLI::Validator kNotEmpty(
-        [](const std::string& text) { return std::string(text.empty() ? "it is empty" : ""); }, "");
+        [](const std::string& text) {
+            return std::string(text.empty() ? "must not be empty" : "");
+        },
+        "");
     return kNotEmpty;
 }
 
+CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& file,
+                     const std::string& description) {
+    return command.add_option(name, file, description)->type_name("FILE")->check(NotEmpty());
+}
+
+FileHandle OpenToRead(const std::string& path) {
+    return FileHandle(CreateFileA(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
 std::string ReadWholeFile(const std::string& path) {
-    const FileHandle file(CreateFileA(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    const FileHandle file = OpenToRead(path);
     std::optional<std::string> text;
     if (file) {
         text = ReadToEnd(file.Get(), kMostBytes);

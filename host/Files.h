@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "common/lang/Handle.h"
+
 namespace host {
 
 /// Refuses an empty name: an unset shell variable would otherwise pass for an option that was not
@@ -16,6 +18,14 @@ const CLI::Validator& NotEmpty();
 
 /// With drive and folder. The file need not be there.
 std::string FullPath(const std::string& path);
+
+/// An option, or with a bare name an argument, that takes a file's name; an empty one is refused.
+CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& file,
+                     const std::string& description);
+
+/// Opens the file for reading while others may do with it what they like; null and the last error
+/// when that fails.
+lang::FileHandle OpenToRead(const std::string& path);
 
 /// What the file holds. Throws HostError (bad input) with the system's reason, and for a file of
 /// more than 64 MB: what has no end is no input either.

@@ -20,7 +20,7 @@ constexpr const char* kStandardInput = "-";
 }
 
 [[noreturn]] void RefuseSize(const std::string& name) {
-    Refuse(name, "it holds more than 16 MB, and no configuration does");
+    Refuse(name, "it is larger than 16 MB, which no configuration is");
 }
 
 }  // namespace
@@ -30,9 +30,7 @@ InputFile::InputFile(const std::string& named)
     lang::FileHandle opened;
     HANDLE file = GetStdHandle(STD_INPUT_HANDLE);
     if (named != kStandardInput) {
-        constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-        opened.Reset(CreateFileA(named.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr));
+        opened = OpenToRead(named);
         if (!opened) {
             Refuse(name_, DescribeSystemError(GetLastError()));
         }

@@ -16,15 +16,15 @@ std::string TextOrEmpty(const char* text) {
 }
 
 const Field* FindIn(const std::vector<Field>& fields, const std::string& name) {
-    const auto found = std::find_if(fields.begin(), fields.end(),
-                                    [&](const Field& field) { return field.name == name; });
+    const auto found =
+        std::ranges::find_if(fields, [&](const Field& field) { return field.name == name; });
     return found == fields.end() ? nullptr : &*found;
 }
 
 void WriteTo(std::vector<Field>& fields, const std::string& name,
              std::variant<std::string, std::int32_t> value) {
-    const auto found = std::find_if(fields.begin(), fields.end(),
-                                    [&](const Field& field) { return field.name == name; });
+    const auto found =
+        std::ranges::find_if(fields, [&](const Field& field) { return field.name == name; });
     if (found == fields.end()) {
         fields.push_back({name, std::move(value)});
     } else {

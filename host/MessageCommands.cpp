@@ -63,22 +63,22 @@ int ReportVersion(const CommonOptions& options, Output& output) {
     return kDone;
 }
 
-int ReportUpdateInfo(const CommonOptions& options, std::int32_t count, Output& output) {
-    const Module module(options.module);
-    Message message(kInternal, "UpdateInfo");
-    if (count != 0) {
-        message.Add("Auto-Update-Count", util::IntToString(count));
-    }
-    SendAndReport(module, message, output);
-    return kDone;
-}
-
 int ExitCodeOf(const Message& message, std::int32_t result) {
     const std::string outcome = message.ReplyText("Result");
     if (outcome == "Reboot") {
         return kRestartNeeded;
     }
     return result == 0 || outcome == "Failure" ? kFailure : kDone;
+}
+
+int ReportUpdateInfo(const CommonOptions& options, std::int32_t count, Output& output) {
+    const Module module(options.module);
+    Message message(kInternal, "UpdateInfo");
+    if (count != 0) {
+        message.Add("Auto-Update-Count", util::IntToString(count));
+    }
+    const std::int32_t result = SendAndReport(module, message, output);
+    return ExitCodeOf(message, result);
 }
 
 struct SendArguments {
@@ -119,9 +119,9 @@ void AddMessageCommands(CLI::App& app, const CommonOptions& options, Action& act
     });
 
     CLI::App* const updateInfo = app.add_subcommand(
-        "update-info", "Ask the module which file it is and under which pattern it is updated");
+        "update-info", "Ask the module for its file name and its update pattern");
     const auto count = std::make_shared<std::int32_t>(0);
-    updateInfo->add_option("--count", *count, "Pairs that other modules have added before")
+    updateInfo->add_option("--count", *count, "How many pairs other modules have added already")
         ->check(CLI::Range(0, 2147483646, "0 to 2147483646"));
     updateInfo->callback([&options, &action, count] {
         action = [&options, count](Output& output) {

@@ -88,7 +88,7 @@ std::int32_t Module::Send(Message& message, LogSink& log) const {
     } catch (const std::exception& error) {
         throw HostError(std::string("the module failed: ") + error.what());
     } catch (...) {
-        throw HostError("the module failed with an exception of a kind unknown here");
+        throw HostError("the module failed with an exception of an unknown kind");
     }
 }
 

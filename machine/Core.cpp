@@ -33,7 +33,7 @@ std::shared_ptr<Core> Core::Active() {
 
 void Core::SetActive(std::shared_ptr<Core> core) {
     const std::lock_guard lock(activeLock);
-    activeCore.swap(core);  // the one before ends behind the lock
+    activeCore.swap(core);  // the one before ends outside the lock
 }
 
 std::uintptr_t Core::NewHandle() {

@@ -26,7 +26,7 @@ State ParseState(std::string_view json);
 std::string FormatState(const State& state);
 
 /// The same with a file. One that cannot be read throws MachineFileError naming it; a wrong member
-/// is reported behind the file's name.
+/// is reported after the file's name.
 State LoadState(const std::filesystem::path& file);
 
 }  // namespace machine

@@ -75,7 +75,7 @@ public:
     /// Real time that was spent in served calls.
     std::chrono::nanoseconds TimeInCalls() const;
 
-    // Lets time pass behind a request: leases that it asked for arrive.
+    // Lets time pass after a request: leases that it asked for arrive.
     void Settle();
 
     /// Makes effective what waits for a restart and renews what a restart renews: names,

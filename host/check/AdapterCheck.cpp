@@ -136,9 +136,8 @@ void AdapterCheck::CheckGateways(const LookUp& gateways) {
             continue;
         }
         const std::uint32_t gateway = *ReadAddress(item);
-        const bool reachable =
-            std::any_of(networks_.begin(), networks_.end(),
-                        [gateway](const Network& network) { return network.Contains(gateway); });
+        const bool reachable = std::ranges::any_of(
+            networks_, [gateway](const Network& network) { return network.Contains(gateway); });
         if (!reachable) {
             Found().Error("gateway-outside", OwnPieceOf(gateways, item),
                           "the gateway " + Quoted(item) +

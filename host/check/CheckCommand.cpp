@@ -173,12 +173,9 @@ void AddCheckCommand(CLI::App& app, Action& action) {
         ->required()
         ->type_name("FILE")
         ->check(NotEmpty());
-    check
-        ->add_option("--machine", arguments->machineFile,
-                     "A machine file: warn of what that machine makes of the files too")
-        ->type_name("FILE")
-        ->check(NotEmpty());
-    check->add_flag("--strict", arguments->strict, "Take warnings for errors");
+    AddFile(*check, "--machine", arguments->machineFile,
+            "A machine file: warn of problems on that machine too");
+    check->add_flag("--strict", arguments->strict, "Treat warnings as errors");
     check->callback([&action, arguments] {
         action = [arguments](Output& output) { return Check(*arguments, output); };
     });

@@ -71,7 +71,7 @@ void CheckDefaultRoutes(const std::vector<Setting>& settings, const machine::Sta
         const Routes present = DefaultRoutes(machine);
         const Routes coming = AfterGateways(machine, settings, bindable);
         const std::string effect =
-            ": the module spares the first and deletes the next, and route DELETE 0.0.0.0 takes "
+            ": the module keeps the first and deletes the next, and route DELETE 0.0.0.0 takes "
             "the default routes of all adapters; it answers \"Success\", and no gateway is left";
         if (DeletesDefaultRoutes(present, wanted)) {
             findings.Warning("default-routes", setting.at.place,

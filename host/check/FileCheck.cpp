@@ -168,9 +168,8 @@ void SettingsCheck::CheckRouteGateways() {
         networks.insert(networks.end(), adapter.Networks().begin(), adapter.Networks().end());
     }
     for (const RouteWish& route : Routes()) {
-        const bool reachable = std::any_of(
-            networks.begin(), networks.end(),
-            [&route](const Network& network) { return network.Contains(route.gateway); });
+        const bool reachable = std::ranges::any_of(
+            networks, [&route](const Network& network) { return network.Contains(route.gateway); });
         if (!reachable) {
             findings_.Warning("gateway-outside", route.place,
                               "the route's gateway " +

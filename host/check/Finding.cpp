@@ -18,7 +18,7 @@ void Findings::Sort() {
         const bool isError = finding.severity == Severity::kError;
         return std::tuple(finding.place.line, finding.place.column, isError ? 0 : 1);
     };
-    std::stable_sort(list_.begin(), list_.end(), [&](const Finding& left, const Finding& right) {
+    std::ranges::stable_sort(list_, [&](const Finding& left, const Finding& right) {
         return order(left) < order(right);
     });
 }

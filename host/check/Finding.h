@@ -21,7 +21,7 @@ struct Finding {
     std::string remedy = {};  ///< where there is more to say than the message does
 };
 
-/// Gathers findings. Very many of them help nobody: from a bound on they are only counted.
+/// Gathers findings. Beyond a limit they are only counted.
 class Findings {
 public:
     static constexpr std::size_t kKept = 1000;

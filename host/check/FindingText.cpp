@@ -12,9 +12,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 std::size_t Characters(std::string_view utf8) {
-    return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-    }));
+    return static_cast<std::size_t>(std::ranges::count_if(
+        utf8, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
 }
 
 /// A line of the file, and under it the caret, for people: a long line is cut around the place.

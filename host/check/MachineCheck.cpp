@@ -110,19 +110,19 @@ private:
 
 void MachineCheck::CheckBinding() {
     if (bindable_.empty()) {
-        Warn(
-            "no-pci-adapter", *sections_.front(),
-            "the machine has no PCI adapter with IP (adapters of Hyper-V and Azure guests, teams "
-            "and virtual switches are none of PCI): every adapter section fails, after what stands "
-            "before it was done",
-            "give the machine a PCI adapter that is in use, or leave its adapters to other means "
-            "and take the sections out");
+        Warn("no-pci-adapter", *sections_.front(),
+             "the machine has no PCI adapter with IP (adapters of Hyper-V and Azure guests, teams "
+             "and virtual switches are not PCI): every adapter section fails, after everything "
+             "before "
+             "it has been done",
+             "give the machine a PCI adapter that is in use, or leave its adapters to other means "
+             "and take the sections out");
         return;
     }
     if (sections_.size() > bindable_.size()) {
         Warn("too-few-adapters", *sections_[bindable_.size()],
-             "no PCI adapter with IP is left for this section: the module fails here, after what "
-             "stands before it was done",
+             "no PCI adapter with IP is left for this section: the module fails here, after "
+             "everything before it has been done",
              others_.empty() ? "take the section out"
                              : "take the section out, or free " + AdapterName(*others_.front()) +
                                    " for it, which " + WhyWithoutIp(*others_.front()));
@@ -211,7 +211,7 @@ void MachineCheck::CheckStatic(const Setting& setting, const Adapter& adapter) {
          std::string(isCertain ? "on this" : "on some versions of") +
              " Windows EnableStatic answers 81 here although it sets the address; the module then "
              "stops with Failure 4, and gateways and DNS are not attempted",
-         "send the file again: with the address in place the module goes on behind it");
+         "send the file again: with the address in place the module gets past this");
 }
 
 void MachineCheck::CheckSuffixes(const Setting& setting) {

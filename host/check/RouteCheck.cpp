@@ -75,7 +75,7 @@ void RouteCheck::CheckSent(const LookUp& count) {
 void RouteCheck::CheckMissing(const LookUp& first, std::size_t count) {
     Finding finding{Severity::kWarning, "missing-route", HeaderPlace(), Reuse(first)};
     if (count > 1) {
-        finding.message += ", and for " + std::to_string(count - 1) + " more behind it";
+        finding.message += ", and for " + std::to_string(count - 1) + " more after it";
     }
     Findings faults;
     const std::optional<RouteWish> wish = CheckRoute(first, faults);
@@ -106,7 +106,7 @@ std::optional<RouteWish> RouteCheck::CheckRoute(const LookUp& route, Findings& f
     if (fields.sent.empty()) {
         findings.Warning("no-route", OwnValueOf(route),
                          (route.Text().starts_with(',') ? "the text begins with a comma"
-                                                        : "no field has a comma behind it") +
+                                                        : "no field is followed by a comma") +
                              std::string(": no route comes of it"));
         return std::nullopt;
     }
@@ -151,15 +151,14 @@ void RouteCheck::CheckCompleteness(const Fields& fields, const Place& place, Fin
                                                ""};
     if (fields.sent.size() == kFields) {
         if (!fields.rest.empty()) {
-            findings.Warning("behind-metric", place,
-                             "the module ignores what stands behind the metric");
+            findings.Warning("behind-metric", place, "the module ignores what follows the metric");
         }
         return;
     }
     std::string message = "the route has " + std::string(kLacking[fields.sent.size()]) +
                           ": the route program refuses it";
     if (!fields.rest.empty()) {
-        message = "no comma stands behind " + Quoted(fields.rest) + ": the module drops it, and " +
+        message = "there is no comma after " + Quoted(fields.rest) + ": the module drops it, and " +
                   message;
     }
     findings.Error("incomplete-route", place, std::move(message));

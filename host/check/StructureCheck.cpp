@@ -16,29 +16,35 @@ using Kind = IniFile::Line::Kind;
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
+bool IsAscii(char byte) {
+    return static_cast<unsigned char>(byte) < 0x80;
+}
+
+/// Of a character of UTF-8 that begins with such a byte; 0 where none does.
+std::size_t LengthOfCharacter(char first) {
+    const auto byte = static_cast<unsigned char>(first);
+    return byte < 0x80                   ? 1
+           : byte >= 0xC2 && byte < 0xE0 ? 2
+           : byte >= 0xE0 && byte < 0xF0 ? 3
+           : byte >= 0xF0 && byte < 0xF5 ? 4
+                                         : 0;
+}
+
 /// Whether there are bytes beyond ASCII, all of them in characters of UTF-8.
 bool HasUtf8(std::string_view bytes) {
-    bool any = false;
-    std::size_t following = 0;
-    for (const char character : bytes) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (following > 0) {
-            if ((byte & 0xC0) != 0x80) {
-                return false;
-            }
-            --following;
-        } else if (byte >= 0x80) {
-            following = byte >= 0xC2 && byte < 0xE0   ? 1
-                        : byte >= 0xE0 && byte < 0xF0 ? 2
-                        : byte >= 0xF0 && byte < 0xF5 ? 3
-                                                      : 0;
-            if (following == 0) {
-                return false;
-            }
-            any = true;
+    const auto follows = [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+    };
+    const bool any = !std::ranges::all_of(bytes, IsAscii);
+    while (!bytes.empty()) {
+        const std::size_t length = LengthOfCharacter(bytes.front());
+        if (length == 0 || length > bytes.size() ||
+            !std::ranges::all_of(bytes.substr(1, length - 1), follows)) {
+            return false;
         }
+        bytes.remove_prefix(length);
     }
-    return any && following == 0;
+    return any;
 }
 
 }  // namespace
@@ -81,14 +87,15 @@ bool StructureCheck::CheckBytes() {
         constexpr std::string_view kOfText = "\t\n\v\f\r\x1A";
         return byte < ' ' && kOfText.find(static_cast<char>(byte)) == std::string_view::npos;
     };
-    const auto binary = std::ranges::find_if(bytes, isBinary);
-    if (binary != bytes.end()) {
-        const auto offset = static_cast<std::size_t>(binary - bytes.begin());
-        findings_.Error(*binary == '\0' ? Code("nul-byte") : Code("binary"), placeAt(offset, 1),
-                        util::Format("byte 0x%02X at offset %llu: no text has it, and Windows "
-                                     "would get it as it stands",
-                                     static_cast<unsigned>(static_cast<unsigned char>(*binary)),
-                                     static_cast<unsigned long long>(offset)));
+    const auto offset =
+        static_cast<std::size_t>(std::ranges::find_if(bytes, isBinary) - bytes.begin());
+    if (offset < bytes.size()) {
+        findings_.Error(
+            bytes[offset] == '\0' ? Code("nul-byte") : Code("binary"), placeAt(offset, 1),
+            util::Format("byte 0x%02X at offset %llu: text files do not contain it, "
+                         "and Windows would get it unchanged",
+                         static_cast<unsigned>(static_cast<unsigned char>(bytes[offset])),
+                         static_cast<unsigned long long>(offset)));
     }
     if (bytes.find('\n') == std::string_view::npos && bytes.find('\r') < bytes.size() - 1) {
         findings_.Error("line-ends", placeAt(bytes.find('\r'), 1),
@@ -106,10 +113,9 @@ void StructureCheck::CheckForUtf8() {
         return;
     }
     for (const IniFile::Line& line : file_.Lines()) {
-        const auto first = std::ranges::find_if(
-            line.text, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
-        if (line.kind != Kind::kComment && first != line.text.end()) {
-            const auto at = static_cast<std::size_t>(first - line.text.begin());
+        const auto at = static_cast<std::size_t>(std::ranges::find_if_not(line.text, IsAscii) -
+                                                 line.text.begin());
+        if (line.kind != Kind::kComment && at < line.text.size()) {
             findings_.Error("utf-8", file_.PlaceOf(line.text.substr(at, 1)),
                             "the file is UTF-8: the module reads it in the system code page and "
                             "takes each byte for a character; save it as ANSI");
@@ -160,7 +166,7 @@ void StructureCheck::CheckContinuations(const IniFile::Line& line, std::size_t l
         }
         return;
     }
-    // How long a secret is concerns nobody.
+    // A secret's length is not shown either.
     const bool secret = reading::IsSecretKey(entry->key);
     findings_.Warning("no-equals-sign", secret ? Place{place.line, place.column, 1} : place,
                       lines +
@@ -258,7 +264,7 @@ void StructureCheck::CheckValueText(std::string_view value) {
         const std::size_t comment = value.find(mark);
         if (comment != std::string_view::npos) {
             findings_.Warning("comment-in-value", file_.PlaceOf(value.substr(comment + 1)),
-                              "no comment may stand behind a value: the module takes this as a "
+                              "a comment cannot follow a value: the module takes this as a "
                               "part of it");
             break;
         }

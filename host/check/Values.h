@@ -31,7 +31,7 @@ enum class AddressRole {
 /// is none, nothing of one that it would look up as a host name.
 std::optional<std::uint32_t> ReadAddress(std::string_view text);
 
-/// Whether the text is the number that the module reads from it, with nothing before or behind.
+/// Whether the text is the number that the module reads from it, with nothing before or after.
 bool IsWholeNumber(std::string_view text);
 
 /// Nothing when the module and Windows take the text as it looks.

@@ -23,7 +23,7 @@ std::string RestartText(const Pass& pass) {
         case RestartNeed::kNeeded:
             return "Restart needed.";
         case RestartNeed::kNotReported:
-            return "Restart needed, and not reported.";
+            return "Restart needed but not reported.";
         case RestartNeed::kPending:
             return "A restart is pending; none is asked for.";
         case RestartNeed::kNone:
@@ -125,7 +125,7 @@ std::string WhatFailed(const Pass& pass) {
         return step.command + adapter;
     }
     if (failure.afterLastStep) {
-        return "reading a present setting after " + pass.story.steps.back().command;
+        return "reading a current setting after " + pass.story.steps.back().command;
     }
     switch (failure.stage) {
         case Stage::kReading:
@@ -149,12 +149,12 @@ std::string NextStep(const Outcome& outcome, const ReportOptions& options) {
                " of check (toolbox-host check " + options.file + ").";
     }
     if (story.failure || FailsAfterRestart(outcome)) {
-        return options.plan ? "Next: remove the cause and plan again."
-                            : "Next: remove the cause and send the file again.";
+        return options.plan ? "Next: fix the cause and plan again."
+                            : "Next: fix the cause and send the file again.";
     }
     if (options.plan) {
         if (!ChangesSomething(outcome)) {
-            return "Next: nothing; the machine is as the file wants it.";
+            return "Next: nothing; the machine already matches the file.";
         }
         return options.onThisMachine
                    ? "Next: run it with --yes in place of --plan to make the changes."

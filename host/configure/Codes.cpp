@@ -106,8 +106,8 @@ constexpr std::array kNetworkCodes = {
 
 template <typename Table>
 const char* Find(const Table& table, std::uint32_t code) {
-    const auto found = std::find_if(table.begin(), table.end(),
-                                    [code](const Meaning& row) { return row.code == code; });
+    const auto found =
+        std::ranges::find_if(table, [code](const Meaning& row) { return row.code == code; });
     return found == table.end() ? nullptr : found->text;
 }
 
@@ -145,8 +145,8 @@ std::string DescribeCode(std::uint32_t code) {
                              text.back() == '.')) {
         text.pop_back();
     }
-    std::replace(text.begin(), text.end(), '\r', ' ');
-    std::replace(text.begin(), text.end(), '\n', ' ');
+    std::ranges::replace(text, '\r', ' ');
+    std::ranges::replace(text, '\n', ' ');
     return text.empty() ? "no text is known for this code" : text;
 }
 

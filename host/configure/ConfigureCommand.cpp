@@ -64,7 +64,8 @@ void CheckCombination(const ConfigureOptions& options) {
             kWrongUsage);
     }
     if (options.plan && !options.saveFile.empty()) {
-        throw HostError("--plan changes no machine that --save-machine could save", kWrongUsage);
+        throw HostError("--plan changes no machine, so --save-machine has nothing to save",
+                        kWrongUsage);
     }
 }
 
@@ -94,29 +95,32 @@ void CheckFiles(const CommonOptions& common, const ConfigureOptions& options) {
 }
 
 bool HasAccounts(const machine::State& machine) {
-    return std::any_of(machine.domains.begin(), machine.domains.end(),
-                       [](const machine::Domain& domain) { return !domain.accounts.empty(); });
+    return std::ranges::any_of(
+        machine.domains, [](const machine::Domain& domain) { return !domain.accounts.empty(); });
 }
 
 /// Who may be cut off by the change.
 std::vector<std::string> Warnings(const std::vector<std::string>& lockOuts,
                                   const ConfigureOptions& options) {
     std::vector<std::string> lines;
+    lines.reserve(lockOuts.size() + 1);
     for (const std::string& lockOut : lockOuts) {
         lines.push_back("Warning: the agent may lose its connection here: " + lockOut + ".");
     }
-    if (!lockOuts.empty()) {
+    // After a run a file could only lead to the machine that it left.
+    if (!lockOuts.empty() && (options.plan || !options.undoFile.empty())) {
         lines.push_back(options.undoFile.empty()
-                            ? "  --undo-file FILE writes the file that leads back."
-                            : "  " + options.undoFile + " leads back.");
+                            ? "  --undo-file FILE writes a file that undoes it."
+                            : "  " + options.undoFile + " undoes it.");
     }
     return lines;
 }
 
 std::vector<std::string> WayBack(const undo::Undo& undo, const std::string& file) {
-    std::vector<std::string> lines = {
-        "Undo: wrote " + file +
-        (undo.byHand.empty() ? ", which leads back." : ", which leads back but for, by hand:")};
+    std::vector<std::string> lines = {"Undo: wrote " + file +
+                                      (undo.byHand.empty()
+                                           ? ", which undoes it."
+                                           : ", which undoes it, except (to do by hand):")};
     for (const std::string& line : undo.byHand) {
         lines.push_back("  " + line);
     }
@@ -143,14 +147,38 @@ std::string VersionOf(const std::string& path) {
     return util::Format("%u.%u.%u", version.major, version.minor, version.build);
 }
 
+void WriteFiles(const Outcome& outcome, const ConfigureOptions& options, Output& output) {
+    if (!options.traceFile.empty()) {
+        WriteTrace(outcome.trace, options.traceFile);
+    }
+    if (!options.saveFile.empty()) {
+        const bool keep =
+            options.withPasswords || (!options.machine.file.empty() &&
+                                      util::IsSameFile(options.machine.file, options.saveFile));
+        SaveMachine(outcome.machine, options.saveFile, keep);
+        if (!keep && HasAccounts(outcome.machine)) {
+            output.Note(options.saveFile +
+                        " is without the passwords of the directory's accounts; "
+                        "--with-passwords saves them too");
+        }
+    }
+}
+
+void PrintLog(const Outcome& outcome, Output& output) {
+    for (const Pass& pass : outcome.passes) {
+        for (const Mark& mark : pass.run.log) {
+            output.Log(mark.line);
+        }
+    }
+}
+
 int Configure(const CommonOptions& common, const ConfigureOptions& options, Output& output) {
     CheckCombination(options);
     CheckFiles(common, options);
     const machine::FaultPlan faults = ParseFaults(options.faults);
     const InputFile input(options.file);
     if (options.machine.thisMachine && !options.plan && !input.IsFile()) {
-        throw HostError("--this-machine: the module takes the file away, so it has to be a file",
-                        kWrongUsage);
+        throw HostError("--this-machine needs a real file: the module moves it away", kWrongUsage);
     }
     const Request request{common.module,
                           input.Path(),
@@ -178,20 +206,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
         result.lockOuts = undo::ListLockOuts(outcome.passes.front().run.before, undo->foreseen);
     }
     output.Progress({});
-    if (!options.traceFile.empty()) {
-        WriteTrace(outcome.trace, options.traceFile);
-    }
-    if (!options.saveFile.empty()) {
-        const bool keep =
-            options.withPasswords || (!options.machine.file.empty() &&
-                                      util::IsSameFile(options.machine.file, options.saveFile));
-        SaveMachine(outcome.machine, options.saveFile, keep);
-        if (!keep && HasAccounts(outcome.machine)) {
-            output.Note(options.saveFile +
-                        " is without the passwords of the directory's accounts; "
-                        "--with-passwords saves them too");
-        }
-    }
+    WriteFiles(outcome, options, output);
     const std::string machineName = options.machine.Name();
     output.Document() = ToJson(result, input.Name(), machineName);
     const ReportOptions told = {
@@ -212,11 +227,7 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
                                      {"byHand", ToJson(undo->byHand)}};
     }
     if (options.log) {
-        for (const Pass& pass : outcome.passes) {
-            for (const Mark& mark : pass.run.log) {
-                output.Log(mark.line);
-            }
-        }
+        PrintLog(outcome, output);
     }
     NoteIdleFaults(outcome, output);
     for (const std::string& violation : outcome.violations) {
@@ -235,18 +246,16 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
 
 void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& action) {
     CLI::App* const command = app.add_subcommand(
-        "configure", "Run a configuration file against a machine, a simulated one unless told");
+        "configure", "Run a configuration file against a machine, simulated by default");
     const auto options = std::make_shared<ConfigureOptions>();
-    command->add_option("file", options->file, "The configuration file; - reads standard input")
-        ->required()
-        ->type_name("FILE")
-        ->check(NotEmpty());
+    AddFile(*command, "file", options->file, "The configuration file; - reads standard input")
+        ->required();
     AddMachineOptions(*command, options->machine);
-    command->add_flag("--yes", options->yes, "Yes, change the real machine");
+    command->add_flag("--yes", options->yes, "Confirm that the real machine may be changed");
     command->add_flag("--plan", options->plan,
                       "Change nothing; exit code 2 when there would be changes");
     command->add_flag("--until-done", options->untilDone,
-                      "Restart the simulated machine and go on as long as the module asks for it");
+                      "Restart the simulated machine and continue for as long as the module asks");
     command->add_flag("--after-restart", options->afterRestart,
                       "Restart the simulated machine first: an earlier run asked for it");
     command
@@ -256,33 +265,21 @@ void AddConfigureCommand(CLI::App& app, const CommonOptions& common, Action& act
         ->type_name("SPEC")
         ->check(NotEmpty())
         ->allow_extra_args(false);
-    command
-        ->add_option("--trace", options->traceFile,
-                     "Write every platform call as JSON lines; as a timeline to *.trace.json")
-        ->type_name("FILE")
-        ->check(NotEmpty());
-    command
-        ->add_option("--undo-file", options->undoFile,
-                     "Write the configuration file that leads back, before anything changes")
-        ->type_name("FILE")
-        ->check(NotEmpty());
-    command
-        ->add_option("--report", options->reportFile,
-                     "Write a page to attach to a change: one HTML file that stands by itself")
-        ->type_name("FILE")
-        ->check(NotEmpty());
-    CLI::Option* const save = command
-                                  ->add_option("--save-machine", options->saveFile,
-                                               "Write the machine as it is afterwards")
-                                  ->type_name("FILE")
-                                  ->check(NotEmpty());
+    AddFile(*command, "--trace", options->traceFile,
+            "Write every platform call as JSON lines; as a timeline to *.trace.json");
+    AddFile(*command, "--undo-file", options->undoFile,
+            "Before anything changes, write a configuration file that undoes it");
+    AddFile(*command, "--report", options->reportFile,
+            "Write a page to attach to a change: one HTML file that stands by itself");
+    CLI::Option* const save = AddFile(*command, "--save-machine", options->saveFile,
+                                      "Write the machine as it is afterwards");
     command
         ->add_flag("--with-passwords", options->withPasswords,
                    "Save the passwords of the directory's accounts too")
         ->needs(save);
     command->add_flag("--log", options->log, "Print the module's log beside the report");
     CLI::Option* const summary = command->add_flag("--summary", options->summary,
-                                                   "Print the closing lines of the report only");
+                                                   "Print only the closing lines of the report");
     command
         ->add_flag("--details", options->details,
                    "Print every call and route, and what else changes on the machine")

@@ -46,14 +46,12 @@ public:
     }
     /// Members gone and members new; copies count.
     void Members(const char* what, Texts before, Texts after) {
-        std::sort(before.begin(), before.end());
-        std::sort(after.begin(), after.end());
+        std::ranges::sort(before);
+        std::ranges::sort(after);
         Texts gone;
         Texts added;
-        std::set_difference(before.begin(), before.end(), after.begin(), after.end(),
-                            std::back_inserter(gone));
-        std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
-                            std::back_inserter(added));
+        std::ranges::set_difference(before, after, std::back_inserter(gone));
+        std::ranges::set_difference(after, before, std::back_inserter(added));
         for (std::string& member : gone) {
             changes_.push_back({where_, what, std::move(member), ""});
         }

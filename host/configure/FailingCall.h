@@ -1,4 +1,5 @@
-// The platform call behind an error, told so that its reader knows what of the machine it is about.
+// The platform call behind an error, told so that the reader knows what part of the machine it is
+// about.
 #pragma once
 
 #include <cstdint>

@@ -22,7 +22,7 @@ constexpr std::int32_t kHostNotFound = 11001;
 constexpr std::int32_t kNoData = 11004;
 
 std::size_t FindLine(const Run& run, std::string_view text) {
-    const auto found = std::find_if(run.log.begin(), run.log.end(), [text](const Mark& mark) {
+    const auto found = std::ranges::find_if(run.log, [text](const Mark& mark) {
         return mark.line.text.find(text) != std::string::npos;
     });
     return static_cast<std::size_t>(found - run.log.begin());
@@ -104,7 +104,7 @@ void ReadConfigError(std::vector<Step>& steps, ErrorKind kind, Failure& failure)
     }
 }
 
-/// An error of the system: of the last step, or of reading a present setting after it, which only
+/// An error of the system: of the last step, or of reading a current setting after it, which only
 /// happens between the commands of an adapter.
 void ReadSystemError(const Run& run, std::vector<Step>& steps, Failure& failure) {
     const auto status = static_cast<std::uint32_t>(failure.status.value_or(0));
@@ -120,9 +120,14 @@ void ReadSystemError(const Run& run, std::vector<Step>& steps, Failure& failure)
     }
 }
 
+/// The line's text before what is filled in.
+constexpr std::string_view kUnhandledError = logging::kUnhandledError;
+constexpr std::string_view kUnhandledErrorStart =
+    kUnhandledError.substr(0, kUnhandledError.find('%'));
+
 /// DoMagic's words for an error that left the handler.
 std::string UnhandledError(const Run& run) {
-    const std::size_t line = FindLine(run, logging::kUnhandledError);
+    const std::size_t line = FindLine(run, kUnhandledErrorStart);
     if (line == run.log.size()) {
         return {};
     }

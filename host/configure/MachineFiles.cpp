@@ -69,10 +69,8 @@ machine::State MachineChoice::Read(Output& output) const {
 }
 
 void AddMachineOptions(CLI::App& command, MachineChoice& choice) {
-    CLI::Option* const machine =
-        command.add_option("--machine", choice.file, "A machine file, else an embedded machine")
-            ->type_name("FILE")
-            ->check(NotEmpty());
+    CLI::Option* const machine = AddFile(command, "--machine", choice.file,
+                                         "A machine file; without it the embedded machine");
     command.add_flag("--this-machine", choice.thisMachine, "The real machine")->excludes(machine);
 }
 

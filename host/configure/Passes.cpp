@@ -110,7 +110,7 @@ bool Outcome::Settled() const {
 }
 
 bool ChangesSomething(const Outcome& outcome) {
-    return std::any_of(outcome.passes.begin(), outcome.passes.end(), [](const Pass& pass) {
+    return std::ranges::any_of(outcome.passes, [](const Pass& pass) {
         return !pass.changes.empty() || CountRows(pass.rows).changes != 0;
     });
 }

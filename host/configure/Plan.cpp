@@ -48,10 +48,9 @@ public:
 
     /// The pause after an adapter's addresses; null for any other setting.
     const Step* PauseOf(const Setting& setting) const {
-        const auto found =
-            std::find_if(story_.steps.begin(), story_.steps.end(), [&setting](const Step& step) {
-                return step.command == "Sleep" && step.nic == setting.adapter;
-            });
+        const auto found = std::ranges::find_if(story_.steps, [&setting](const Step& step) {
+            return step.command == "Sleep" && step.nic == setting.adapter;
+        });
         return setting.kind == Kind::kAddresses && found != story_.steps.end() ? &*found : nullptr;
     }
 
@@ -67,31 +66,28 @@ public:
             return true;
         }
         const bool joins = setting.kind == Kind::kDomain || setting.kind == Kind::kUnit;
-        return std::any_of(settingOfStep_.begin(), settingOfStep_.end(),
-                           [&](const Setting* executed) {
-                               return executed != nullptr && executed->order > setting.order &&
-                                      !(joins && executed->kind == Kind::kComputerName);
-                           });
+        return std::ranges::any_of(settingOfStep_, [&](const Setting* executed) {
+            return executed != nullptr && executed->order > setting.order &&
+                   !(joins && executed->kind == Kind::kComputerName);
+        });
     }
 
 private:
     const Setting* Find(const Step& step, std::optional<std::size_t> nic) const {
         const std::optional<Kind> kind = KindOf(step.command);
-        const auto found =
-            std::find_if(settings_.begin(), settings_.end(), [&](const Setting& setting) {
-                return setting.kind == kind && !setting.leftAlone &&
-                       (!setting.adapter || setting.adapter == nic);
-            });
+        const auto found = std::ranges::find_if(settings_, [&](const Setting& setting) {
+            return setting.kind == kind && !setting.leftAlone &&
+                   (!setting.adapter || setting.adapter == nic);
+        });
         return found == settings_.end() ? nullptr : &*found;
     }
 
     /// A unit goes with the join where there is one.
     const Step* JoinWithUnit() const {
         for (const Step& step : story_.steps) {
-            const bool carries =
-                std::any_of(step.calls.begin(), step.calls.end(), [](const ChangingCall& call) {
-                    return call.parameters.find("AccountOU=\"OU=") != std::string::npos;
-                });
+            const bool carries = std::ranges::any_of(step.calls, [](const ChangingCall& call) {
+                return call.parameters.find("AccountOU=\"OU=") != std::string::npos;
+            });
             if (step.command == "JoinDomain" && carries) {
                 return &step;
             }
@@ -236,11 +232,10 @@ bool IsSkipped(const Row& row) {
 
 Counts CountRows(const std::vector<Row>& rows) {
     const auto count = [&rows](Fate fate) {
-        return static_cast<std::size_t>(std::count_if(
-            rows.begin(), rows.end(), [fate](const Row& row) { return row.fate == fate; }));
+        return static_cast<std::size_t>(
+            std::ranges::count_if(rows, [fate](const Row& row) { return row.fate == fate; }));
     };
-    const auto skipped =
-        static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), IsSkipped));
+    const auto skipped = static_cast<std::size_t>(std::ranges::count_if(rows, IsSkipped));
     return {count(Fate::kChange),
             count(Fate::kAlreadySet) - skipped,
             skipped,

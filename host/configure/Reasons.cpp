@@ -14,11 +14,11 @@ using Kind = Setting::Kind;
 using Texts = std::vector<std::string>;
 
 bool Same(const Texts& left, const Texts& right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(), util::NoCaseEqual);
+    return std::ranges::equal(left, right, util::NoCaseEqual);
 }
 
 Texts Sorted(Texts texts) {
-    std::sort(texts.begin(), texts.end());
+    std::ranges::sort(texts);
     return texts;
 }
 
@@ -70,7 +70,7 @@ std::string WhyExecuted(const Row& row, const Story& story, const Step& step) {
     if (step.before != row.current && !method.empty()) {
         return "set again: " + method + (step.before->empty() ? " drops it" : " changes it");
     }
-    return kind == Kind::kDnsSuffixes ? "the letter case differs" : "";
+    return kind == Kind::kDnsSuffixes ? "differs only in case" : "";
 }
 
 std::string WhyLeftAlone(const Row& row, const machine::State& after) {
@@ -81,7 +81,7 @@ std::string WhyLeftAlone(const Row& row, const machine::State& after) {
     if (adapter != nullptr && adapter->dhcpEnabled.value_or(false) && !adapter->staticDns.empty()) {
         return "left alone: " + ListText(adapter->staticDns) +
                (adapter->staticDns.size() == 1 ? ", set by hand, stays" : ", set by hand, stay") +
-               " in spite of DHCP";
+               " despite DHCP";
     }
     return "left alone";
 }

@@ -186,11 +186,10 @@ void PrintDetails(const Pass& pass, Output& output) {
 void PrintSettled(const Outcome& outcome, Output& output) {
     if (outcome.furtherRun) {
         if (outcome.Settled()) {
-            output.Line("Settled: a restart and a further run change nothing more.", Tone::kGood);
+            output.Line("Settled: another restart and run would change nothing.", Tone::kGood);
             return;
         }
-        output.Line("Never settles: a further run would not leave the machine as it is.",
-                    Tone::kBad);
+        output.Line("Never settles: another run would change the machine again.", Tone::kBad);
         if (const auto& failure = outcome.furtherRun->story.failure) {
             output.Line("  it would fail: " + WhatFailed(*outcome.furtherRun) + ": " +
                         failure->text);
@@ -232,7 +231,7 @@ void PrintPass(const Outcome& outcome, const Pass& pass, const ReportOptions& op
         output.Line("Pass " + std::to_string(&pass - outcome.passes.data() + 1), Tone::kHeading);
     }
     if (options.extent != Extent::kSummary) {
-        PrintChanges(Effective(pass.restart), "The restart has made effective:", output);
+        PrintChanges(Effective(pass.restart), "What took effect with the restart:", output);
         PrintSections(pass, isFirst, options.extent == Extent::kDetails, output);
         if (options.extent == Extent::kDetails) {
             PrintDetails(pass, output);

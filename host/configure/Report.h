@@ -22,7 +22,7 @@ struct ReportOptions {
     Extent extent = Extent::kUsual;
     const check::CheckedFile& checked;
     std::vector<std::string> warnings;
-    std::vector<std::string> wayBack;  ///< what leads back, and what does not come back with it
+    std::vector<std::string> wayBack;  ///< what undoes it, and what it does not bring back
 };
 
 /// Prints every pass, what a restart brings and what to do next as lines of data.

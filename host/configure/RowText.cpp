@@ -80,14 +80,11 @@ struct RouteChanges {
     explicit RouteChanges(const Row& row) {
         Texts current = row.current.value_or(Texts());
         Texts wanted = row.wanted;
-        std::sort(current.begin(), current.end());
-        std::sort(wanted.begin(), wanted.end());
-        std::set_difference(current.begin(), current.end(), wanted.begin(), wanted.end(),
-                            std::back_inserter(gone));
-        std::set_difference(wanted.begin(), wanted.end(), current.begin(), current.end(),
-                            std::back_inserter(added));
-        std::set_intersection(current.begin(), current.end(), wanted.begin(), wanted.end(),
-                              std::back_inserter(kept));
+        std::ranges::sort(current);
+        std::ranges::sort(wanted);
+        std::ranges::set_difference(current, wanted, std::back_inserter(gone));
+        std::ranges::set_difference(wanted, current, std::back_inserter(added));
+        std::ranges::set_intersection(current, wanted, std::back_inserter(kept));
     }
 };
 

@@ -91,9 +91,8 @@ std::string AdapterLabel(const machine::Adapter& adapter) {
 }
 
 const machine::Adapter* AdapterOf(const machine::State& state, std::optional<std::uint32_t> index) {
-    const auto found =
-        std::find_if(state.adapters.begin(), state.adapters.end(),
-                     [&](const machine::Adapter& adapter) { return adapter.index == index; });
+    const auto found = std::ranges::find_if(
+        state.adapters, [&](const machine::Adapter& adapter) { return adapter.index == index; });
     return found == state.adapters.end() ? nullptr : &*found;
 }
 

@@ -41,7 +41,7 @@ std::string LabelOf(const machine::Adapter& adapter) {
     return !name.empty() && CanBeValue(name) ? name : "Adapter " + std::to_string(adapter.index);
 }
 
-/// The IPv4 addresses with their masks; Windows lists IPv6 ones behind them.
+/// The IPv4 addresses with their masks; Windows lists IPv6 ones after them.
 void TakeAddresses(const machine::Adapter& adapter, AdapterDescription& description) {
     const Texts addresses = adapter.ipAddress.value_or(Texts());
     const Texts masks = adapter.ipSubnet.value_or(Texts());
@@ -153,8 +153,9 @@ Identity DescribeIdentity(const machine::State& wanted, const machine::State& pr
                         CanBeValue(identity.unit) && identity.unit == UnitOf(present);
     if (wanted.pendingComputerName || wanted.pendingMembership) {
         identity.remarks.emplace_back(
-            "A restart is due that changes the name or the membership. Below stands what is before "
-            "it; behind it this would change them back.");
+            "A restart is pending that changes the name or the membership. Below is the state "
+            "before "
+            "it; run afterwards, this file would change them back.");
     }
     return identity;
 }
@@ -186,7 +187,7 @@ void DescribeSuffixes(const machine::State& wanted, const machine::State& presen
             (wantedSuffixes.empty()
                  ? "empty the machine's suffix list"
                  : "make the machine's suffix list " + ListText(wantedSuffixes)) +
-            ". No file can; these are those that it has.");
+            ". No file can; below is the list that it has.");
     } else {
         description.suffixRemarks.push_back(
             "The machine's suffix list is " +

@@ -21,7 +21,7 @@ struct AdapterDescription {
     Texts presentServers;  ///< those that it keeps then
     Texts remarks;
     /// Why no section can say it; empty where one can. Sections take the adapters in turn, so none
-    /// says the adapters behind it either.
+    /// says the adapters after it either.
     std::string obstacle;
 };
 

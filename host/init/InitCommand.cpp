@@ -40,9 +40,7 @@ void AddInitCommand(CLI::App& app, const CommonOptions& common, Action& action) 
         "init", "Write the configuration file that describes a machine as it is");
     const auto options = std::make_shared<InitOptions>();
     configure::AddMachineOptions(*command, options->machine);
-    command->add_option("--output,-o", options->file, "Where to write it, else standard output")
-        ->type_name("FILE")
-        ->check(NotEmpty());
+    AddFile(*command, "--output,-o", options->file, "Where to write it; default: standard output");
     command->callback([&common, &action, options] {
         action = [&common, options](Output& output) { return Init(common, *options, output); };
     });

@@ -30,7 +30,7 @@ void RenderMembership(Writer& writer, const Identity& identity) {
     EntryIf(writer, said, key::kWorkgroup, membership.member ? "False" : "True");
     if (!membership.member) {
         EntryIf(writer, said, key::kDomain, membership.workgroup);
-        writer.Comment("Of a member of a domain, with Workgroup=False:");
+        writer.Comment("For a member of a domain, with Workgroup=False:");
     } else if (!hasDnsName) {
         EntryIf(writer, said, key::kDomain, membership.domain);
     }
@@ -50,8 +50,8 @@ void RenderIdentity(Writer& writer, const Identity& identity) {
     writer.Section(key::kNetworking);
     Remark(writer, identity.remarks);
     writer.Comment(
-        "The account, enciphered for the agent's LibCrypto.dll. No machine tells it. A member of a "
-        "domain is renamed, moved, joined and let go with one.");
+        "The account, enciphered for the agent's LibCrypto.dll. It cannot be read from a "
+        "machine. Renaming, moving, joining and removing a domain member need one.");
     writer.EntryAside(key::kDomainUsername, "");
     writer.EntryAside(key::kDomainPassword, "");
     if (waits) {
@@ -91,7 +91,7 @@ void RenderRoutes(Writer& writer, const Description& description) {
         "The persistent routes of the machine: destination, mask, gateway, nothing, metric.");
     if (!description.saysRoutes && !routes.empty()) {
         writer.Comment(
-            "They stay as they are: there is a second default route, or no section gets as far.");
+            "Left as they are: there is a second default route, or no section gets that far.");
     }
     writer.Entry(key::kStaticRouteCount,
                  description.saysRoutes ? std::to_string(routes.size()) : "-1");
@@ -131,7 +131,7 @@ void RenderAdapters(Writer& writer, const Description& description) {
     for (std::size_t i = 0; i < description.adapters.size(); ++i) {
         writer.Blank();
         if (i == sayable) {
-            writer.Comment("Not said from here on: " + description.adapters[i].obstacle +
+            writer.Comment("Left out from here on: " + description.adapters[i].obstacle +
                            ". Sections take the adapters in turn.");
         }
         writer.SetAside(i >= sayable);

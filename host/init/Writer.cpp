@@ -26,16 +26,17 @@ bool CanBeList(const std::vector<std::string>& items) {
 }
 
 void Writer::Comment(std::string_view text) {
+    std::string shown(text);
+    std::ranges::replace_if(
+        shown, [](char character) { return static_cast<unsigned char>(character) < ' '; }, '?');
     std::string line;
-    for (const std::string& word : machine::Split(text, ' ')) {
+    for (const std::string& word : machine::Split(shown, ' ')) {
         if (!line.empty() && kMark.size() + line.size() + 1 + word.size() > kColumns) {
             text_.append(kMark).append(line).append("\n");
             line.clear();
         }
         line += (line.empty() ? "" : " ") + word;
     }
-    std::ranges::replace_if(
-        line, [](char character) { return static_cast<unsigned char>(character) < ' '; }, '?');
     text_.append(kMark).append(line).append("\n");
 }
 

@@ -7,7 +7,7 @@
 
 namespace host::init {
 
-/// Whether the module reads this very text from behind a "=".
+/// Whether the module reads this very text after a "=".
 bool CanBeValue(std::string_view text);
 /// The same for a list, which it cuts at every comma. An empty list is none.
 bool CanBeList(const std::vector<std::string>& items);

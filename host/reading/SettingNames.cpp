@@ -33,8 +33,8 @@ constexpr std::array kNames = {
 };
 
 const KindName& NameOf(Kind kind) {
-    return *std::find_if(kNames.begin(), kNames.end(),
-                         [kind](const KindName& name) { return name.kind == kind; });
+    return *std::ranges::find_if(kNames,
+                                 [kind](const KindName& name) { return name.kind == kind; });
 }
 
 }  // namespace

@@ -38,9 +38,7 @@ void AddSnapshotCommand(CLI::App& app, Action& action) {
     CLI::App* const command = app.add_subcommand(
         "snapshot", "Write the machine that this program runs on as a machine file");
     const auto file = std::make_shared<std::string>();
-    command->add_option("--output,-o", *file, "Where to write it, else standard output")
-        ->type_name("FILE")
-        ->check(NotEmpty());
+    AddFile(*command, "--output,-o", *file, "Where to write it; default: standard output");
     command->callback(
         [&action, file] { action = [file](Output& output) { return Take(*file, output); }; });
 }

@@ -31,8 +31,8 @@ Texts Heading(const configure::Request& request, const machine::State& machine,
               const Texts& byHand) {
     Texts heading = {
         "Brings " + machine.computerName + " back from what " + request.name +
-            " makes of it. To be run when that is done, restarts and all.",
-        "No account stands here: what needs one is a comment below, to be filled in by hand."};
+            " makes of it. Run it once that is done, with all restarts.",
+        "Accounts are left out: what needs one is a comment below, for you to complete."};
     if (!byHand.empty()) {
         heading.emplace_back("By hand, because this file does not bring it back:");
         heading.insert(heading.end(), byHand.begin(), byHand.end());
@@ -64,7 +64,7 @@ Undo MakeUndo(const configure::Request& request, const machine::State& machine) 
     undo.byHand = ListLeft(Restarted(draft.outcome.machine), wanted);
     if (const auto& failure = there.Last().story.failure) {
         undo.byHand.push_back("what " + request.name +
-                              " changes behind its failure, should it not fail: " + failure->text);
+                              " would change after the point where it fails: " + failure->text);
     }
     undo.text = init::Render(draft.description, Heading(request, machine, undo.byHand));
     return undo;

@@ -10,14 +10,14 @@
 namespace host::undo {
 
 struct Undo {
-    std::string text;  ///< the configuration file that leads back
+    std::string text;  ///< the configuration file that undoes it
     /// What it does not bring back, a line each. The file names it too.
     std::vector<std::string> byHand;
     machine::State foreseen;  ///< the machine that it starts from: after the run and its restarts
 };
 
 /// Runs the file of the request on a copy of the machine until the module is done, and then the
-/// file that leads back, so that what that one leaves is known.
+/// file that undoes it, so that what that one leaves is known.
 Undo MakeUndo(const configure::Request& request, const machine::State& machine);
 
 /// What is to be done by hand where the machine `now` should be the machine `wanted`: "machine: DNS

@@ -15,7 +15,7 @@
 namespace machine {
 namespace {
 
-/// IDispatch, which nobody asks anything of this machine's directory objects.
+/// IDispatch, which no caller uses on this machine's directory objects.
 template <typename Interface, const IID& id>
 class Automation : public ComObject<Interface, id> {
 public:

@@ -32,7 +32,7 @@ bool IsIPv6(std::string_view text) {
     return text.find(':') != std::string_view::npos;
 }
 
-/// Puts addresses of IPv4 in the place of those there are. Those of IPv6 stay behind them, each
+/// Puts addresses of IPv4 in the place of those there are. Those of IPv6 stay after them, each
 /// with the length of its prefix for a mask (seen in five public dumps): no method here touches
 /// them.
 void ReplaceAddresses(Adapter& adapter, TextList addresses, TextList masks) {

@@ -30,7 +30,7 @@ void TakeLease(State& state, Adapter& adapter);
 
 /// Lets time pass: leases that are asked for arrive.
 void PassTime(State& state, std::uint64_t milliseconds);
-/// Lets as much time pass as everything that was begun needs.
+/// Lets enough time pass for everything that was begun to finish.
 void Settle(State& state);
 
 std::uint32_t EnableDhcp(State& state, Adapter& adapter);

@@ -42,7 +42,7 @@ TEST(MessageCommands, WrongUsageSaysWhatIsWrong) {
         {{"version", "extra"}, "extra"},
         {{"--format", "xml", "version"}, "xml"},
         {{"version", "--module"}, "--module"},
-        {{"version", "--module", ""}, "--module: it is empty"},
+        {{"version", "--module", ""}, "--module: must not be empty"},
         {{"update-info", "--count", "2147483648"}, "not in range 0 to 2147483646"},
         {{"send"}, "kind is required"},
         {{"send", "Internal"}, "name is required"},
@@ -117,7 +117,7 @@ TEST(MessageCommands, AModuleThatFailsEndsTheProgramInOrder) {
     const std::pair<const char*, const char*> thrown[] = {
         {"bad_alloc", "toolbox-host: the module failed: std::bad_alloc\n"},
         {"invalid_argument", "toolbox-host: the module failed: stoi\n"},
-        {"int", "toolbox-host: the module failed with an exception of a kind unknown here\n"},
+        {"int", "toolbox-host: the module failed with an exception of an unknown kind\n"},
     };
     for (const auto& [name, line] : thrown) {
         const Outcome text = SendOdd({"k", name});

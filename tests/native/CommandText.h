@@ -17,7 +17,7 @@ std::string ActionsOf(std::span<const machine::TraceEntry> calls);
 
 /// A command list as text: what each command does when it is executed on a machine whose methods
 /// and whose route program do nothing, with the password that it hands on; its class where that is
-/// nothing. An adapter's commands are bracketed behind its place and its index (n when there is
+/// nothing. An adapter's commands are bracketed after its place and its index (n when there is
 /// none):
 ///
 ///     ConfigureNic 2/1/0 index 7 {EnableDHCP 7; sleep 8000}; Reboot

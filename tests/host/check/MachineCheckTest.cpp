@@ -21,13 +21,14 @@ struct Trap {
     std::vector<std::string> says = {};  // in the message or the remedy of the first finding
 };
 
-const std::string dhcp = "[TCP/IP]\nDescription=A\nDHCP=true\n";
-const std::string lab = "DNS-Server-Count=0\nDNS-SuffixSearchOrder=lab.example\n";
-const std::string office =
+const std::string kDhcp = "[TCP/IP]\nDescription=A\nDHCP=true\n";
+const std::string kLab = "DNS-Server-Count=0\nDNS-SuffixSearchOrder=lab.example\n";
+const std::string kOffice =
     "[NicEntry]\nDescription=B\nDHCP=false\nAddress=198.51.100.20\nNetmask=255.255.255.0\n"
     "Gateway=198.51.100.1\n";
-const std::string noRoutes = "Static-Route-Count=-1\n";
-const std::string route = "Static-Route-Count=1\nRoute0=10.20.0.0,255.255.0.0,198.51.100.254,,5,\n";
+const std::string kNoRoutes = "Static-Route-Count=-1\n";
+const std::string kRoute =
+    "Static-Route-Count=1\nRoute0=10.20.0.0,255.255.0.0,198.51.100.254,,5,\n";
 
 std::string Summary(const host::check::Findings& findings) {
     std::string summary;
@@ -40,17 +41,17 @@ std::string Summary(const host::check::Findings& findings) {
 }
 
 TEST(CheckOnMachine, WarnsOfEveryTrapWithItsPlaceAndRemedy) {
-    const std::string first = dhcp + lab + noRoutes;
+    const std::string first = kDhcp + kLab + kNoRoutes;
     const std::string moved =
         "[TCP/IP]\nDescription=A\nDHCP=false\nAddress=192.0.2.9\n"
         "Netmask=255.255.255.0\nGateway=192.0.2.1\n" +
-        lab;
+        kLab;
     const Trap traps[] = {
-        {[](State&) {}, first + office + lab + noRoutes, ""},
-        {[](State& state) { state.adapters.resize(1); }, first + office + lab + noRoutes,
+        {[](State&) {}, first + kOffice + kLab + kNoRoutes, ""},
+        {[](State& state) { state.adapters.resize(1); }, first + kOffice + kLab + kNoRoutes,
          "8 too-few-adapters"},
         {[](State& state) { state.adapters[0].condition = Condition::kUnplugged; },
-         first + office + lab + noRoutes,
+         first + kOffice + kLab + kNoRoutes,
          "2 shifted-adapter, 8 too-few-adapters",
          {"gets adapter 2 \"Ethernet 2\"", "adapter 1 \"Ethernet\" is unplugged"}},
         {[](State& state) {
@@ -83,24 +84,25 @@ TEST(CheckOnMachine, WarnsOfEveryTrapWithItsPlaceAndRemedy) {
          "3 gateway-left-behind",
          {"route DELETE 0.0.0.0 mask 0.0.0.0 192.0.2.200"}},
         {[](State& state) { state.adapters[0].dhcpEnabled = false; },
-         moved + noRoutes,
+         moved + kNoRoutes,
          "4 static-on-static",
          {"on some versions of Windows EnableStatic answers 81"}},
         {[](State& state) {
              state.adapters[0].dhcpEnabled = false;
              state.system.versions.staticOnStatic = 81;
          },
-         moved + noRoutes,
+         moved + kNoRoutes,
          "4 static-on-static",
          {"on this Windows"}},
-        {[](State&) {}, moved + route, "10 default-routes-next-time", {"192.0.2.1"}},
+        {[](State&) {}, moved + kRoute, "10 default-routes-next-time", {"192.0.2.1"}},
         {[](State& state) {
              state.adapters[0].dhcpEnabled = false;
              machine::model::PersistGateways(state);
          },
-         first + office + lab + route, "16 default-routes"},
+         first + kOffice + kLab + kRoute, "16 default-routes"},
         {[](State&) {},
-         first + office + lab + "Static-Route-Count=1\nRoute0=0.0.0.0,0.0.0.0,198.51.100.1,,-1,\n",
+         first + kOffice + kLab +
+             "Static-Route-Count=1\nRoute0=0.0.0.0,0.0.0.0,198.51.100.1,,-1,\n",
          "16 refused-route",
          {"exits with 0"}},
         {[](State& state) { state.system.elevated = false; }, first, "2 not-elevated"},

@@ -93,6 +93,8 @@ TEST_F(Canary, MovesInTheDirectory) {
         "--log",      "--trace",
         "calls.jsonl"};
     EXPECT_THAT(Run(move, "calls.jsonl"), HasSubstr("MoveHere"));
+    Run(With(move, {"--plan", "--details", "--undo-file", "back.ini"}), "back.ini");
+    Run({"init", "--machine", "member.json", "--output", "it.ini"}, "it.ini");
     Run(With(move, {"--fail", "ADsOpenObject"}), "calls.jsonl");
 }
 

@@ -42,11 +42,11 @@ TEST_F(CommandLine, WhatCannotBeDoneIsSaidAndNothingIsRun) {
         {{rename_, "--fail", "NoSuchCall=1"}, 64, "NoSuchCall"},
         {{rename_, "--fail", "call:x"}, 64, "call:x"},
         {{rename_, "--fail", "Rename,,Get"}, 64, "must not be empty"},
-        {{rename_, "--fail", ""}, 64, "--fail: it is empty"},
-        {{rename_, "--machine", ""}, 64, "--machine: it is empty"},
-        {{rename_, "--trace", ""}, 64, "--trace: it is empty"},
-        {{rename_, "--save-machine", ""}, 64, "--save-machine: it is empty"},
-        {{rename_, "--report", ""}, 64, "--report: it is empty"},
+        {{rename_, "--fail", ""}, 64, "--fail: must not be empty"},
+        {{rename_, "--machine", ""}, 64, "--machine: must not be empty"},
+        {{rename_, "--trace", ""}, 64, "--trace: must not be empty"},
+        {{rename_, "--save-machine", ""}, 64, "--save-machine: must not be empty"},
+        {{rename_, "--report", ""}, 64, "--report: must not be empty"},
         {{rename_, "--report", full_}, 64, "overwrite the configuration file"},
         {{rename_, "--report", "x", "--undo-file", "./x"}, 64, "what --undo-file writes"},
         {{rename_, "--plan", "--trace", "./RENAME.INI"}, 64, "overwrite the configuration file"},
@@ -108,7 +108,7 @@ TEST_F(CommandLine, TheTraceComesInTwoFormats) {
 
     EXPECT_EQ(Configure({rename_, "--trace", "t.trace.json", "--fail", "Rename"}).exitCode, 1U);
     const Json events = Json::parse(ReadFile("t.trace.json")).at("traceEvents");
-    EXPECT_TRUE(std::any_of(events.begin(), events.end(), [](const Json& event) {
+    EXPECT_TRUE(std::ranges::any_of(events, [](const Json& event) {
         return event["args"].value("ReturnValue (injected)", "") == "5";
     }));
 

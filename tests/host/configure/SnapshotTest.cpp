@@ -33,7 +33,7 @@ TEST(Snapshot, IsAMachineFileOfThisMachineAndCanBePlannedOn) {
         const auto printed = host_tests::RunHost({"snapshot", "--format", format});
         EXPECT_EQ(printed.exitCode, 0U);
         EXPECT_EQ(machine::ParseState(printed.data), state) << format;
-        EXPECT_THAT(printed.notes, testing::HasSubstr(format == "text" ? "Not seen" : ""));
+        EXPECT_EQ(printed.notes.find("Not seen") != std::string::npos, format == "text");
     }
     const std::string config = files.Write("planned.ini", "[Networking]\nComputerName=PC-NEW\n");
     const Json onFile = ConfigureJson({config, "--machine", "snapshot.json", "--plan"}, 2);

@@ -14,7 +14,7 @@ using Arguments = std::vector<std::string>;
 using Files = support::ScratchFolder;
 using support::ReadFile;
 
-/// The arguments with more behind them.
+/// The arguments with more after them.
 Arguments With(Arguments arguments, const Arguments& more);
 
 /// "configure" with these arguments.

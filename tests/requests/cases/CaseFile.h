@@ -17,7 +17,7 @@
 // pointer ({}), "apartment" that the calling thread has entered (none; "single", "multi") and
 // "apartmentLeft" whether the module has taken it out of there (false), "hostThrowsAt" a part of
 // the log line at which the host's sink throws (none), "file" ("put away"), "kept" resources that
-// stay open on purpose ({}). With "afterRestart" the machine restarts behind the pass, and that
+// stay open on purpose ({}). With "afterRestart" the machine restarts after the pass, and that
 // changes it as the member says. Before each pass the file stands where it stood at first, and the
 // module is loaded anew, unless the pass says "sameProcess": true. "{any}" in an expected text
 // stands for what Windows leaves open.

@@ -77,7 +77,7 @@ void ExpectNoOtherConnectionOrRead(const Calls& calls) {
             const std::string text = machine::ArgumentOf(call, "query");
             // The list of adapters asks for SettingID and does not read it.
             const bool isList = text.find("IPEnabled") != std::string::npos;
-            const auto commas = std::count(text.begin(), text.end(), ',');
+            const auto commas = std::ranges::count(text, ',');
             reads += std::stoul(machine::ArgumentOf(call, "rows")) *
                      static_cast<std::size_t>(isList ? 1 : commas + 1);
             ++connections;

@@ -61,7 +61,7 @@ private:
     host::Module module_;
 };
 
-/// The same in a process of its own: the module is loaded for this message and unloaded behind it.
+/// The same in a process of its own: the module is loaded for this message and unloaded after it.
 RunResult RunConfigure(machine::Simulation& simulation, const std::string& file);
 
 /// The first line of the run that holds one of the machine's passwords, clear or enciphered: log,

@@ -122,7 +122,7 @@ private:
         Expect(isLogged, "no line of the log says " + hexadecimal);
     }
 
-    /// Putting the file away failed once more behind a failure.
+    /// Putting the file away failed once more after a failure.
     void ExamineEscape() {
         verdict_.answer = "Failure, file not put away";
         ExamineFailure();

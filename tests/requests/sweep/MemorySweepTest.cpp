@@ -29,7 +29,7 @@ std::vector<Subject> ListMemorySubjects() {
     return chosen;
 }
 
-class MemorySweep : public testing::TestWithParam<Sweep> {
+class MemorySweep : public SweepTest {
 protected:
     void Run() {
         Ending clean;
@@ -63,7 +63,7 @@ private:
         ending.run = trial.Run(point, stays_, &next);
         ending.file = trial.FileBehindFirst();
         ++figures["answered " + Examine(ending, clean, name)];
-        // With memory the same module works as ever.
+        // With memory again the same module works.
         const bool works = next.result == 1 && next.reply.contains("Result") &&
                            next.reply.at("Result") != "Failure";
         EXPECT_TRUE(works) << name << ": the next request came to " << next.escaped
@@ -96,9 +96,6 @@ private:
         EXPECT_EQ(verdict.complaints, std::vector<std::string>()) << name;
         return verdict.answer;
     }
-
-    const Subject& subject_ = std::get<Subject>(GetParam());
-    const bool stays_ = std::get<bool>(GetParam());
 };
 
 TEST_P(MemorySweep, EveryRequestForMemory) {

@@ -1,4 +1,4 @@
-// Every platform call of a request fails, one after the other: once alone, once with all behind it.
+// Every platform call of a request fails, one after the other: once alone, once with all after it.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -74,7 +74,7 @@ Outcome Try(const Subject& subject, machine::FaultPlan plan, bool recover) {
     return outcome;
 }
 
-class PlatformSweep : public testing::TestWithParam<Sweep> {
+class PlatformSweep : public SweepTest {
 protected:
     void Run() {
         const Outcome clean = Try(subject_, {}, true);
@@ -107,7 +107,7 @@ protected:
             }
             Report(name, outcome, verdict);
             if (recover && !verdict.passedOver && outcome.afterRecovery != clean.afterRecovery) {
-                ADD_FAILURE() << name << ": the machine does not come to its end behind it: "
+                ADD_FAILURE() << name << ": the machine ends up different after it: "
                               << cases::ListChanges(clean.afterRecovery, outcome.afterRecovery);
             }
             if (testing::Test::HasFailure()) {
@@ -141,9 +141,6 @@ private:
                         testing::PrintToString(run.log).c_str());
         }
     }
-
-    const Subject& subject_ = std::get<Subject>(GetParam());
-    const bool stays_ = std::get<bool>(GetParam());
 };
 
 TEST_P(PlatformSweep, EveryFailingCall) {

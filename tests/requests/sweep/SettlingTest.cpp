@@ -130,10 +130,10 @@ struct Forecast {
 };
 
 Forecast Foresee(const Subject& subject, const std::string& file) {
-    constexpr host::check::Code swinging[] = {"suffix-conflict",          "default-routes",
-                                              "default-routes-next-time", "refused-route",
-                                              "policy-suffixes",          "ipv6-gateway"};
-    constexpr host::check::Code failing[] = {
+    constexpr host::check::Code kSwinging[] = {"suffix-conflict",          "default-routes",
+                                               "default-routes-next-time", "refused-route",
+                                               "policy-suffixes",          "ipv6-gateway"};
+    constexpr host::check::Code kFailing[] = {
         "no-pci-adapter",   "too-few-adapters", "ipv6-gateway",   "ipv6-address",
         "static-on-static", "refused-route",    "default-routes", "default-routes-next-time"};
     host::check::CheckedFile checked = host::check::CheckFile(file);
@@ -141,8 +141,8 @@ Forecast Foresee(const Subject& subject, const std::string& file) {
     Forecast forecast;
     forecast.hasErrors = checked.findings.Errors() > 0;
     for (const host::check::Finding& finding : checked.findings.List()) {
-        forecast.maySwing |= std::ranges::find(swinging, finding.code) != std::end(swinging);
-        forecast.mayFail |= std::ranges::find(failing, finding.code) != std::end(failing);
+        forecast.maySwing |= std::ranges::find(kSwinging, finding.code) != std::end(kSwinging);
+        forecast.mayFail |= std::ranges::find(kFailing, finding.code) != std::end(kFailing);
     }
     forecast.needsADomain = subject.machine.membership.member ||
                             subject.text.find("Workgroup=False") != std::string::npos ||
@@ -206,7 +206,7 @@ Course Follow(const Subject& subject, machine::State& left, Figures& figures) {
             course.caught += line.find("caught") == std::string::npos ? "" : line + "\n";
         }
         const bool changed = HadEffect(run) || trial.Machine().GetState() != before;
-        EXPECT_FALSE(changed && quiet > 0) << "a request changes something behind one that did not";
+        EXPECT_FALSE(changed && quiet > 0) << "a request changes something after one that did not";
         quiet = changed ? 0 : quiet + 1;
         trial.Machine().Restart();
     }
@@ -304,7 +304,9 @@ void AddOddities(machine::State& state, check_tests::RandomFile& random) {
         if (now() && now()) {
             (now() ? adapter.gateways : adapter.ipAddress) = machine::TextList{"fe80::1"};
         }
-        adapter.connectionName = now() ? "LAN\r\nDHCP=true" : " LAN";
+        // Long enough for a comment of two lines.
+        adapter.connectionName =
+            now() ? "LAN\r\nDHCP=true " + std::string(100, 'n') : std::string(" LAN");
     }
     if (now()) {
         state.dnsSuffixes =

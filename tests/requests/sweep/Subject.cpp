@@ -40,7 +40,7 @@ Subject LoadCase(const std::string& name) {
 }
 
 /// The thread's record that the first error makes and that stays until the module is unloaded: what
-/// is left behind a request that throws an error and touches nothing.
+/// is left after a request that throws an error and touches nothing.
 const std::vector<std::string>& KeptByTheRuntime() {
     static const std::vector<std::string> kKept = [] {
         const requests::AgentFolder agent;

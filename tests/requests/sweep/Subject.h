@@ -27,11 +27,17 @@ struct Subject {
 };
 
 /// The examples and some cases, a subject for each request that it takes until one does nothing:
-/// behind each request that changes something the machine restarts.
+/// after each request that changes something the machine restarts.
 std::vector<Subject> ListSubjects();
 
 /// A subject, and whether what fails goes on failing.
 using Sweep = std::tuple<Subject, bool>;
+
+class SweepTest : public testing::TestWithParam<Sweep> {
+protected:
+    const Subject& subject_ = std::get<Subject>(GetParam());
+    const bool stays_ = std::get<bool>(GetParam());
+};
 
 /// A sweep's name as GoogleTest takes names, and a subject's as it prints it.
 std::string TestName(const testing::TestParamInfo<Sweep>& sweep);
@@ -49,7 +55,7 @@ public:
     const requests::PresentedFile& File() const { return file_; }
 
     /// Presents the file to a freshly loaded module and unloads it. With `nth` its nth request for
-    /// memory fails, or the nth and all behind it. With `next` the machine restarts then and the
+    /// memory fails, or the nth and all after it. With `next` the machine restarts then and the
     /// same module gets the file once more, with memory enough. FileBehindFirst says where the file
     /// was between the two.
     requests::RunResult Run(std::uint64_t nth = 0, bool stays = false,
