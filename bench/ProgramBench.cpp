@@ -105,6 +105,33 @@ void DescribeRoutes(int routes) {
     Write("routes/etc/netplan/network.yaml", plan);
 }
 
+/// A folder of that many machines of 2 adapters.
+std::string DescribeFleet(int machines) {
+    Describe(2);
+    const std::string folder = "fleet-" + std::to_string(machines);
+    fs::create_directories(folder);
+    for (int i = 1; i <= machines; ++i) {
+        for (const std::string ending : {".ini", ".json"}) {
+            fs::copy_file("2" + ending, folder + "/" + std::to_string(i) + ending,
+                          fs::copy_options::overwrite_existing);
+        }
+    }
+    return folder;
+}
+
+/// A run of the largest takes long enough to need few of them.
+void MeasureFleets(const std::string& host) {
+    std::vector<bench::Subject> fleets;
+    for (const int machines : {10, 100, 1000}) {
+        const auto run = [&host, folder = DescribeFleet(machines)] {
+            constexpr int kChanges = 2;
+            Run({"wine", host, "fleet", folder}, kChanges);
+        };
+        fleets.push_back({"fleet", run, static_cast<double>(machines)});
+    }
+    bench::Compare("per machine of 10, 100, 1,000", fleets, 1, 3);
+}
+
 void Measure(const std::string& host, const std::string& run) {
     bench::Compare("./run, with nothing to build",
                    {{"./run --help",
@@ -138,6 +165,7 @@ void Measure(const std::string& host, const std::string& run) {
                          static_cast<double>(adapters)});
     }
     bench::Compare("per adapter of 8, 64, 500", sizes, 1);
+    MeasureFleets(host);
     for (const int adapters : {1, 8, 64}) {
         Describe(adapters);
         const std::string name = std::to_string(adapters);

@@ -38,15 +38,15 @@ void Print(const Measurement& measurement) {
     std::fflush(stdout);
 }
 
-void Compare(const std::string& group, const std::vector<Subject>& subjects, int rounds) {
+void Compare(const std::string& group, const std::vector<Subject>& subjects, int rounds,
+             int repetitions) {
     using Clock = std::chrono::steady_clock;
-    constexpr int kRepetitions = 15;
     std::vector<Measurement> measurements;
     for (const Subject& subject : subjects) {
         subject.run();  // the first run finds nothing in memory yet
         measurements.push_back({group, subject.name, {}, rounds * subject.items});
     }
-    for (int repetition = 0; repetition < kRepetitions; ++repetition) {
+    for (int repetition = 0; repetition < repetitions; ++repetition) {
         for (std::size_t i = 0; i < subjects.size(); ++i) {
             const Clock::time_point start = Clock::now();
             for (int round = 0; round < rounds; ++round) {

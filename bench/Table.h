@@ -24,8 +24,11 @@ struct Subject {
     double items = 1;  ///< that one run deals with
 };
 
+constexpr int kRepetitions = 15;
+
 /// Measures the subjects in turn, again and again, and prints their lines. One time is that of
 /// `rounds` runs.
-void Compare(const std::string& group, const std::vector<Subject>& subjects, int rounds);
+void Compare(const std::string& group, const std::vector<Subject>& subjects, int rounds,
+             int repetitions = kRepetitions);
 
 }  // namespace bench
