@@ -83,6 +83,9 @@ public:
           hasMark_(bytes.starts_with(kUtf8Mark)) {}
 
     Json Region(const reading::File& file, const Place& place) const {
+        if (place.line == 0) {
+            return {{"startLine", 1}, {"endLine", std::max<std::size_t>(file.LineCount(), 1)}};
+        }
         const std::string_view line = file.Line(place.line);
         const auto column = [&](std::size_t bytes) {
             // The mark is no part of the text.
@@ -129,10 +132,8 @@ void SarifLog::Add(const std::string& name, const std::string& path, const Check
     location["index"] = artifacts_.size();
     const Columns columns(checked.file.Bytes());
     for (const Finding& finding : checked.findings.List()) {
-        Json physical{{"artifactLocation", location}};
-        if (finding.place.line != 0) {
-            physical["region"] = columns.Region(checked.file, finding.place);
-        }
+        const Json physical{{"artifactLocation", location},
+                            {"region", columns.Region(checked.file, finding.place)}};
         results_.push_back({{"ruleId", finding.code.Text()},
                             {"ruleIndex", finding.code.Position()},
                             {"level", LevelName(finding.severity == Severity::kError)},
