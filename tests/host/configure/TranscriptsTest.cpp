@@ -65,7 +65,7 @@ TEST(Transcripts, AreWhatTheProgramPrints) {
         }
     }
     std::filesystem::current_path(here);
-    EXPECT_EQ(count, 11U);
+    EXPECT_EQ(count, 13U);
 }
 
 }  // namespace
