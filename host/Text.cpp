@@ -61,6 +61,14 @@ std::size_t ShownWidth(std::string_view text) {
     return CountCharacters(ToLine(text));
 }
 
+std::string Padded(const std::string& text, std::size_t width) {
+    return text + std::string(width - std::min(ShownWidth(text), width), ' ');
+}
+
+std::string RightAligned(const std::string& text, std::size_t width) {
+    return std::string(width - std::min(ShownWidth(text), width), ' ') + text;
+}
+
 std::string Grouped(std::size_t number) {
     constexpr std::size_t kGroup = 3;
     std::string digits = std::to_string(number);

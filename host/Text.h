@@ -21,6 +21,10 @@ std::string ToLine(std::string_view text);
 /// How many characters ToLine makes of it.
 std::size_t ShownWidth(std::string_view text);
 
+/// The text with blanks behind it, or before it, so that it shows as `width` characters at least.
+std::string Padded(const std::string& text, std::size_t width);
+std::string RightAligned(const std::string& text, std::size_t width);
+
 /// "1,234"
 std::string Grouped(std::size_t number);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "host/Text.h"
 #include "host/check/FindingText.h"
 #include "host/configure/Closing.h"
 #include "host/configure/Codes.h"
@@ -16,14 +17,6 @@ namespace host::configure {
 namespace {
 
 using Kind = Setting::Kind;
-
-std::string Padded(const std::string& text, std::size_t width) {
-    return text + std::string(width - std::min(text.size(), width), ' ');
-}
-
-std::string RightAligned(const std::string& text, std::size_t width) {
-    return std::string(width - std::min(text.size(), width), ' ') + text;
-}
 
 /// Prints the sections in columns: the line of the file, the sign, the name, the values.
 class SectionPrinter {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <utility>
 
 #include "host/ExitCode.h"
 #include "host/Text.h"
@@ -15,16 +17,7 @@ using Verdict = Row::Verdict;
 
 // A longer name takes the room that it needs in its own row alone.
 constexpr std::size_t kWidestName = 32;
-constexpr std::size_t kRestartWidth = 12;
-
-/// As many characters as `width` at least, as they are shown.
-std::string Padded(const std::string& text, std::size_t width) {
-    return text + std::string(width - std::min(width, ShownWidth(text)), ' ');
-}
-
-std::string RightAligned(const std::string& text, std::size_t width) {
-    return std::string(width - std::min(width, text.size()), ' ') + text;
-}
+constexpr std::string_view kWidestRestart = "not reported";
 
 const char* TextOf(RestartNeed need) {
     switch (need) {
@@ -157,31 +150,32 @@ void Recap::Print(const std::string& folder, bool totalsOnly, Output& output) co
 }
 
 void Recap::PrintTable(Output& output) const {
-    constexpr std::array kHeads = {"Changes", "Right"};
-    std::size_t nameWidth = std::string_view("Machine").size();
+    const std::string machine = "Machine";
+    const std::string changes = "Changes";
+    const std::string right = "Right";
+    std::size_t nameWidth = machine.size();
     for (const Row& row : rows_) {
         nameWidth = std::max(nameWidth, std::min(ShownWidth(row.name), kWidestName));
     }
-    output.Line(
-        "  " + Padded("Machine", nameWidth) + "  " + kHeads[0] + "  " + kHeads[1] + "  Restart",
-        Tone::kHeading);
+    output.Line("  " + Padded(machine, nameWidth) + "  " + changes + "  " + right + "  Restart",
+                Tone::kHeading);
     for (const Row& row : rows_) {
         const bool isPlanned = row.verdict != Verdict::kNotPlanned;
-        const auto number = [&](std::size_t count, const std::string& head) {
+        const auto number = [isPlanned](std::size_t count, const std::string& head) {
             return "  " + RightAligned(isPlanned ? std::to_string(count) : "-", head.size());
         };
+        const std::string restart = isPlanned ? TextOf(row.restart) : "-";
         const Look look = LookOf(row.verdict);
-        std::string line = look.sign + (" " + Padded(row.name, nameWidth)) +
-                           number(row.counts.changes, kHeads[0]) +
-                           number(row.counts.alreadySet, kHeads[1]) + "  ";
-        const std::size_t indent = 2 + nameWidth + 2 + 7 + 2 + 5 + 2 + kRestartWidth + 2;
-        line += isPlanned ? TextOf(row.restart) : "-";
-        for (const std::string& remark : row.remarks) {
-            output.Line(Padded(line, indent) + remark, look.tone);
-            line.clear();
-        }
-        if (!line.empty()) {
+        std::string line = std::string{look.sign, ' '} + Padded(row.name, nameWidth) +
+                           number(row.counts.changes, changes) +
+                           number(row.counts.alreadySet, right) + "  ";
+        const std::size_t indent = ShownWidth(line) + kWidestRestart.size() + 2;
+        line += restart;
+        if (row.remarks.empty()) {
             output.Line(line, look.tone);
+        }
+        for (const std::string& remark : row.remarks) {
+            output.Line(Padded(std::exchange(line, {}), indent) + remark, look.tone);
         }
     }
 }
