@@ -125,7 +125,7 @@ TEST(Fleet, TheWorstMachineGivesTheExitCode) {
         {{"none", "--file", "rename.ini"}, 65, "none holds no machine file NAME.json"},
         {{"nowhere"}, 65, "cannot read nowhere: "},
         {{"rename.ini"}, 64, "rename.ini is not a folder"},
-        {{""}, 64, "it is empty"},
+        {{""}, 64, "must not be empty"},
     };
     for (const Case& each : cases) {
         const Outcome outcome = Fleet(each.arguments);
