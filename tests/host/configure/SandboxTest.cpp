@@ -26,8 +26,10 @@ std::set<std::string> List(const std::filesystem::path& folder, const std::strin
     return names;
 }
 
+/// Programs that run beside this one have folders of their own there.
 std::vector<std::set<std::string>> WhatIsThere() {
-    return {List(std::filesystem::temp_directory_path(), "toolbox-host-"),
+    const std::string own = "toolbox-host-" + std::to_string(GetCurrentProcessId()) + "-";
+    return {List(std::filesystem::temp_directory_path(), own),
             List(std::filesystem::current_path().root_path(), ""), List(BesideProgram(""), "kept")};
 }
 
