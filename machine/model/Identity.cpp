@@ -105,6 +105,9 @@ std::string NetBiosName(std::string_view hostName) {
 }
 
 std::uint32_t Rename(State& state, const std::string& newName, const Credentials& credentials) {
+    if (!state.system.elevated) {
+        return kNotAllowed;  // documented, of all three methods
+    }
     if (!IsHostName(newName)) {
         return kInvalidComputerName;
     }
@@ -139,6 +142,9 @@ std::uint32_t Rename(State& state, const std::string& newName, const Credentials
 
 std::uint32_t Join(State& state, const std::string& name, const Credentials& credentials,
                    const std::string& accountOu, std::uint32_t options) {
+    if (!state.system.elevated) {
+        return kNotAllowed;
+    }
     if ((options & ~static_cast<std::uint32_t>(kAllJoinOptions)) != 0) {
         return kWrongOptions;
     }
@@ -172,23 +178,30 @@ std::uint32_t Join(State& state, const std::string& name, const Credentials& cre
 }
 
 std::uint32_t Unjoin(State& state, const Credentials& credentials, std::uint32_t options) {
-    const Membership& coming = ShownMembership(state);
-    if (!state.system.workstationService) {
-        return kNoWorkstationService;
+    if (!state.system.elevated) {
+        return kNotAllowed;
     }
+    if (!state.system.workstationService) {
+        return kNoWorkstationService;  // documented
+    }
+    const Membership& coming = ShownMembership(state);
     if (!coming.member) {
         return kNotJoined;
     }
+    // Documented: the only option, kDeleteAccount, disables the computer object and deletes
+    // nothing.
     if (options != 0 && options != kDeleteAccount) {
         return kWrongOptions;
     }
-    // Without an account the machine leaves on its own and its computer object stays enabled.
+    // Platform knowledge. Without an account the machine leaves on its own and its computer object
+    // stays enabled.
     if (!credentials.userName.empty() || options == kDeleteAccount) {
         Domain* domain = FindDomain(state, coming.dnsDomain);
         if (const auto code = CheckCredentials(domain, credentials); code != kDone) {
             return code;
         }
     }
+    // Platform knowledge: a machine that leaves is in this workgroup.
     state.pendingMembership = Membership::OfWorkgroup("WORKGROUP");
     return kDone;
 }

@@ -40,6 +40,8 @@ TEST(IdentityModel, JoinGivesTheCodesOfWindows) {
     blocked.domains[0].joinAnswer = 58;
     State silent = workgroup;
     silent.system.workstationService = false;
+    State powerless = workgroup;
+    powerless.system.elevated = false;
     const std::string sales = "OU=Sales,OU=East,DC=corp,DC=example";
     const std::string corp = "corp.example";
     struct Case {
@@ -64,6 +66,7 @@ TEST(IdentityModel, JoinGivesTheCodesOfWindows) {
         {connected, corp, kJoiner, "", 0x3, 1219},
         {blocked, corp, kJoiner, "", 0x3, 58},
         {silent, corp, kJoiner, "", 0x3, 2138},
+        {powerless, corp, kJoiner, "", 0x3, 5},
         {workgroup, corp, {"joiner", "no"}, "", 0x3, 1326},
         {workgroup, corp, {"LAB\\joiner", "Join-Me-1"}, "", 0x3, 1326},
         {workgroup, corp, {"joiner@corp.example", "Join-Me-1"}, "", 0x3, 0},
@@ -93,6 +96,10 @@ TEST(IdentityModel, UnjoinGivesTheCodesOfWindows) {
     EXPECT_EQ(Unjoin(member, {"joiner", "no"}, 0), 1326U);
     EXPECT_EQ(Unjoin(member, kJoiner, 1), 87U);
     EXPECT_EQ(member, Member());
+    State powerless = member;
+    powerless.system.elevated = false;
+    EXPECT_EQ(Unjoin(powerless, kJoiner, 0), 5U);
+    EXPECT_EQ(Rename(powerless, "pc2", kJoiner), 5U);
     State alone = member;
     EXPECT_EQ(Unjoin(alone, {}, 0), 0U);
     EXPECT_EQ(Unjoin(member, kJoiner, 0), 0U);
