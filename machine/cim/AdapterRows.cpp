@@ -42,7 +42,7 @@ struct Delivery<std::string> : SameDelivery<std::string, Type::kText> {};
 
 template <>
 struct Delivery<TextList> : SameDelivery<TextList, Type::kTexts> {
-    /// A list without elements is delivered as null.
+    /// A list without elements is delivered as null (seen once).
     static Value From(const TextList& list) { return list.empty() ? Value() : Value(list); }
 };
 

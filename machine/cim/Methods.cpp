@@ -19,10 +19,15 @@ std::string TextOf(const Properties& in, std::string_view name) {
     return text == nullptr ? std::string() : *text;
 }
 
-TextList ListOf(const Properties& in, std::string_view name) {
+std::optional<TextList> GivenList(const Properties& in, std::string_view name) {
     const Property* property = FindProperty(in, name);
     const auto* list = property == nullptr ? nullptr : std::get_if<TextList>(&property->value);
-    return list == nullptr ? TextList() : *list;
+    return list == nullptr ? std::nullopt : std::optional(*list);
+}
+
+/// Where nothing and a list without anything are one.
+TextList ListOf(const Properties& in, std::string_view name) {
+    return GivenList(in, name).value_or(TextList());
 }
 
 std::uint32_t NumberOf(const Properties& in, std::string_view name) {
@@ -77,8 +82,8 @@ std::vector<Method> AdapterMethods() {
          true,
          {{"DNSDomainSuffixSearchOrder", Type::kTexts}},
          [](const Target& target, const Properties& in) {
-             return Answer(target, model::SetDnsSuffixes(target.state,
-                                                         ListOf(in, "DNSDomainSuffixSearchOrder")));
+             return Answer(target, model::SetDnsSuffixes(
+                                       target.state, GivenList(in, "DNSDomainSuffixSearchOrder")));
          }},
     };
 }

@@ -25,6 +25,10 @@ bool HasIp(const Adapter& adapter) {
     return adapter.condition == Condition::kConnected && adapter.ipEnabled;
 }
 
+bool IsPci(const Adapter& adapter) {
+    return adapter.pnpDeviceId && adapter.pnpDeviceId->starts_with("PCI");
+}
+
 Adapter ShownAdapter(const Adapter& adapter) {
     Adapter shown = adapter;
     if (HasIp(adapter)) {

@@ -10,6 +10,9 @@ namespace machine::model {
 /// of WMI; an adapter without it takes no settings.
 bool HasIp(const Adapter& adapter);
 
+/// Whether it is a PCI device: sections of a configuration get no other.
+bool IsPci(const Adapter& adapter);
+
 /// The adapter as WMI has it: of one without IP, the settings are NULL.
 Adapter ShownAdapter(const Adapter& adapter);
 

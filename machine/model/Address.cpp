@@ -37,13 +37,17 @@ std::string FormatAddress(std::uint32_t address) {
     return text;
 }
 
+bool IsIPv6(std::string_view text) {
+    return text.find(':') != std::string_view::npos;
+}
+
 bool IsMask(std::uint32_t mask) {
     const std::uint32_t hostBits = ~mask;
     return (hostBits & (hostBits + 1)) == 0;
 }
 
 bool IsAdapterMask(std::uint32_t mask) {
-    // A mask of 255.255.255.255 is refused with 66 (seen in public dumps).
+    // A mask of 255.255.255.255 is refused with 66 (seen once).
     return mask != 0 && mask != 0xFFFFFFFFU && IsMask(mask);
 }
 

@@ -15,6 +15,9 @@ namespace machine::model {
 std::optional<std::uint32_t> ParseAddress(std::string_view text);
 std::string FormatAddress(std::uint32_t address);
 
+/// Whether the text, an address, is one of IPv6.
+bool IsIPv6(std::string_view text);
+
 /// Ones, then zeros; either may be missing, as in the mask of a route.
 bool IsMask(std::uint32_t mask);
 // The same for an adapter's address, which needs a network with room for others.
@@ -32,6 +35,7 @@ struct Network {
     bool Contains(std::uint32_t other) const { return (address & mask) == (other & mask); }
 };
 
+/// Documented of SetGateways.
 inline constexpr std::size_t kMostGateways = 5;
 
 /// The metrics that the route program is documented to take.

@@ -11,7 +11,8 @@
 
 namespace machine::model {
 
-/// HRESULTs of the directory service.
+/// HRESULTs of the directory service. That each stands for what it stands for here is platform
+/// knowledge.
 enum DirectoryCode : std::uint32_t {
     kDirectoryOk = 0,
     kBadPathname = 0x80005000,  ///< E_ADS_BAD_PATHNAME
@@ -20,7 +21,7 @@ enum DirectoryCode : std::uint32_t {
     kLogonFailure = 0x8007052E,        ///< ERROR_LOGON_FAILURE
     kNoSuchObject = 0x80072030,        ///< ERROR_DS_NO_SUCH_OBJECT
     kInvalidDnSyntax = 0x80072032,     ///< ERROR_DS_INVALID_DN_SYNTAX
-    kReferral = 0x8007202B,            // ERROR_DS_REFERRAL
+    kReferral = 0x8007202B,            ///< ERROR_DS_REFERRAL
     kUnwillingToPerform = 0x80072035,  ///< ERROR_DS_UNWILLING_TO_PERFORM
     kServerDown = 0x8007203A,          ///< ERROR_DS_SERVER_DOWN
     kAlreadyExists = 0x80071392,       ///< ERROR_OBJECT_ALREADY_EXISTS

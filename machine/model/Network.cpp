@@ -1,7 +1,6 @@
 #include "machine/model/Network.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "machine/model/AdapterView.h"
 #include "machine/model/Address.h"
@@ -26,10 +25,6 @@ bool AreAll(const TextList& texts, bool (*isKind)(std::uint32_t)) {
 
 bool HasLease(const Adapter& adapter) {
     return adapter.dhcpEnabled.value_or(false) && adapter.dhcpLease && !adapter.leaseDueIn;
-}
-
-bool IsIPv6(std::string_view text) {
-    return text.find(':') != std::string_view::npos;
 }
 
 /// Puts addresses of IPv4 in the place of those there are. Those of IPv6 stay after them, each
@@ -205,7 +200,7 @@ std::uint32_t SetGateways(State& state, Adapter& adapter, const TextList& gatewa
             return kInvalidGateway;
         }
     }
-    ReplaceGatewayRoutes(state, GatewaysSetByHand(state, adapter), gateways);
+    ReplaceGatewayRoutes(state, adapter, gateways);
     ReplaceGateways(adapter, gateways);
     return kSucceeded;
 }
@@ -218,6 +213,7 @@ std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& serv
         return kInvalidIpAddress;
     }
     adapter.staticDns = servers;
+    // Documented: without servers the adapter goes back to those of DHCP.
     if (servers.empty() && HasLease(adapter)) {
         adapter.dnsServers = NullWhenEmpty(adapter.dhcpLease->dnsServers);
     } else {
@@ -227,14 +223,19 @@ std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& serv
     return kSucceeded;
 }
 
-std::uint32_t SetDnsSuffixes(State& state, const TextList& suffixes) {
+std::uint32_t SetDnsSuffixes(State& state, const std::optional<TextList>& suffixes) {
     if (const std::uint32_t refusal = Refusal(state); refusal != kSucceeded) {
         return refusal;
     }
-    if (!std::ranges::all_of(suffixes, IsSuffix)) {
+    if (suffixes && suffixes->empty()) {
+        // Seen once: an empty array fails, and NULL is right. With which code is not known.
+        return kInvalidInput;
+    }
+    const TextList list = suffixes.value_or(TextList());
+    if (!std::ranges::all_of(list, IsSuffix)) {
         return kInvalidDomainName;
     }
-    state.dnsSuffixes = suffixes;
+    state.dnsSuffixes = list;
     return kSucceeded;
 }
 

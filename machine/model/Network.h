@@ -40,6 +40,7 @@ std::uint32_t EnableStatic(State& state, Adapter& adapter, const TextList& addre
 std::uint32_t SetGateways(State& state, Adapter& adapter, const TextList& gateways);
 /// No servers: goes back to those of the lease.
 std::uint32_t SetDnsServers(State& state, Adapter& adapter, const TextList& servers);
-std::uint32_t SetDnsSuffixes(State& state, const TextList& suffixes);
+/// No list: removes the machine's own. An empty one is refused.
+std::uint32_t SetDnsSuffixes(State& state, const std::optional<TextList>& suffixes);
 
 }  // namespace machine::model

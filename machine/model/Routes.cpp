@@ -1,6 +1,7 @@
 #include "machine/model/Routes.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "machine/model/AdapterView.h"
 #include "machine/model/Address.h"
@@ -57,22 +58,31 @@ bool Reaches(const Adapter& adapter, std::uint32_t address) {
 
 void PersistGateways(State& state) {
     // Documented (class text, KB 2966111), on a forum said to be so since Vista: a gateway set by
-    // hand is also a persistent route 0.0.0.0.
-    std::vector<PersistedRoute> missing;
+    // hand is also a persistent route 0.0.0.0. Platform knowledge: one for all adapters that have
+    // it, since the registry keeps a route by its text.
+    TextList missing;
     for (const Adapter& adapter : state.adapters) {
         for (const std::string& gateway : adapter.gateways.value_or(TextList())) {
-            if (adapter.dhcpEnabled == false && IsIPv4(gateway) && !IsSetByHand(state, gateway)) {
-                missing.push_back(RouteOf(gateway));
+            if (adapter.dhcpEnabled == false && IsIPv4(gateway) && !IsSetByHand(state, gateway) &&
+                !Holds(missing, gateway)) {
+                missing.push_back(gateway);
             }
         }
     }
-    state.routes.insert(state.routes.begin(), missing.begin(), missing.end());
+    std::ranges::transform(missing, std::inserter(state.routes, state.routes.begin()), RouteOf);
 }
 
-void ReplaceGatewayRoutes(State& state, const TextList& former, const TextList& gateways) {
+void ReplaceGatewayRoutes(State& state, const Adapter& adapter, const TextList& gateways) {
+    const TextList former = adapter.gateways.value_or(TextList());
+    const auto isOfAnother = [&](const std::string& gateway) {
+        return std::ranges::any_of(state.adapters, [&](const Adapter& other) {
+            return other.index != adapter.index && other.dhcpEnabled == false &&
+                   Holds(other.gateways.value_or(TextList()), gateway);
+        });
+    };
     std::erase_if(state.routes, [&](const PersistedRoute& route) {
         return IsDefaultRoute(route) && Holds(former, route.nextHop) &&
-               !Holds(gateways, route.nextHop);
+               !Holds(gateways, route.nextHop) && !isOfAnother(route.nextHop);
     });
     for (const std::string& gateway : gateways) {
         if (!IsSetByHand(state, gateway)) {

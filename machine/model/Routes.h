@@ -23,8 +23,8 @@ bool Reaches(const Adapter& adapter, std::uint32_t address);
 /// Gives the gateways of adapters without DHCP their persistent routes, where they have none yet.
 void PersistGateways(State& state);
 
-/// The gateways set by hand are these now instead of those.
-void ReplaceGatewayRoutes(State& state, const TextList& former, const TextList& gateways);
+/// The adapter gets these gateways, set by hand, for those that it has.
+void ReplaceGatewayRoutes(State& state, const Adapter& adapter, const TextList& gateways);
 
 /// Whether there is such a route, persistent or one that a lease made.
 bool HasRoute(const State& state, std::uint32_t destination, std::uint32_t mask,

@@ -54,6 +54,11 @@ TEST(NetworkModel, SetGatewaysWantsHostsOnTheAdaptersNetwork) {
         EXPECT_EQ(SetGateways(state, state.adapters[1], gateways), code);
         EXPECT_EQ(state.adapters[1].gateways.value_or(TextList()), code == 0 ? gateways : before);
     }
+    State shared = DefaultState();
+    shared.adapters[0].dhcpEnabled = false;
+    shared.adapters[0].gateways = shared.adapters[1].gateways;
+    EXPECT_EQ(SetGateways(shared, shared.adapters[1], {"198.51.100.254"}), 0U);
+    EXPECT_TRUE(IsSetByHand(shared, "198.51.100.1")) << "another adapter has it still";
 }
 
 TEST(NetworkModel, TheStateOfTheMachineRefusesBeforeTheParametersDo) {
@@ -70,6 +75,7 @@ TEST(NetworkModel, TheStateOfTheMachineRefusesBeforeTheParametersDo) {
     state.system.lockedCalls = 4;
     expectOfAll(2147786788);
     EXPECT_EQ(SetDnsSuffixes(state, {}), 0U) << "the lock has passed";
+    EXPECT_EQ(SetDnsSuffixes(state, TextList()), 68U) << "an empty list is none";
     state.system.elevated = false;
     expectOfAll(2147749891);
     state.system.versions.notElevated = 91;
