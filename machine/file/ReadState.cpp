@@ -30,15 +30,21 @@ void ExpectAddress(const Node& node, const std::string& address) {
     }
 }
 
-/// An address of an adapter: Windows lists those of IPv6 among them, with the length of their
-/// prefix among the masks.
+/// The addresses of an adapter: Windows lists those of IPv6 among them.
 void ExpectAddresses(const Node& node, const char* name, const std::optional<TextList>& texts) {
     for (std::size_t i = 0; texts && i < texts->size(); ++i) {
-        const std::string& text = (*texts)[i];
-        const bool isOfIPv6 = text.find(':') != std::string::npos ||
-                              text.find_first_not_of("0123456789") == std::string::npos;
-        if (!isOfIPv6) {
-            ExpectAddress(node.Member(name).Element(i), text);
+        if (!model::IsIPv6((*texts)[i])) {
+            ExpectAddress(node.Member(name).Element(i), (*texts)[i]);
+        }
+    }
+}
+
+/// Its masks: the length of a prefix stands beside an address of IPv6, and nothing beside "0.0.0.0"
+/// (both seen).
+void ExpectMasks(const Node& node, const char* name, const std::optional<TextList>& texts) {
+    for (std::size_t i = 0; texts && i < texts->size(); ++i) {
+        if ((*texts)[i].find_first_not_of("0123456789") != std::string::npos) {
+            ExpectAddress(node.Member(name).Element(i), (*texts)[i]);
         }
     }
 }
@@ -49,7 +55,7 @@ void CheckAddressing(const Node& node, const Object& object) {
     const std::optional<TextList> addresses = object.ipAddress;
     const std::optional<TextList> masks = object.ipSubnet;
     ExpectAddresses(node, "ipAddress", addresses);
-    ExpectAddresses(node, "ipSubnet", masks);
+    ExpectMasks(node, "ipSubnet", masks);
     ExpectAddresses(node, "gateways", object.gateways);
     ExpectAddresses(node, "dnsServers", object.dnsServers);
     if (addresses && masks && !addresses->empty() && addresses->size() != masks->size()) {
