@@ -272,6 +272,7 @@ BOOLEAN ServeGetComputerObjectNameA(Core& core, EXTENDED_NAME_FORMAT format, LPS
     const bool fits = *size >= needed;
     *size = needed;
     if (name == nullptr) {
+        // Documented: it succeeds, or fails with 122; both set the size.
         return result(true, 0);
     }
     if (!fits) {

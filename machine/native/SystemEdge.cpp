@@ -37,7 +37,7 @@ void ReadMembership(const Membership& membership) {
     if (known.member) {
         membership.domain = known.domain;
         membership.dnsDomain = known.dnsDomain;
-    } else {
+    } else if (TheMachine().state.system.workstationService) {  // which is what is asked for it
         membership.workgroup = known.workgroup;
     }
 }
