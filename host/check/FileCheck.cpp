@@ -153,7 +153,7 @@ void SettingsCheck::CheckRepeatedRoutes() {
         if (!added) {
             findings_.Error("repeated-route", route.place,
                             "the same route as in " + LineText(first->second) +
-                                ": the route program refuses to add it twice");
+                                ": the route program refuses to add it twice" + kWhenRefused);
         }
     }
 }

@@ -6,9 +6,10 @@
 #include <vector>
 
 #include "common/util/Strings.h"
-#include "host/check/DefaultRouteCheck.h"
+#include "host/check/MachineRouteCheck.h"
 #include "host/reading/Settings.h"
 #include "machine/model/AdapterView.h"
+#include "machine/model/Address.h"
 #include "machine/model/Network.h"
 
 namespace host::check {
@@ -20,10 +21,6 @@ using machine::Adapter;
 using reading::Setting;
 using Wish = Setting::Kind;
 using Texts = std::vector<std::string>;
-
-bool IsPci(const Adapter& adapter) {
-    return adapter.pnpDeviceId.value_or("").starts_with("PCI");
-}
 
 const char* WhyWithoutIp(const Adapter& adapter) {
     switch (adapter.condition) {
@@ -56,7 +53,7 @@ public:
             }
         }
         for (const Adapter& adapter : machine.adapters) {
-            if (IsPci(adapter)) {
+            if (model::IsPci(adapter)) {
                 (model::HasIp(adapter) ? bindable_ : others_).push_back(&adapter);
                 all_.push_back(&adapter);
             }
@@ -71,6 +68,7 @@ public:
         for (const Setting& setting : settings_) {
             if (const Adapter* const adapter = BoundTo(setting)) {
                 CheckDhcp(setting, *adapter);
+                CheckGateways(setting, *adapter);
                 CheckStatic(setting, *adapter);
             }
             if (setting.kind == Wish::kDnsSuffixes) {
@@ -78,16 +76,20 @@ public:
             }
         }
         CheckElevation();
-        CheckDefaultRoutes(settings_, machine_, bindable_, findings_);
+        CheckRoutesOnMachine(settings_, machine_, bindable_, findings_);
     }
 
 private:
     void CheckBinding();
     void CheckIPv6();
     void CheckDhcp(const Setting& setting, const Adapter& adapter);
+    void CheckGateways(const Setting& setting, const Adapter& adapter);
     void CheckStatic(const Setting& setting, const Adapter& adapter);
     void CheckSuffixes(const Setting& setting);
     void CheckElevation();
+
+    void WarnOfIPv6Gateway(const Setting& setting, const Adapter& adapter,
+                           const std::string& gateway, const char* effect);
 
     /// The adapter that the setting's section gets; null for none.
     const Adapter* BoundTo(const Setting& setting) const {
@@ -144,24 +146,15 @@ void MachineCheck::CheckBinding() {
 
 void MachineCheck::CheckIPv6() {
     for (const Adapter* const adapter : bindable_) {
-        const std::string remedy =
-            "switch router discovery off on that interface (netsh interface ipv6 set interface "
-            "NAME routerdiscovery=disabled) or take IPv6 off the adapter";
         for (const std::string& gateway : ListOf(adapter->gateways)) {
-            if (gateway.find(':') == std::string::npos) {
-                continue;
+            if (model::IsIPv6(gateway) && util::IsLetter(gateway.front())) {
+                WarnOfIPv6Gateway(*sections_.front(), *adapter, gateway,
+                                  "looks up as a host's name: every request with an adapter "
+                                  "section fails with 11001");
             }
-            const bool failsAll = util::IsLetter(gateway.front());
-            Warn("ipv6-gateway", *sections_.front(),
-                 AdapterName(*adapter) + " has the IPv6 gateway " + gateway +
-                     (failsAll ? ", which the module looks up as a host's name: every request with "
-                                 "an adapter section fails with 11001"
-                               : ", which the module reads as 255.255.255.255: a section for it "
-                                 "sets the gateways on every request"),
-                 remedy);
         }
         const Texts addresses = ListOf(adapter->ipAddress);
-        if (!addresses.empty() && addresses.front().find(':') != std::string::npos) {
+        if (!addresses.empty() && model::IsIPv6(addresses.front())) {
             Warn("ipv6-address", *sections_.front(),
                  AdapterName(*adapter) + " has no IPv4 address before " + addresses.front() +
                      ": the module reads that one, and an address that begins with a letter fails "
@@ -171,14 +164,31 @@ void MachineCheck::CheckIPv6() {
     }
 }
 
+void MachineCheck::CheckGateways(const Setting& setting, const Adapter& adapter) {
+    for (const std::string& gateway : ListOf(adapter.gateways)) {
+        if (setting.kind == Wish::kGateways && model::IsIPv6(gateway) &&
+            !util::IsLetter(gateway.front())) {
+            WarnOfIPv6Gateway(setting, adapter, gateway,
+                              "reads as 255.255.255.255: it sets these on every request");
+        }
+    }
+}
+
+void MachineCheck::WarnOfIPv6Gateway(const Setting& setting, const Adapter& adapter,
+                                     const std::string& gateway, const char* effect) {
+    Warn("ipv6-gateway", setting,
+         AdapterName(adapter) + " has the IPv6 gateway " + gateway + ", which the module " + effect,
+         "switch router discovery off on that interface (netsh interface ipv6 set interface NAME "
+         "routerdiscovery=disabled) or take IPv6 off the adapter");
+}
+
 void MachineCheck::CheckDhcp(const Setting& setting, const Adapter& adapter) {
     if (setting.kind != Wish::kDhcp || adapter.dhcpEnabled.value_or(false)) {
         return;
     }
     const Texts lease = adapter.dhcpLease ? adapter.dhcpLease->gateways : Texts();
     for (const std::string& gateway : ListOf(adapter.gateways)) {
-        if (gateway.find(':') == std::string::npos &&
-            std::ranges::find(lease, gateway) == lease.end()) {
+        if (!model::IsIPv6(gateway) && std::ranges::find(lease, gateway) == lease.end()) {
             Warn("gateway-left-behind", setting,
                  "EnableDHCP leaves the gateway " + gateway + " of " + AdapterName(adapter) +
                      ", which was set by hand, beside the lease's: two default routes, and the "
@@ -238,7 +248,8 @@ void MachineCheck::CheckElevation() {
     Warn("not-elevated", settings_.front(),
          "the agent has no administrator's token: methods of adapters answer " +
              std::to_string(machine_.system.versions.notElevated) +
-             " and route exits with 1; nothing can be changed",
+             ", those that rename, join and leave 5, and route exits with 1; nothing can be "
+             "changed",
          "let the agent run as a service or elevated");
 }
 

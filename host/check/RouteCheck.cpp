@@ -129,7 +129,8 @@ std::optional<RouteWish> RouteCheck::CheckRoute(const LookUp& route, Findings& f
     if (machine::model::HasBitsOutside(wish.destination, wish.mask)) {
         findings.Error("route-bits", placeOf(fields.sent[0]),
                        Quoted(fields.sent[0]) + " has bits outside the mask " +
-                           Quoted(fields.sent[1]) + ": the route program refuses it");
+                           Quoted(fields.sent[1]) + ": the route program refuses it" +
+                           kWhenRefused);
         return std::nullopt;
     }
     if (wish.destination == 0 && wish.mask == 0) {
@@ -156,7 +157,7 @@ void RouteCheck::CheckCompleteness(const Fields& fields, const Place& place, Fin
         return;
     }
     std::string message = "the route has " + std::string(kLacking[fields.sent.size()]) +
-                          ": the route program refuses it";
+                          ": the route program refuses it" + kWhenRefused;
     if (!fields.rest.empty()) {
         message = "there is no comma after " + Quoted(fields.rest) + ": the module drops it, and " +
                   message;
@@ -169,7 +170,7 @@ void RouteCheck::CheckMetric(std::string_view metric, const Place& place, Findin
     if (number < machine::model::kLeastMetric || number > machine::model::kMostMetric) {
         findings.Error("bad-metric", place,
                        Quoted(metric) + " is read as the metric " + std::to_string(number) +
-                           ": the route program takes 1 to 9999");
+                           ": the route program takes 1 to 9999, refuses it" + kWhenRefused);
     } else if (!IsWholeNumber(metric)) {
         findings.Warning("odd-metric", place,
                          Quoted(metric) + " is read as the metric " + std::to_string(number));

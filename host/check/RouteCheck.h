@@ -10,6 +10,12 @@
 
 namespace host::check {
 
+/// What comes of a route that the route program refuses.
+inline constexpr const char* kWhenRefused =
+    ", and mostly exits with 0 (\"Success\", without the route), on some versions of Windows with "
+    "1 "
+    "(Failure 5)";
+
 /// A route that the module is asked to set, as the module reads it; host byte order.
 struct RouteWish {
     std::uint32_t destination;

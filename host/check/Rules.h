@@ -220,17 +220,23 @@ inline constexpr Rule kAll[] = {
      "again.",
      "Change the policy, or write its list."},
     {"default-routes", kWarning,
-     "The machine has more than one persistent default route, and the list of routes deletes them "
-     "all.",
-     "Keep one gateway that is set by hand, or write Static-Route-Count=-1."},
+     "The machine has a second persistent default route, or another one to 0.0.0.0, that the list "
+     "does not have; its deletion takes all default routes.",
+     "Keep one gateway that is set by hand and no other route to 0.0.0.0, or write "
+     "Static-Route-Count=-1."},
     {"default-routes-next-time", kWarning,
-     "After this request the machine has more than one persistent default route, and the next "
-     "request deletes them all.",
-     "Keep one gateway that is set by hand, or write Static-Route-Count=-1."},
+     "After this request the machine has such a route, and the next request deletes all default "
+     "routes.",
+     "Keep one gateway that is set by hand and no other route to 0.0.0.0, or write "
+     "Static-Route-Count=-1."},
     {"refused-route", kWarning,
      "A default route of the list is there already; the module adds it again, and route refuses "
      "it.",
      "Leave the first default route out of the list."},
+    {"shared-destination", kWarning,
+     "The machine has several persistent routes to a destination, not all of them in the list; the "
+     "deletion of one takes all.",
+     "Send the file again: the next request adds what is missing."},
     {"not-elevated", kWarning, "The agent has no administrator's token; nothing can be changed.",
      "Let the agent run as a service or elevated."},
 };

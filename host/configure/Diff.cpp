@@ -175,8 +175,7 @@ std::vector<Change> Compare(const machine::State& before, const machine::State& 
         }
     }
     Comparison routes("routes");
-    routes.Members("", *CurrentValues(before, Setting::Kind::kRoutes, {}),
-                   *CurrentValues(after, Setting::Kind::kRoutes, {}));
+    routes.Members("", AllRoutes(before), AllRoutes(after));
     routes.MoveTo(changes);
     CompareDomains(before, after, changes);
     Comparison registry("registry");

@@ -66,6 +66,9 @@ Json OfRow(const Row& row) {
     }
     json["current"] = row.current ? List(*row.current) : Json();
     json["wanted"] = List(row.wanted);
+    if (row.left) {
+        json["left"] = List(*row.left);
+    }
     json["calls"] = Array(row.calls, OfCall);
     AddText(json, "reason", row.reason);
     json["notes"] = List(setting.notes);

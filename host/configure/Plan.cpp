@@ -146,6 +146,14 @@ void TakeFromNextPass(const Story& story, const Row* next, Row& row) {
                                         : "after the restart; " + next->reason;
 }
 
+/// What a list of routes has come to: another adapter's may have changed them again afterwards.
+std::vector<std::string> RoutesBehind(const Step& step, const Story& story, const Run& run) {
+    const auto next = std::find_if(
+        story.steps.begin() + (&step - story.steps.data()) + 1, story.steps.end(),
+        [](const Step& later) { return KindOf(later.command) == Kind::kRoutes && later.before; });
+    return next == story.steps.end() ? AllRoutes(run.after) : *next->before;
+}
+
 Row MakeRow(const Setting& setting, const Run& run, const Story& story,
             const Assignment& assignment, const Row* next) {
     Row row;
@@ -173,6 +181,10 @@ Row MakeRow(const Setting& setting, const Run& run, const Story& story,
     if (const Step* const step = assignment.StepOf(setting)) {
         row.fate = step->failed ? Fate::kFailed : Fate::kChange;
         row.calls = step->calls;
+        if (setting.kind == Kind::kRoutes) {
+            row.spared = SparedRoute(run.before);
+            row.left = RoutesBehind(*step, story, run);
+        }
         row.reason = step->failed ? FailureText(*story.failure) : WhyExecuted(row, story, *step);
     } else if (assignment.WasPassed(setting)) {
         row.fate = Fate::kAlreadySet;

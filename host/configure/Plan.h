@@ -36,6 +36,10 @@ struct Row {
     /// Before the run; none where it asks for nothing or the adapter is not known.
     std::optional<std::vector<std::string>> current;
     std::vector<std::string> wanted;
+    /// Of routes that were to be changed: the default route that the module leaves out of its
+    /// comparison, and all that are there behind the run.
+    std::optional<std::string> spared;
+    std::optional<std::vector<std::string>> left;
     std::vector<ChangingCall> calls;
     std::string reason;
 };

@@ -49,27 +49,67 @@ std::string CallText(const ChangingCall& call) {
     return call.value == 0 ? call.name : call.name + " gave " + CodeText(call.value);
 }
 
-/// The calls of a row by how they begin: "route DELETE 10.0.0.0", "route -p ADD 10.0.0.0".
-class RouteCalls {
+/// "10.0.0.0" of a route's text.
+std::string DestinationOf(const std::string& route) {
+    return route.substr(0, route.find(' '));
+}
+
+/// What became of each route of a list that was executed: what its own call gave, and whether it is
+/// there behind the run. route may exit with 0 and refuse, and a deletion takes every route to its
+/// destination.
+class RouteFates {
 public:
-    explicit RouteCalls(const Row& row) {
+    explicit RouteFates(const Row& row) : row_(row) {
         for (const ChangingCall& call : row.calls) {
             calls_.try_emplace(call.name.substr(0, call.name.find(" mask ")), &call);
         }
+        for (const std::string& route : row.left.value_or(Texts())) {
+            ++left_[route];
+        }
     }
 
-    /// What became of the route's own call.
-    std::string Outcome(const Row& row, const std::string& verb, const std::string& route) const {
-        const auto found = calls_.find("route " + verb + " " + route.substr(0, route.find(' ')));
-        if (found == calls_.end()) {
-            return row.fate == Fate::kFailed ? " (not reached)" : " (no call of its own)";
-        }
-        const std::uint32_t code = found->second->value;
-        return code == 0 ? std::string() : " (route gave " + CodeText(code) + ")";
+    /// Whether one more of this text is left.
+    bool Take(const std::string& route) {
+        const auto found = left_.find(route);
+        return found != left_.end() && found->second != 0 && found->second-- != 0;
+    }
+
+    std::string OfDeleted(const std::string& route) {
+        return Remark("DELETE", route, !Take(route));
+    }
+    std::string OfAdded(const std::string& route) { return Remark("-p ADD", route, Take(route)); }
+
+    /// Whether a route that was to stay, or to be left alone, has gone with another.
+    bool GoesAlong(const std::string& route) {
+        const ChangingCall* const deletion = Find("DELETE", route);
+        const bool isAddedAgain = deletion != nullptr && deletion->value == 0 &&
+                                  route == row_.spared &&
+                                  std::ranges::find(row_.wanted, route) != row_.wanted.end();
+        return isAddedAgain || !Take(route);
     }
 
 private:
+    const ChangingCall* Find(const std::string& verb, const std::string& route) const {
+        const auto found = calls_.find("route " + verb + " " + DestinationOf(route));
+        return found == calls_.end() ? nullptr : found->second;
+    }
+
+    std::string Remark(const std::string& verb, const std::string& route, bool isDone) const {
+        const ChangingCall* const call = Find(verb, route);
+        if (call != nullptr && call->value != 0) {
+            return " (route gave " + CodeText(call->value) + ")";
+        }
+        if (isDone) {
+            return {};
+        }
+        return call == nullptr && row_.fate == Fate::kFailed
+                   ? " (not reached)"
+                   : " (route refuses it, and exits with 0)";
+    }
+
+    const Row& row_;
     std::unordered_map<std::string, const ChangingCall*> calls_;
+    std::unordered_map<std::string, std::size_t> left_;
 };
 
 struct RouteChanges {
@@ -97,20 +137,37 @@ void AddPart(std::string& text, std::size_t count, const char* what) {
 /// Each route that goes, comes or stays, with what its own call gave.
 void TellRoutes(const Row& row, bool details, RowText& told) {
     const RouteChanges changes(row);
-    told.text.clear();
-    AddPart(told.text, changes.gone.size(), "to delete");
-    AddPart(told.text, changes.added.size(), "to add");
-    AddPart(told.text, changes.kept.size(), changes.kept.size() == 1 ? "stays" : "stay");
-    const RouteCalls calls(row);
-    for (const std::string& route : changes.gone) {
-        told.below.push_back({"- " + route + calls.Outcome(row, "DELETE", route), Tone::kChange});
-    }
-    for (const std::string& route : changes.added) {
-        told.below.push_back({"+ " + route + calls.Outcome(row, "-p ADD", route), Tone::kChange});
+    RouteFates fates(row);
+    std::vector<SubLine> along;
+    std::vector<SubLine> staying;
+    const auto goesAlong = [&along](const std::string& route, const char* more) {
+        along.push_back(
+            {"- " + route + " (goes with route DELETE " + DestinationOf(route) + more + ")",
+             Tone::kChange});
+    };
+    if (row.spared && fates.GoesAlong(*row.spared)) {
+        goesAlong(*row.spared, "");
     }
     for (const std::string& route : changes.kept) {
-        told.below.push_back({"= " + route, Tone::kGood});
+        if (fates.GoesAlong(route)) {
+            goesAlong(route, "; the next request adds it");
+        } else {
+            staying.push_back({"= " + route, Tone::kGood});
+        }
     }
+    told.text.clear();
+    AddPart(told.text, changes.gone.size(), "to delete");
+    AddPart(told.text, along.size(), along.size() == 1 ? "goes along" : "go along");
+    AddPart(told.text, changes.added.size(), "to add");
+    AddPart(told.text, staying.size(), staying.size() == 1 ? "stays" : "stay");
+    for (const std::string& route : changes.gone) {
+        told.below.push_back({"- " + route + fates.OfDeleted(route), Tone::kChange});
+    }
+    std::ranges::move(along, std::back_inserter(told.below));
+    for (const std::string& route : changes.added) {
+        told.below.push_back({"+ " + route + fates.OfAdded(route), Tone::kChange});
+    }
+    std::ranges::move(staying, std::back_inserter(told.below));
     if (!details && told.below.size() > kRoutesShown) {
         const std::size_t left = told.below.size() - kRoutesShown;
         told.below.resize(kRoutesShown);

@@ -1,11 +1,14 @@
 #include "host/configure/Values.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "common/util/Strings.h"
+#include "host/check/MachineRouteCheck.h"
 #include "host/reading/SettingNames.h"
 #include "machine/model/AdapterView.h"
 #include "machine/model/Identity.h"
+#include "machine/model/Routes.h"
 
 namespace host::configure {
 
@@ -55,6 +58,12 @@ std::string FindIn(const std::vector<machine::OrganizationalUnit>& units, const 
     return {};
 }
 
+Texts TextsOf(const std::vector<machine::PersistedRoute>& routes) {
+    Texts texts;
+    std::ranges::transform(routes, std::back_inserter(texts), check::TextOf);
+    return texts;
+}
+
 Texts AdapterValues(const machine::Adapter& adapter, Kind kind) {
     const bool dhcp = adapter.dhcpEnabled.value_or(false);
     switch (kind) {
@@ -77,7 +86,7 @@ Texts AdapterValues(const machine::Adapter& adapter, Kind kind) {
 
 std::string AdapterLabel(const machine::Adapter& adapter) {
     std::string label;
-    if (adapter.pnpDeviceId.value_or("").starts_with("PCI")) {
+    if (machine::model::IsPci(adapter)) {
         const std::string numbers = PciNumbers(adapter.pciLocation.value_or(""));
         label = numbers.empty() ? "PCI " : "PCI " + numbers + " ";
     }
@@ -104,6 +113,15 @@ Texts AddressesOf(const machine::Adapter& adapter) {
         texts.push_back(addresses[i] + "/" + (i < masks.size() ? masks[i] : "?"));
     }
     return texts;
+}
+
+Texts AllRoutes(const machine::State& state) {
+    return TextsOf(state.routes);
+}
+
+std::optional<std::string> SparedRoute(const machine::State& state) {
+    const auto found = std::ranges::find_if(state.routes, machine::model::IsDefaultRoute);
+    return found == state.routes.end() ? std::nullopt : std::optional(check::TextOf(*found));
 }
 
 std::string MembershipText(const machine::Membership& membership) {
@@ -144,14 +162,8 @@ std::optional<Texts> CurrentValues(const machine::State& state, Kind kind,
             return Texts{state.computerName};
         case Kind::kDnsSuffixes:
             return machine::model::ShownSuffixes(state);
-        case Kind::kRoutes: {
-            Texts routes;
-            for (const machine::PersistedRoute& route : state.routes) {
-                routes.push_back(
-                    reading::RouteText(route.destination, route.mask, route.nextHop, route.metric));
-            }
-            return routes;
-        }
+        case Kind::kRoutes:
+            return TextsOf(check::ComparedRoutes(state));
         default: {
             const machine::Adapter* const adapter = AdapterOf(state, index);
             return adapter == nullptr ? std::nullopt : std::optional(AdapterValues(*adapter, kind));

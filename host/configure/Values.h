@@ -23,6 +23,12 @@ const machine::Adapter* AdapterOf(const machine::State& state, std::optional<std
 /// "192.0.2.10/255.255.255.0" for each address.
 std::vector<std::string> AddressesOf(const machine::Adapter& adapter);
 
+/// Every persistent route, the one too that the module leaves out of its comparison.
+std::vector<std::string> AllRoutes(const machine::State& state);
+
+/// That one.
+std::optional<std::string> SparedRoute(const machine::State& state);
+
 /// "workgroup SALES", "domain corp.example"
 std::string MembershipText(const machine::Membership& membership);
 

@@ -6,11 +6,13 @@
 
 #include "common/sys/Domain.h"
 #include "common/util/Strings.h"
+#include "host/check/MachineRouteCheck.h"
 #include "host/configure/Values.h"
 #include "host/init/Writer.h"
 #include "machine/model/AdapterView.h"
 #include "machine/model/Address.h"
 #include "machine/model/Directory.h"
+#include "machine/model/Routes.h"
 #include "toolbox/config/ConfigurationFileEvents.h"
 
 namespace host::init {
@@ -29,7 +31,7 @@ bool AreAddresses(const Texts& texts) {
 /// Whether a section is bound to it: the module lists what TCP/IP is bound to and takes PCI
 /// devices.
 bool TakesSection(const machine::Adapter& adapter) {
-    return machine::model::HasIp(adapter) && adapter.pnpDeviceId.value_or("").starts_with("PCI");
+    return machine::model::HasIp(adapter) && machine::model::IsPci(adapter);
 }
 
 bool UsesDhcp(const machine::Adapter& adapter) {
@@ -160,20 +162,6 @@ Identity DescribeIdentity(const machine::State& wanted, const machine::State& pr
     return identity;
 }
 
-bool IsDefault(const machine::PersistedRoute& route) {
-    return ParseAddress(route.destination) == 0U && ParseAddress(route.mask) == 0U;
-}
-
-/// The module leaves the first default route alone; what it finds beside it must be in the file.
-std::vector<machine::PersistedRoute> RoutesToSay(const machine::State& state) {
-    std::vector<machine::PersistedRoute> routes = state.routes;
-    const auto first = std::ranges::find_if(routes, IsDefault);
-    if (first != routes.end()) {
-        routes.erase(first);
-    }
-    return routes;
-}
-
 void DescribeSuffixes(const machine::State& wanted, const machine::State& present,
                       Description& description) {
     const machine::TextList wantedSuffixes = machine::model::ShownSuffixes(wanted);
@@ -216,11 +204,12 @@ Description Describe(const machine::State& wanted, const machine::State& present
         }
     }
     DescribeSuffixes(wanted, present, description);
-    description.routes = RoutesToSay(wanted);
+    description.routes = check::ComparedRoutes(wanted);
     // A second default route would have to stand in the file, where none belongs.
-    description.saysRoutes = !description.suffixes.empty() && description.Sayable() != 0 &&
-                             description.routes.size() <= ConfigurationFileEvents::kMaximumCount &&
-                             std::ranges::none_of(description.routes, IsDefault);
+    description.saysRoutes =
+        !description.suffixes.empty() && description.Sayable() != 0 &&
+        description.routes.size() <= ConfigurationFileEvents::kMaximumCount &&
+        std::ranges::none_of(description.routes, machine::model::IsDefaultRoute);
     return description;
 }
 

@@ -183,6 +183,40 @@ TEST_F(Report, FailuresNameTheirPlace) {
     }
 }
 
+TEST_F(Report, RoutesAreToldAsTheMachineHasThemAfterwards) {
+    machine::State machine = OneAdapter();
+    machine.routes = {{"10.1.0.0", "255.255.0.0", "10.0.0.9", 1}};
+    const std::string office = kOffice;
+    const std::string settings = office.substr(0, office.find("Static-Route-Count"));
+    const std::string kept = "Route0=10.1.0.0,255.255.0.0,10.0.0.9,,1,\n";
+    // The first default route, which the gateway is, does not count.
+    EXPECT_THAT(Run(settings + "Static-Route-Count=1\n" + kept, machine, {"--plan"}).data,
+                HasSubstr("= Static routes  10.1.0.0 mask 255.255.0.0 via 10.0.0.9 metric 1, "
+                          "already set\n"));
+    machine.routes.push_back({"10.1.0.0", "255.0.0.0", "10.0.0.8", 1});
+    machine.routes.push_back({"0.0.0.0", "128.0.0.0", "10.0.0.8", 1});
+    machine::Adapter& unplugged = machine.adapters.emplace_back(machine.adapters[0]);
+    unplugged.index = 8;
+    unplugged.condition = machine::Condition::kUnplugged;
+    const Outcome plan = Run(settings + "Static-Route-Count=3\n" + kept +
+                                 "Route1=10.2.0.0,255.255.0.0,10.0.0.9,,1,\n"
+                                 "Route2=10.3.0.1,255.255.0.0,10.0.0.9,,1,\n",
+                             machine, {"--plan"});
+    EXPECT_THAT(plan.data, HasSubstr(R"(~ Static routes  2 to delete, 2 go along, 2 to add
+                       - 0.0.0.0 mask 128.0.0.0 via 10.0.0.8 metric 1
+                       - 10.1.0.0 mask 255.0.0.0 via 10.0.0.8 metric 1
+                       - 0.0.0.0 mask 0.0.0.0 via 10.0.0.254 metric -1 (goes with route DELETE 0.0.0.0)
+                       - 10.1.0.0 mask 255.255.0.0 via 10.0.0.9 metric 1 )"
+                                     R"((goes with route DELETE 10.1.0.0; the next request adds it)
+                       + 10.2.0.0 mask 255.255.0.0 via 10.0.0.9 metric 1
+                       + 10.3.0.1 mask 255.255.0.0 via 10.0.0.9 metric 1 )"
+                                     R"((route refuses it, and exits with 0)
+)"));
+    EXPECT_THAT(plan.data,
+                HasSubstr("lose its connection here: PCI 3/0/0 \"Ethernet 2\" (index 7)"));
+    EXPECT_THAT(plan.data, Not(HasSubstr("(index 8): gateway")));
+}
+
 TEST_F(Report, WhatIsReadAfterACommandIsNotBlamedOnIt) {
     // The query for the suffixes follows the method that sets the servers.
     Run(kOffice, OneAdapter(), {"--trace", "after.jsonl"});

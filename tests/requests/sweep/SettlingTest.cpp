@@ -130,12 +130,13 @@ struct Forecast {
 };
 
 Forecast Foresee(const Subject& subject, const std::string& file) {
-    constexpr host::check::Code kSwinging[] = {"suffix-conflict",          "default-routes",
-                                               "default-routes-next-time", "refused-route",
-                                               "policy-suffixes",          "ipv6-gateway"};
+    constexpr host::check::Code kSwinging[] = {
+        "suffix-conflict", "default-routes", "default-routes-next-time", "refused-route",
+        "policy-suffixes", "ipv6-gateway",   "shared-destination"};
     constexpr host::check::Code kFailing[] = {
-        "no-pci-adapter",   "too-few-adapters", "ipv6-gateway",   "ipv6-address",
-        "static-on-static", "refused-route",    "default-routes", "default-routes-next-time"};
+        "no-pci-adapter", "too-few-adapters",         "ipv6-gateway",
+        "ipv6-address",   "static-on-static",         "refused-route",
+        "default-routes", "default-routes-next-time", "shared-destination"};
     host::check::CheckedFile checked = host::check::CheckFile(file);
     host::check::CheckOnMachine(checked.file, subject.machine, checked.findings);
     Forecast forecast;
