@@ -7,6 +7,7 @@
 #include "host/configure/Values.h"
 #include "host/init/Draft.h"
 #include "host/init/Rendering.h"
+#include "machine/model/AdapterView.h"
 
 namespace host::undo {
 
@@ -74,7 +75,8 @@ Texts ListLockOuts(const machine::State& before, const machine::State& after) {
     Texts warnings;
     for (const machine::Adapter& old : before.adapters) {
         const machine::Adapter* const now = configure::AdapterOf(after, old.index);
-        if (now == nullptr || !old.ipEnabled || old.gateways.value_or(Texts()).empty()) {
+        if (now == nullptr || !machine::model::HasIp(old) ||
+            old.gateways.value_or(Texts()).empty()) {
             continue;
         }
         Texts reasons;
