@@ -13,6 +13,8 @@
 #include "common/sys/WmiQueries.h"
 #include "common/sys/nic/NicRegistry.h"
 #include "host/snapshot/ReadFailure.h"
+#include "machine/model/AdapterView.h"
+#include "machine/model/Address.h"
 #include "machine/model/RegistryView.h"
 #include "machine/model/Routes.h"
 
@@ -108,7 +110,7 @@ void ReadLocation(Reader& reader, machine::Adapter& adapter) {
         adapter.pciLocation = sys::ReadLocationInformation(*adapter.pnpDeviceId);
     };
     // The module reads it for PCI adapters, and fails where there is none.
-    if (adapter.pnpDeviceId->starts_with("PCI")) {
+    if (machine::model::IsPci(adapter)) {
         reader.Read(what, read);
     } else {
         reader.ReadIfThere(what, read);
@@ -157,7 +159,8 @@ void ReadLists(Reader& reader, const machine::Adapter& adapter, const char* what
     });
 }
 
-void ReadAddressing(Reader& reader, machine::Adapter& adapter) {
+/// Windows knows it of adapters without IP too.
+void ReadDhcp(Reader& reader, machine::Adapter& adapter) {
     reader.Query(Of(adapter, "DHCPEnabled"), [&] {
         bool dhcp = false;
         const sys::Result result = sys::getDhcpEnabled(adapter.index, dhcp);
@@ -166,6 +169,10 @@ void ReadAddressing(Reader& reader, machine::Adapter& adapter) {
         }
         return result;
     });
+}
+
+void ReadAddressing(Reader& reader, machine::Adapter& adapter) {
+    ReadDhcp(reader, adapter);
     ReadLists(reader, adapter, "IPAddress and IPSubnet",
               {{L"IPAddress", &adapter.ipAddress}, {L"IPSubnet", &adapter.ipSubnet}});
     ReadLists(reader, adapter, "DefaultIPGateway", {{L"DefaultIPGateway", &adapter.gateways}});
@@ -194,17 +201,18 @@ void GuessLease(const machine::State& state, machine::Adapter& adapter) {
     if (!adapter.dhcpEnabled.value_or(false) || !adapter.ipEnabled) {
         return;
     }
-    const auto isOfIPv6 = [](const std::string& text) {
-        return text.find('.') == std::string::npos;
-    };
     machine::DhcpLease& lease = adapter.dhcpLease.emplace();
-    lease.ipAddress = adapter.ipAddress.value_or(Texts());
-    lease.ipSubnet = adapter.ipSubnet.value_or(Texts());
+    const Texts addresses = adapter.ipAddress.value_or(Texts());
+    const Texts masks = adapter.ipSubnet.value_or(Texts());
+    for (std::size_t i = 0; i < std::min(addresses.size(), masks.size()); ++i) {
+        if (!machine::model::IsIPv6(addresses[i])) {
+            lease.ipAddress.push_back(addresses[i]);
+            lease.ipSubnet.push_back(masks[i]);
+        }
+    }
     lease.gateways = adapter.gateways.value_or(Texts());
-    std::erase_if(lease.ipAddress, isOfIPv6);
-    std::erase_if(lease.ipSubnet, isOfIPv6);
     std::erase_if(lease.gateways, [&](const std::string& gateway) {
-        return isOfIPv6(gateway) || machine::model::IsSetByHand(state, gateway);
+        return machine::model::IsIPv6(gateway) || machine::model::IsSetByHand(state, gateway);
     });
     lease.dnsServers = adapter.staticDns.empty() ? adapter.dnsServers.value_or(Texts()) : Texts();
     lease.dnsDomain = adapter.dnsDomain;
@@ -216,22 +224,22 @@ void ReadUnusedAdapters(Reader& reader, machine::State& state) {
     static constexpr sys::WmiQuery kQuery = {"select Index, PNPDeviceID from Win32_NetworkAdapter",
                                              {"the list of all adapters", 0}};
     reader.Query("The list of adapters without IP", [&] {
-        return sys::RunWmiQuery(
-            kQuery, kQuery.text, sys::WmiRows::kAll, [&state](sys::WmiRow& row) {
-                machine::Adapter adapter;
-                std::string device;
-                row.ReadInteger(L"Index", adapter.index);
-                row.ReadText(L"PNPDeviceID", device);
-                if (device.starts_with("PCI") && FindAdapter(state, adapter.index) == nullptr) {
-                    adapter.pnpDeviceId = device;
-                    adapter.condition = machine::Condition::kUnplugged;
-                    state.adapters.push_back(adapter);
-                }
-            });
+        return sys::RunWmiQuery(kQuery, kQuery.text, sys::WmiRows::kAll,
+                                [&state](sys::WmiRow& row) {
+                                    machine::Adapter adapter;
+                                    row.ReadInteger(L"Index", adapter.index);
+                                    row.ReadText(L"PNPDeviceID", adapter.pnpDeviceId.emplace());
+                                    if (machine::model::IsPci(adapter) &&
+                                        FindAdapter(state, adapter.index) == nullptr) {
+                                        adapter.condition = machine::Condition::kUnplugged;
+                                        state.adapters.push_back(adapter);
+                                    }
+                                });
     });
     for (machine::Adapter& adapter : state.adapters) {
         if (adapter.condition == machine::Condition::kUnplugged) {
             ReadHardware(reader, adapter);
+            ReadDhcp(reader, adapter);
             reader.Say(Of(adapter,
                           "has no IP and is taken for unplugged; it may be disabled, in a "
                           "team or behind a virtual switch. Its settings are not seen"));
@@ -273,6 +281,16 @@ void ReadRoutes(Reader& reader, machine::State& state) {
     for (const sys::RouteRecord& route : routes) {
         state.routes.push_back({route.destination.ToString(), route.mask.ToString(),
                                 route.nextHop.ToString(), static_cast<std::int32_t>(route.metric)});
+    }
+}
+
+/// Where the gateways set by hand lack their rows, a machine file is not what this machine has.
+void NoteMissingRoutes(Reader& reader, const machine::State& state) {
+    machine::State filed = state;
+    machine::model::PersistGateways(filed);
+    if (filed.routes != state.routes) {
+        reader.Say(
+            "A gateway set by hand has no persistent route here; a machine file gives it one");
     }
 }
 
@@ -336,6 +354,7 @@ Snapshot TakeSnapshot() {
     }
     ReadSuffixes(reader, state);
     ReadRoutes(reader, state);
+    NoteMissingRoutes(reader, state);
     for (machine::Adapter& adapter : state.adapters) {
         GuessLease(state, adapter);
     }

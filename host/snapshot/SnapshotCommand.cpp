@@ -19,9 +19,11 @@ int Take(const std::string& file, Output& output) {
         output.Note(note);
     }
     output.Note(
-        "Not seen: directories with their accounts, units and owners (add them to plan a join), "
-        "what a DHCP server gives to an adapter that does not ask it, whether this program is "
-        "elevated, and how this version of Windows differs.");
+        "Not seen: directories with their accounts, units and owners (add them to plan a join), a "
+        "name or a membership that waits for a restart, the names of connections and of hosts, "
+        "what a DHCP server gives to an adapter that does not ask it, whether the Workstation "
+        "service runs, COM security is set and this program is elevated, and how this version of "
+        "Windows differs.");
     if (file.empty()) {
         output.Raw(machine::FormatState(snapshot.state));
         return kDone;

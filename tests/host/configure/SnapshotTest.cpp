@@ -65,6 +65,7 @@ TEST(Snapshot, HoldsWhatTheModuleCanSee) {
     unplugged.index = 9;
     unplugged.pnpDeviceId = "PCI\\VEN_8086&DEV_9\\1";
     unplugged.pciLocation = "PCI bus 9, device 0, function 0";
+    unplugged.dhcpEnabled = true;
     unplugged.condition = machine::Condition::kUnplugged;
     state.adapters.push_back(unplugged);
     machine::State seen = state;
@@ -85,6 +86,8 @@ TEST(Snapshot, NamesAdapterPropertyAndCallOfWhatCannotBeRead) {
     const machine::State state = machine::DefaultState();
     machine::State odd = state;
     odd.adapters[1].pciLocation.reset();
+    machine::State rowless = state;
+    rowless.routes.clear();
     struct Case {
         const char* faults;
         const machine::State& state;
@@ -107,6 +110,7 @@ TEST(Snapshot, NamesAdapterPropertyAndCallOfWhatCannotBeRead) {
               " cannot be read: RegOpenKeyExA gives 5 (",
           "Adapter 2: NameServer of " + key + "Services\\Tcpip\\Parameters\\Interfaces\\" +
               *state.adapters[1].settingId + " cannot be read: RegOpenKeyExA gives 5 ("}},
+        {"", rowless, {"A gateway set by hand has no persistent route here"}},
         {"LsaOpenPolicy", state, {"The membership cannot be read: LsaOpenPolicy gives 5 ("}},
         {"",
          odd,
