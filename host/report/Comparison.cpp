@@ -113,7 +113,7 @@ public:
                 some.routes.push_back(route);
             }
         }
-        return *configure::CurrentValues(some, configure::Setting::Kind::kRoutes, {});
+        return configure::AllRoutes(some);
     }
 
 private:
