@@ -115,10 +115,10 @@ public:
     }
 
     void CheckRefused() {
-        const auto spared = std::ranges::find_if(machine_.routes, model::IsDefaultRoute);
-        if (spared != machine_.routes.end() && Holds(wanted_, *spared)) {
+        const auto first = std::ranges::find_if(machine_.routes, model::IsDefaultRoute);
+        if (first != machine_.routes.end() && Holds(wanted_, *first)) {
             Warn("refused-route",
-                 "the default route by " + spared->nextHop +
+                 "the default route by " + first->nextHop +
                      " is there, and the module adds it on every request: route refuses that and " +
                      WhenRefused(machine_),
                  "leave the first default route out of the list");
@@ -178,9 +178,9 @@ std::string TextOf(const PersistedRoute& route) {
 
 Routes ComparedRoutes(const machine::State& machine) {
     Routes routes = machine.routes;
-    const auto spared = std::ranges::find_if(routes, model::IsDefaultRoute);
-    if (spared != routes.end()) {
-        routes.erase(spared);
+    const auto first = std::ranges::find_if(routes, model::IsDefaultRoute);
+    if (first != routes.end()) {
+        routes.erase(first);
     }
     return routes;
 }

@@ -147,7 +147,7 @@ void TakeFromNextPass(const Story& story, const Row* next, Row& row) {
 }
 
 /// What a list of routes has come to: another adapter's may have changed them again afterwards.
-std::vector<std::string> RoutesBehind(const Step& step, const Story& story, const Run& run) {
+std::vector<std::string> RoutesAfter(const Step& step, const Story& story, const Run& run) {
     const auto next = std::find_if(
         story.steps.begin() + (&step - story.steps.data()) + 1, story.steps.end(),
         [](const Step& later) { return KindOf(later.command) == Kind::kRoutes && later.before; });
@@ -182,8 +182,8 @@ Row MakeRow(const Setting& setting, const Run& run, const Story& story,
         row.fate = step->failed ? Fate::kFailed : Fate::kChange;
         row.calls = step->calls;
         if (setting.kind == Kind::kRoutes) {
-            row.spared = SparedRoute(run.before);
-            row.left = RoutesBehind(*step, story, run);
+            row.defaultRoute = FirstDefaultRoute(run.before);
+            row.left = RoutesAfter(*step, story, run);
         }
         row.reason = step->failed ? FailureText(*story.failure) : WhyExecuted(row, story, *step);
     } else if (assignment.WasPassed(setting)) {

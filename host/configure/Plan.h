@@ -37,8 +37,8 @@ struct Row {
     std::optional<std::vector<std::string>> current;
     std::vector<std::string> wanted;
     /// Of routes that were to be changed: the default route that the module leaves out of its
-    /// comparison, and all that are there behind the run.
-    std::optional<std::string> spared;
+    /// comparison, and all that are there after the run.
+    std::optional<std::string> defaultRoute;
     std::optional<std::vector<std::string>> left;
     std::vector<ChangingCall> calls;
     std::string reason;

@@ -55,7 +55,7 @@ std::string DestinationOf(const std::string& route) {
 }
 
 /// What became of each route of a list that was executed: what its own call gave, and whether it is
-/// there behind the run. route may exit with 0 and refuse, and a deletion takes every route to its
+/// there after the run. route may exit with 0 and refuse, and a deletion takes every route to its
 /// destination.
 class RouteFates {
 public:
@@ -83,7 +83,7 @@ public:
     bool GoesAlong(const std::string& route) {
         const ChangingCall* const deletion = Find("DELETE", route);
         const bool isAddedAgain = deletion != nullptr && deletion->value == 0 &&
-                                  route == row_.spared &&
+                                  route == row_.defaultRoute &&
                                   std::ranges::find(row_.wanted, route) != row_.wanted.end();
         return isAddedAgain || !Take(route);
     }
@@ -145,8 +145,8 @@ void TellRoutes(const Row& row, bool details, RowText& told) {
             {"- " + route + " (goes with route DELETE " + DestinationOf(route) + more + ")",
              Tone::kChange});
     };
-    if (row.spared && fates.GoesAlong(*row.spared)) {
-        goesAlong(*row.spared, "");
+    if (row.defaultRoute && fates.GoesAlong(*row.defaultRoute)) {
+        goesAlong(*row.defaultRoute, "");
     }
     for (const std::string& route : changes.kept) {
         if (fates.GoesAlong(route)) {

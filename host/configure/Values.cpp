@@ -119,7 +119,7 @@ Texts AllRoutes(const machine::State& state) {
     return TextsOf(state.routes);
 }
 
-std::optional<std::string> SparedRoute(const machine::State& state) {
+std::optional<std::string> FirstDefaultRoute(const machine::State& state) {
     const auto found = std::ranges::find_if(state.routes, machine::model::IsDefaultRoute);
     return found == state.routes.end() ? std::nullopt : std::optional(check::TextOf(*found));
 }

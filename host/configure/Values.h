@@ -27,7 +27,7 @@ std::vector<std::string> AddressesOf(const machine::Adapter& adapter);
 std::vector<std::string> AllRoutes(const machine::State& state);
 
 /// That one.
-std::optional<std::string> SparedRoute(const machine::State& state);
+std::optional<std::string> FirstDefaultRoute(const machine::State& state);
 
 /// "workgroup SALES", "domain corp.example"
 std::string MembershipText(const machine::Membership& membership);

@@ -67,7 +67,7 @@ TEST(CheckOnMachine, WarnsOfEveryTrapWithItsPlaceAndRemedy) {
              state.adapters[0].gateways->push_back("2620:9b::1");  // of DHCP: nothing sets them
              state.adapters[1].gateways->push_back("2620:9b::1");
          },
-         first + office + lab + noRoutes,
+         first + kOffice + kLab + kNoRoutes,
          "12 ipv6-gateway",
          {"sets these on every request"}},
         {[](State& state) { state.adapters[0].ipAddress = {{"fe80::2"}}; }, first,
@@ -111,27 +111,27 @@ TEST(CheckOnMachine, WarnsOfEveryTrapWithItsPlaceAndRemedy) {
         {[](State& state) {
              state.routes.push_back({"0.0.0.0", "128.0.0.0", "198.51.100.9", 5});
          },
-         first + office + lab + route,
+         first + kOffice + kLab + kRoute,
          "16 default-routes",
          {"0.0.0.0 mask 128.0.0.0 via 198.51.100.9 metric 5, and the list has it not"}},
         {[](State& state) {
              state.routes.push_back({"10.20.0.0", "255.0.0.0", "198.51.100.9", 5});
          },
-         first + office + lab + route,
+         first + kOffice + kLab + kRoute,
          "16 shared-destination",
          {"that of the list too, which only the next request adds"}},
         {[](State& state) {
              state.routes.push_back({"10.20.0.0", "255.0.0.0", "198.51.100.9", 5});
              state.system.versions.refusedRoute = 1;
          },
-         first + office + lab + "Static-Route-Count=0\n",
+         first + kOffice + kLab + "Static-Route-Count=0\n",
          "15 shared-destination",
          {"the next deletion finds none, and route exits with 1"}},
         {[](State& state) {
              state.adapters[0].dhcpEnabled = false;
              state.adapters[0].gateways = state.adapters[1].gateways;
          },
-         first + office.substr(0, office.rfind('1')) + "254\n" + lab + route,
+         first + kOffice.substr(0, kOffice.rfind('1')) + "254\n" + kLab + kRoute,
          "3 gateway-left-behind, 16 default-routes-next-time"},
         {[](State& state) { state.system.elevated = false; },
          first,
