@@ -29,5 +29,5 @@ function(package_surroundings)
     install(DIRECTORY examples integrations DESTINATION .)
     # Not the pages for those who work on the sources.
     install(DIRECTORY docs DESTINATION .
-        REGEX "/(architecture|performance|reliability|working-on-it)\\.md$" EXCLUDE)
+        REGEX "/(architecture|reliability|working-on-it)\\.md$" EXCLUDE)
 endfunction()
