@@ -104,18 +104,12 @@ void AddFleetCommand(CLI::App& app, const CommonOptions& common, Action& action)
     CLI::App* const command =
         app.add_subcommand("fleet", "Plan many machines, each a pair of files in a folder");
     const auto options = std::make_shared<FleetOptions>();
-    command
-        ->add_option("folder", options->folder,
-                     "The folder with NAME.ini and NAME.json for each machine")
+    AddFile(*command, "folder", options->folder,
+            "The folder with NAME.ini and NAME.json for each machine")
         ->required()
-        ->type_name("FOLDER")
-        ->check(NotEmpty());
-    command
-        ->add_option("--file", options->file,
-                     "One configuration file for every machine file of the folder; - reads "
-                     "standard input")
-        ->type_name("FILE")
-        ->check(NotEmpty());
+        ->type_name("FOLDER");
+    AddFile(*command, "--file", options->file,
+            "One configuration file for every machine file of the folder; - reads standard input");
     command->add_flag("--summary", options->summary, "Print the totals only");
     command->callback([&common, &action, options] {
         action = [&common, options](Output& output) { return PlanFleet(common, *options, output); };
