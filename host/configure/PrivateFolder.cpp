@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <mutex>
 #include <system_error>
 #include <vector>
 
@@ -17,6 +18,9 @@ namespace host::configure {
 namespace {
 
 constexpr const char* kStart = "toolbox-host-";
+
+/// Held while a folder is made, and for good by a process that ends.
+std::mutex making;
 
 /// With its separator at the end.
 std::string TemporaryFolder() {
@@ -67,6 +71,7 @@ bool HasOwner(const std::string& name) {
 }  // namespace
 
 PrivateFolder::PrivateFolder() {
+    const std::lock_guard lock(making);
     const std::string parent = TemporaryFolder();
     for (const std::string& name : FoldersIn(parent, kStart)) {
         if (!HasOwner(name)) {
@@ -97,10 +102,21 @@ PrivateFolder::~PrivateFolder() {
 
 void PrivateFolder::RemoveAll() noexcept {
     try {
+        making.lock();
         const std::string parent = TemporaryFolder();
-        for (const std::string& name :
-             FoldersIn(parent, util::Format("%s%lu-", kStart, GetCurrentProcessId()))) {
-            Remove(parent + name);
+        const std::string start = util::Format("%s%lu-", kStart, GetCurrentProcessId());
+        // The other threads go on: what one of them is putting into its folder keeps it there.
+        constexpr int kAttempts = 20;
+        constexpr DWORD kPause = 10;  // milliseconds
+        for (int attempt = 0; attempt < kAttempts; ++attempt) {
+            const std::vector<std::string> names = FoldersIn(parent, start);
+            if (names.empty()) {
+                return;
+            }
+            for (const std::string& name : names) {
+                Remove(parent + name);
+            }
+            Sleep(kPause);
         }
     } catch (const std::exception&) {
         // They stay: a later run removes them.

@@ -25,7 +25,7 @@ public:
     std::string CopyOf(const std::string& file) const;
 
     /// Removes the folders that this process has now, as far as their files are not in use: for a
-    /// process that ends at once. May be called by any thread.
+    /// process that ends at once: none can be made any more. May be called by any thread.
     static void RemoveAll() noexcept;
 
 private:
