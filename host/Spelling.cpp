@@ -15,7 +15,8 @@ bool Contains(std::string_view text, std::string_view part) {
     const auto same = [](char left, char right) {
         return util::ToUpper(left) == util::ToUpper(right);
     };
-    return !std::ranges::search(text, part, same).empty();
+    // Not std::ranges::search: clang 14 stumbles over its subrange.
+    return std::search(text.begin(), text.end(), part.begin(), part.end(), same) != text.end();
 }
 
 }  // namespace
