@@ -41,6 +41,10 @@ function inspect() {
     }
     // Text of a drawing that leaves it would be cut.
     for (const text of document.querySelectorAll('svg text')) {
+        if (!(text instanceof SVGTextElement)) {
+            faults.push(`<${text.tagName}> is torn out of its picture`);
+            continue;
+        }
         const box = text.getBBox();
         const view = text.ownerSVGElement.viewBox.baseVal;
         if (box.width > 0 && (box.x < 0 || box.x + box.width > view.width)) {
