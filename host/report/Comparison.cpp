@@ -19,11 +19,11 @@ bool Has(const TextList& list, const std::string& text) {
     return std::ranges::find(list, text) != list.end();
 }
 
-/// The members of a list that stand in the other too.
-TextList Common(const TextList& list, const TextList& other) {
+/// The members of a list that stand in another too.
+TextList Common(const TextList& members, const TextList& asked) {
     TextList common;
-    std::ranges::copy_if(list, std::back_inserter(common),
-                         [&other](const std::string& text) { return Has(other, text); });
+    std::ranges::copy_if(members, std::back_inserter(common),
+                         [&asked](const std::string& text) { return Has(asked, text); });
     return common;
 }
 

@@ -42,24 +42,24 @@ Html::Element::~Element() {
     html_.written_.append("</").append(name_.text).append(">\n");
 }
 
-Html::Element Html::Open(Literal name, Attributes attributes) {
+Html::Element Html::Open(const Literal& name, Attributes attributes) {
     Begin(name, attributes);
     return {*this, name};
 }
 
-void Html::Leaf(Literal name, std::string_view text, Attributes attributes) {
+void Html::Leaf(const Literal& name, std::string_view text, Attributes attributes) {
     Begin(name, attributes);
     Text(text);
     written_.append("</").append(name.text).append(">");
 }
 
-void Html::Leaf(Literal name, const Utf8& text, Attributes attributes) {
+void Html::Leaf(const Literal& name, const Utf8& text, Attributes attributes) {
     Begin(name, attributes);
     Escape(text.text);
     written_.append("</").append(name.text).append(">");
 }
 
-void Html::Empty(Literal name, Attributes attributes) {
+void Html::Empty(const Literal& name, Attributes attributes) {
     Begin(name, attributes);
     written_.insert(written_.size() - 1, "/");
 }
@@ -72,7 +72,7 @@ std::string Html::NewId() {
     return "n" + std::to_string(++ids_);
 }
 
-void Html::Begin(Literal name, Attributes attributes) {
+void Html::Begin(const Literal& name, Attributes attributes) {
     written_.append("<").append(name.text);
     for (const Attribute& attribute : attributes) {
         written_.append(" ").append(attribute.name.text).append("=\"");

@@ -11,7 +11,7 @@ namespace host::report {
 /// The name of an element or an attribute, as it stands in this program's source: no text from
 /// outside can become one.
 struct Literal {
-    // NOLINTNEXTLINE(google-explicit-constructor): a literal should look like one.
+    // NOLINTNEXTLINE(google-explicit-constructor,hicpp-explicit-conversions): it is written as text
     consteval Literal(const char* literal) : text(literal) {}
     std::string_view text;
 };
@@ -40,18 +40,18 @@ public:
 
     private:
         friend class Html;
-        Element(Html& html, Literal name) : html_(html), name_(name) {}
+        Element(Html& html, const Literal& name) : html_(html), name_(name) {}
         Html& html_;
         Literal name_;
     };
     using Attributes = std::initializer_list<Attribute>;
 
-    [[nodiscard]] Element Open(Literal name, Attributes attributes = {});
+    [[nodiscard]] Element Open(const Literal& name, Attributes attributes = {});
     /// An element that holds a text and nothing else.
-    void Leaf(Literal name, std::string_view text, Attributes attributes = {});
-    void Leaf(Literal name, const Utf8& text, Attributes attributes = {});
+    void Leaf(const Literal& name, std::string_view text, Attributes attributes = {});
+    void Leaf(const Literal& name, const Utf8& text, Attributes attributes = {});
     /// An element that holds nothing.
-    void Empty(Literal name, Attributes attributes = {});
+    void Empty(const Literal& name, Attributes attributes = {});
 
     /// In the system code page. A control character, and one that turns the direction of the text
     /// around it, becomes visible.
@@ -63,7 +63,7 @@ public:
     const std::string& Written() const noexcept { return written_; }
 
 private:
-    void Begin(Literal name, Attributes attributes);
+    void Begin(const Literal& name, Attributes attributes);
     void Escape(std::string_view utf8);
 
     std::string written_;

@@ -88,8 +88,9 @@ std::size_t Unshown(const Group& group) {
 std::vector<Entry> Shown(const Group& group) {
     std::vector<Entry> shown = group.entries;
     if (Unshown(group) != 0) {
-        std::ranges::stable_partition(shown,
-                                      [](const Entry& entry) { return entry.mark != Mark::kSame; });
+        // No std::ranges here: this clang stumbles over the range that it gives back.
+        std::stable_partition(shown.begin(), shown.end(),
+                              [](const Entry& entry) { return entry.mark != Mark::kSame; });
         shown.resize(kMostEntries);
     }
     return shown;
