@@ -52,8 +52,7 @@ std::int32_t SendAndReport(const Module& module, Message& message, Output& outpu
 
 int ReportVersion(const CommonOptions& options, Output& output) {
     const Module module(options.module);
-    const Module::Version version = module.GetVersion();
-    const std::string text = util::Format("%u.%u.%u", version.major, version.minor, version.build);
+    const std::string text = module.GetVersion().Text();
     output.Line("module: " + module.Path());
     output.Line("version: " + text);
     output.Line("interface: " + util::IntToString(module.InterfaceVersion()));

@@ -74,6 +74,10 @@ std::string Module::DefaultPath() {
     return isThere(packaged) && !isThere(built) ? packaged : built;
 }
 
+std::string Module::Version::Text() const {
+    return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(build);
+}
+
 Module::Version Module::GetVersion() const {
     Version version{};
     api_->GetVersion(&version.major, &version.minor, &version.build);

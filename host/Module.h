@@ -15,6 +15,9 @@ public:
         std::uint32_t major;
         std::uint32_t minor;
         std::uint32_t build;
+
+        /// "6.8.282"
+        std::string Text() const;
     };
 
     /// Loads the file. Throws HostError when it cannot be loaded, has no GetToolboxAPI or speaks

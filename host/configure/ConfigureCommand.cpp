@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "common/util/FileUtils.h"
-#include "common/util/Strings.h"
 #include "host/ExitCode.h"
 #include "host/Files.h"
 #include "host/HostError.h"
@@ -142,11 +141,6 @@ struct Digests {
     }
 };
 
-std::string VersionOf(const std::string& path) {
-    const Module::Version version = Module(path).GetVersion();
-    return util::Format("%u.%u.%u", version.major, version.minor, version.build);
-}
-
 void WriteFiles(const Outcome& outcome, const ConfigureOptions& options, Output& output) {
     if (!options.traceFile.empty()) {
         WriteTrace(outcome.trace, options.traceFile);
@@ -235,9 +229,10 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     }
     const int exitCode = ExitCodeOf(outcome, request);
     if (!options.reportFile.empty()) {
-        WriteWholeFile(options.reportFile, report::MakePlanPage({outcome, told, exitCode,
-                                                                 digests.file, digests.machine},
-                                                                VersionOf(common.module)));
+        WriteWholeFile(
+            options.reportFile,
+            report::MakePlanPage({outcome, told, exitCode, digests.file, digests.machine},
+                                 Module(common.module).GetVersion().Text()));
     }
     return exitCode;
 }

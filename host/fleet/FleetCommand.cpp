@@ -13,6 +13,7 @@
 #include "host/Text.h"
 #include "host/configure/Json.h"
 #include "host/fleet/Fleet.h"
+#include "host/fleet/FleetReport.h"
 #include "host/fleet/Folder.h"
 #include "host/fleet/Recap.h"
 
@@ -23,6 +24,7 @@ namespace {
 struct FleetOptions {
     std::string folder;
     std::string file;
+    std::string reportFile;
     bool summary = false;
 };
 
@@ -69,6 +71,18 @@ nlohmann::ordered_json ToJson(const Planned& planned, const std::string& fileNam
     return json;
 }
 
+/// The report must not end where a plan reads.
+void CheckReportFile(const CommonOptions& common, const FleetOptions& options,
+                     const std::vector<Member>& members) {
+    const NamedFile page{"--report", options.reportFile};
+    RefuseToOverwrite(page,
+                      {{"the configuration file", options.file}, {"the module", common.module}});
+    for (const Member& member : members) {
+        RefuseToOverwrite(
+            page, {{"a configuration file", member.file}, {"a machine file", member.machine}});
+    }
+}
+
 int PlanFleet(const CommonOptions& common, const FleetOptions& options, Output& output) {
     output.BeginLines();
     std::optional<InputFile> site;
@@ -80,21 +94,29 @@ int PlanFleet(const CommonOptions& common, const FleetOptions& options, Output& 
     }
     const std::vector<Member> members =
         site ? ListMachines(options.folder, options.file) : ListPairs(options.folder);
+    CheckReportFile(common, options, members);
     // A module that cannot be loaded is not each machine's fault.
-    static_cast<void>(Module(common.module));
+    const std::string version = Module(common.module).GetVersion().Text();
     Progress progress(members.size(), output);
     Recap recap;
+    FleetReport report;
     for (const Member& member : members) {
         progress.Begin(member.name);
         const Planned planned =
             PlanFor(member, source, [&progress](const std::string& text) { progress.Tell(text); });
         recap.Add(planned);
         const std::string& fileName = site ? site->Name() : member.file;
+        if (!options.reportFile.empty()) {
+            report.Add(planned, recap.Rows().back(), site ? site->Path() : member.file, fileName);
+        }
         if (output.IsJson() && !output.PrintJson(ToJson(planned, fileName))) {
             break;
         }
     }
     recap.Print(options.folder, options.summary, output);
+    if (!options.reportFile.empty()) {
+        WriteWholeFile(options.reportFile, report.MakePage(recap, options.folder, version));
+    }
     return recap.ExitCode();
 }
 
@@ -110,6 +132,8 @@ void AddFleetCommand(CLI::App& app, const CommonOptions& common, Action& action)
         ->type_name("FOLDER");
     AddFile(*command, "--file", options->file,
             "One configuration file for every machine file of the folder; - reads standard input");
+    AddFile(*command, "--report", options->reportFile,
+            "Write a page with a line for each machine that opens to its plan");
     command->add_flag("--summary", options->summary, "Print the totals only");
     command->callback([&common, &action, options] {
         action = [&common, options](Output& output) { return PlanFleet(common, *options, output); };

@@ -19,26 +19,12 @@ using Verdict = Row::Verdict;
 constexpr std::size_t kWidestName = 32;
 constexpr std::string_view kWidestRestart = "not reported";
 
-const char* TextOf(RestartNeed need) {
-    switch (need) {
-        case RestartNeed::kNeeded:
-            return "needed";
-        case RestartNeed::kNotReported:
-            return "not reported";
-        case RestartNeed::kPending:
-            return "pending";
-        case RestartNeed::kNone:
-            break;
-    }
-    return "no";
-}
-
-struct Look {
+struct RowLook {
     char sign;
     Tone tone;
 };
 
-Look LookOf(Verdict verdict) {
+RowLook RowLookOf(Verdict verdict) {
     switch (verdict) {
         case Verdict::kRight:
             return {'=', Tone::kGood};
@@ -105,6 +91,20 @@ int Severity(int exitCode) {
 
 }  // namespace
 
+const char* RestartText(RestartNeed need) {
+    switch (need) {
+        case RestartNeed::kNeeded:
+            return "needed";
+        case RestartNeed::kNotReported:
+            return "not reported";
+        case RestartNeed::kPending:
+            return "pending";
+        case RestartNeed::kNone:
+            break;
+    }
+    return "no";
+}
+
 void Recap::Add(const Planned& planned) {
     Row row{.name = planned.member.name,
             .file = planned.member.file,
@@ -164,8 +164,8 @@ void Recap::PrintTable(Output& output) const {
         const auto number = [isPlanned](std::size_t count, const std::string& head) {
             return "  " + RightAligned(isPlanned ? std::to_string(count) : "-", head.size());
         };
-        const std::string restart = isPlanned ? TextOf(row.restart) : "-";
-        const Look look = LookOf(row.verdict);
+        const std::string restart = isPlanned ? RestartText(row.restart) : "-";
+        const RowLook look = RowLookOf(row.verdict);
         std::string line = std::string{look.sign, ' '} + Padded(row.name, nameWidth) +
                            number(row.counts.changes, changes) +
                            number(row.counts.alreadySet, right) + "  ";
@@ -204,7 +204,6 @@ std::string Recap::Totals() const {
     return text + ". " + (restarts == 0 ? "No restart." : Counted(restarts, "restart") + ".");
 }
 
-/// Leads to the first of the worst.
 std::string Recap::NextStep() const {
     for (const Verdict verdict : {Verdict::kNotPlanned, Verdict::kFails, Verdict::kChanges}) {
         const auto row = std::ranges::find(rows_, verdict, &Row::verdict);

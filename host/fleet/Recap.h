@@ -32,6 +32,9 @@ struct Row {
     std::vector<std::string> remarks;  ///< why it fails, who may be cut off, what check finds
 };
 
+/// "needed"
+const char* RestartText(configure::RestartNeed need);
+
 class Recap {
 public:
     void Add(const Planned& planned);
@@ -42,14 +45,17 @@ public:
     /// The worst of all: a failure before a bad file, that before changes. There is a row.
     int ExitCode() const;
 
+    /// "5 machines: 2 to change (5 changes), 1 right already. No restart."
+    std::string Totals() const;
+    /// "Next: ...", which leads to the first of the worst.
+    std::string NextStep() const;
+
     /// The table unless only the totals are wanted, and the totals. `folder` as the user names it.
     void Print(const std::string& folder, bool totalsOnly, Output& output) const;
 
 private:
     void PrintTable(Output& output) const;
     std::size_t CountOf(Row::Verdict verdict) const;
-    std::string Totals() const;
-    std::string NextStep() const;
 
     std::vector<Row> rows_;
 };

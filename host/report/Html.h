@@ -57,6 +57,9 @@ public:
     /// around it, becomes visible.
     void Text(std::string_view text);
 
+    /// What another one has written.
+    void Append(const Html& other) { written_ += other.written_; }
+
     /// An identifier that no other element of this page has.
     std::string NewId();
 

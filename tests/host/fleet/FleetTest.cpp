@@ -125,6 +125,8 @@ TEST(Fleet, TheWorstMachineGivesTheExitCode) {
         {{"none", "--file", "rename.ini"}, 65, "none holds no machine file NAME.json"},
         {{"nowhere"}, 65, "cannot read nowhere: "},
         {{"rename.ini"}, 64, "rename.ini is not a folder"},
+        {{"right", "--file", "rename.ini", "--report", "right/A.JSON"}, 64, "a machine file"},
+        {{"right", "--file", "rename.ini", "--report", "no/page"}, 1, "cannot write no/page"},
         {{""}, 64, "must not be empty"},
     };
     for (const Case& each : cases) {
@@ -135,6 +137,9 @@ TEST(Fleet, TheWorstMachineGivesTheExitCode) {
     EXPECT_THAT(Fleet({"changes", "--file", "rename.ini", "--summary"}).data,
                 testing::StartsWith("2 machines: "));
     EXPECT_THAT(FleetJson({"nowhere"}).size(), 1U);
+    Fleet({"bad", "--file", "rename.ini", "--report", "page.html"});
+    EXPECT_THAT(ReadFile("page.html"),
+                testing::AllOf(HasSubstr("no plan"), HasSubstr("Computer name: PC7 (new).")));
 }
 
 }  // namespace
