@@ -48,16 +48,24 @@ show_progress() {
 
 log_of() { echo "$logs/${1//[^a-zA-Z0-9]/-}.log"; }
 
-# quietly NAME COMMAND...: the command's result; `took` is its seconds.
+# What runs now: the command of a step, and what shows its progress.
+running=()
+
+# quietly NAME COMMAND...: the command's result; `took` is its seconds. The command runs beside the
+# shell, which is then free to be interrupted.
 quietly() {
-    local log started=$SECONDS result watcher
+    local log started=$SECONDS result command watcher
     log=$(log_of "$1")
     : >"$log"
     show_progress "$1" "$log" &
     watcher=$!
     shift
-    "$@" >"$log" 2>&1
+    "$@" >"$log" 2>&1 &
+    command=$!
+    running=("$command" "$watcher")
+    wait "$command"
     result=$?
+    running=()
     kill "$watcher"
     wait "$watcher" 2>/dev/null
     printf '%s' "$wipe"
@@ -161,6 +169,7 @@ tests() {
 # The last lines.
 finish() {
     trap - EXIT
+    [ ${#running[@]} -eq 0 ] || kill "${running[@]}" 2>/dev/null
     wineserver -k 2>/dev/null # the programs of this checkout's own prefix, nobody else's
     local starts
     starts=$(cat "$build/wine-starts.txt" 2>/dev/null | wc -l)
@@ -168,6 +177,6 @@ finish() {
         echo "Wine failed to start a program $starts times; each was started again."
     [ "$failed" -eq 0 ] || printf 'FAILED: %s\n' "${failures[@]}"
     printf '%d passed, %d failed\n' "$passed" "$failed"
-    [ "$failed" -eq 0 ]
-    exit
+    [ "$failed" -eq 0 ] || exit 1
+    exit 0
 }
