@@ -6,6 +6,7 @@
 
 #include "machine/LeafLock.h"
 #include "machine/com/ComObject.h"
+#include "machine/model/Network.h"
 
 namespace machine {
 namespace {
@@ -34,6 +35,11 @@ std::shared_ptr<Core> Core::Active() {
 void Core::SetActive(std::shared_ptr<Core> core) {
     const std::lock_guard lock(activeLock);
     activeCore.swap(core);  // the one before ends outside the lock
+}
+
+void Core::PassTime(std::uint64_t milliseconds) {
+    clock += milliseconds;
+    model::PassTime(state, milliseconds);
 }
 
 std::uintptr_t Core::NewHandle() {

@@ -67,6 +67,8 @@ public:
     std::vector<std::unique_ptr<ImportTable>> images;
     std::string programFile;  ///< empty: the real one
 
+    /// On the clock, and for what waits for its time.
+    void PassTime(std::uint64_t milliseconds);
     /// A handle value that the process can have no real handle of.
     std::uintptr_t NewHandle();
     void RecordUnexpected(std::string what);

@@ -157,6 +157,9 @@ struct Versions {
     std::uint32_t refusedRoute = 0;    // the exit code of a refused route: 0 or 1
     std::uint32_t notElevated = 0x80041003;  // what methods answer without elevation: this or 91
     std::uint32_t leaseTakes = 5000;         // milliseconds
+    // Milliseconds in which EnableStatic looks for another owner of the address (platform
+    // knowledge: one to three seconds).
+    std::uint32_t staticTakes = 2000;
 
     bool operator==(const Versions&) const = default;
 };

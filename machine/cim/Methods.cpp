@@ -60,9 +60,13 @@ std::vector<Method> AdapterMethods() {
          false,
          {{"IPAddress", Type::kTexts}, {"SubnetMask", Type::kTexts}},
          [](const Target& target, const Properties& in) {
-             return Answer(target,
-                           model::EnableStatic(target.state, AdapterOf(target),
-                                               ListOf(in, "IPAddress"), ListOf(in, "SubnetMask")));
+             const std::uint32_t code =
+                 model::EnableStatic(target.state, AdapterOf(target), ListOf(in, "IPAddress"),
+                                     ListOf(in, "SubnetMask"));
+             if (code == model::kSucceeded || code == model::kDhcpNotConfigured) {
+                 target.milliseconds = target.state.system.versions.staticTakes;
+             }
+             return Answer(target, code);
          }},
         {"SetGateways",
          false,

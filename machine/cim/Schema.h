@@ -17,6 +17,7 @@ namespace machine::cim {
 struct Target {
     State& state;
     Value key;
+    std::uint64_t& milliseconds;  ///< 0 at first: how long the method works before it answers
 };
 
 struct Method {

@@ -114,6 +114,7 @@ void ListMembers(Members& members, Like<Versions> auto& versions) {
     members.Optional("refusedRoute", versions.refusedRoute);
     members.Optional("notElevated", versions.notElevated);
     members.Optional("leaseTakes", versions.leaseTakes);
+    members.Optional("staticTakes", versions.staticTakes);
 }
 
 template <typename Members>

@@ -58,10 +58,11 @@ void CheckAddressing(const Node& node, const Object& object) {
     ExpectMasks(node, "ipSubnet", masks);
     ExpectAddresses(node, "gateways", object.gateways);
     ExpectAddresses(node, "dnsServers", object.dnsServers);
-    if (addresses && masks && !addresses->empty() && addresses->size() != masks->size()) {
+    const std::size_t count = addresses ? addresses->size() : 0;
+    if (masks && masks->size() != count) {
         (node.Value().contains("ipSubnet") ? node.Member("ipSubnet") : node)
-            .Reject(std::to_string(masks->size()) + " masks for " +
-                    std::to_string(addresses->size()) + " addresses");
+            .Reject(std::to_string(masks->size()) + " masks for " + std::to_string(count) +
+                    " addresses");
     }
 }
 
@@ -112,6 +113,9 @@ void Check(const Node& node, State& state) {
                 .Reject("another adapter has the index " + std::to_string(index));
         }
     }
+    // Seen in two public dumps: the rows of a query ascend by index. So do the adapters here, and
+    // sections take them in that order.
+    std::ranges::sort(state.adapters, {}, &Adapter::index);
 }
 
 void Read(const Node& node, Membership& membership) {

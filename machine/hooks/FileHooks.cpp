@@ -7,7 +7,6 @@
 #include "machine/Text.h"
 #include "machine/hooks/HandleBook.h"
 #include "machine/hooks/Hooks.h"
-#include "machine/model/Network.h"
 
 namespace machine {
 namespace {
@@ -128,8 +127,7 @@ struct WithTime {
 void ServeSleep(Core& core, DWORD milliseconds) {
     {
         Call call(core, "Sleep", {{"milliseconds", std::to_string(milliseconds)}}, Failing::kNever);
-        call->clock += milliseconds;
-        model::PassTime(call->state, milliseconds);
+        call->PassTime(milliseconds);
     }
     Real().Sleep(0);
 }

@@ -1,6 +1,9 @@
 #include "machine/native/Machine.h"
 
 #include <utility>
+
+#include "machine/model/Network.h"
+
 namespace native {
 
 Machine& TheMachine() {
@@ -12,6 +15,11 @@ Machine& Reset(machine::State state) {
     Machine& machine = TheMachine() = Machine();
     machine.state = std::move(state);
     return machine;
+}
+
+void Machine::PassTime(std::uint64_t milliseconds) {
+    clock += milliseconds;
+    machine::model::PassTime(state, milliseconds);
 }
 
 Call::Call(std::string_view function, machine::CallArguments arguments)

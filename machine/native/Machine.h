@@ -26,6 +26,9 @@ struct Machine {
     std::uint64_t clock = 0;   ///< milliseconds
     /// Real time that was spent in the functions themselves.
     std::chrono::nanoseconds timeInCalls{};
+
+    /// On the clock, and for what waits for its time.
+    void PassTime(std::uint64_t milliseconds);
 };
 
 /// The one machine of the process.

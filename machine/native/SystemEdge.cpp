@@ -9,7 +9,6 @@
 #include "machine/Text.h"
 #include "machine/model/Directory.h"
 #include "machine/model/Identity.h"
-#include "machine/model/Network.h"
 #include "machine/model/RegistryView.h"
 #include "machine/native/Machine.h"
 #include "machine/route/RouteCommand.h"
@@ -116,8 +115,7 @@ void DllProxy::GetProcAddress(void*& slot, const char* name) {
 
 void Pause(std::uint32_t milliseconds) {
     const Call call("Sleep", {{"milliseconds", std::to_string(milliseconds)}});
-    TheMachine().clock += milliseconds;
-    machine::model::PassTime(TheMachine().state, milliseconds);
+    TheMachine().PassTime(milliseconds);
 }
 
 }  // namespace sys

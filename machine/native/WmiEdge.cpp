@@ -145,7 +145,10 @@ std::uint32_t RunWmiMethod(const WmiMethod& method, const std::string& objectPat
         Throw(method.failure, code);
     }
     const auto forced = call.Outcome(called->name);
-    const std::uint32_t returned = forced ? *forced : called->run({state, path.key}, in);
+    std::uint64_t milliseconds = 0;
+    const std::uint32_t returned =
+        forced ? *forced : called->run({state, path.key, milliseconds}, in);
+    TheMachine().PassTime(milliseconds);
     call.AddArgument("ReturnValue", std::to_string(returned));
     return returned;
 }

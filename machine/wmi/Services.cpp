@@ -218,8 +218,10 @@ HRESULT Services::ExecMethod(BSTR path, BSTR method, LONG flags, IWbemContext* c
     }
     const auto forced =
         Machine().faults.OnOutcome(called->name, {{"path", pathText}, {"in", described}});
+    std::uint64_t milliseconds = 0;
     const std::uint32_t returnValue =
-        forced ? *forced : called->run({Machine().state, parsed.key}, parameters);
+        forced ? *forced : called->run({Machine().state, parsed.key, milliseconds}, parameters);
+    Machine().PassTime(milliseconds);
     call.AddArgument(forced ? "ReturnValue (injected)" : "ReturnValue",
                      std::to_string(returnValue));
     call.SetOutcome(returnValue);

@@ -20,7 +20,7 @@ State RichState() {
     state.dnsSuffixes = {"corp.example", "example"};
     state.adapters[2].ipEnabled = false;
     state.adapters[2].dhcpEnabled.reset();
-    state.adapters[2].ipAddress = TextList();
+    state.adapters[2].ipAddress = state.adapters[2].ipSubnet = TextList();
     state.adapters[2].caption = "[00000007] Adapt\xE9r \x80";
     state.registry = {
         {"SOFTWARE\\Example",
@@ -42,7 +42,7 @@ State RichState() {
     state.domains[0].accounts[0].mayReuse = true;
     state.domains[0].accounts[0].quota = 3;
     state.domains[0].owners = {{"PRINTSERVER", "joiner"}};
-    state.system = {CryptoLibrary::kWithoutExport, true, true, false, 3, false, {81, 1, 91, 0}};
+    state.system = {CryptoLibrary::kWithoutExport, true, true, false, 3, false, {81, 1, 91, 0, 1}};
     return state;
 }
 
@@ -99,6 +99,8 @@ TEST(MachineFile, ErrorsNameThePlaceAndWhatIsExpectedThere) {
         {R"("adapters": [{"index": 1, "ipAddress": ["0.0.0.0"], "ipSubnet": [""]}])", "none"},
         {R"("adapters": [{"index": 1, "ipAddress": ["10.1.1.1"], "ipSubnet": []}])",
          "/adapters/0/ipSubnet: 0 masks for 1 addresses"},
+        {R"("adapters": [{"index": 1, "dhcpLease": {"ipSubnet": ["255.0.0.0"]}}])",
+         "/adapters/0/dhcpLease/ipSubnet: 1 masks for 0 addresses"},
         {R"("dnsSuffixes": ["a", null])", "/dnsSuffixes/1: expected text, found null"},
         {R"("adapters": [{}])", R"(/adapters/0: the member "index" is missing)"},
         {R"("adapters": [{"index": 18446744073709551615}])",

@@ -97,14 +97,19 @@ TEST_F(CommandLine, FaultsWithoutEffectAreNamed) {
 }
 
 TEST_F(CommandLine, TheTraceComesInTwoFormats) {
-    EXPECT_EQ(Configure({rename_, "--trace", "t.jsonl"}).exitCode, 3U);
-    std::size_t renames = 0;
+    const std::string example = TOOLBOX_SOURCE_DIR "/examples/static-workstation.";
+    const Arguments toStatic = {example + "ini", "--machine", example + "json"};
+    EXPECT_EQ(Configure(With(toStatic, {"--trace", "t.jsonl"})).exitCode, 0U);
+    Json last;
+    std::size_t found = 0;
     std::istringstream stream(ReadFile("t.jsonl"));
     for (std::string line; std::getline(stream, line);) {
         ASSERT_TRUE(Json::accept(line)) << line;
-        renames += Json::parse(line)["arguments"].value("method", "") == "Rename" ? 1 : 0;
+        last = Json::parse(line);
+        found += last["arguments"].value("method", "") == "EnableStatic" ? 1 : 0;
     }
-    EXPECT_EQ(renames, 1U);
+    EXPECT_EQ(found, 1U);
+    EXPECT_EQ(last["time"], 2'000 + 8'000) << "of the method, and of the pause behind it";
 
     EXPECT_EQ(Configure({rename_, "--trace", "t.trace.json", "--fail", "Rename"}).exitCode, 1U);
     const Json events = Json::parse(ReadFile("t.trace.json")).at("traceEvents");

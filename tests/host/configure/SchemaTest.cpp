@@ -46,7 +46,8 @@ TEST(ConfigureJson, ExitCodesTellTheOutcomesApart) {
         {{server + ".ini", "--machine", server + ".json"}, 0},
         {{server + ".ini", "--machine", server + ".json", "--undo-file", "back.ini"}, 0},
         {{server + ".ini", "--machine", server + ".json", "--fail", "EnableStatic=84"}, 1},
-        {{server + ".ini", "--machine", server + ".json", "--fail", "call:30,MoveHere"}, 1},
+        {{server + ".ini", "--machine", server + ".json", "--fail", "Next[query~Caption],MoveHere"},
+         1},
         {{server + ".ini", "--machine", server + ".json", "--fail", "MoveFileA"}, 1},
         {{"no such file.ini"}, 65},
     };
