@@ -103,6 +103,11 @@ Destination WhereErrorsLead() {
     return WhereItLeads(STD_ERROR_HANDLE, "notes");
 }
 
+std::string ProgramName() {
+    const std::string_view name = Variable("TOOLBOX_NAME");
+    return std::string(name.empty() ? "toolbox-host" : name);
+}
+
 std::string RunFolder() {
     return std::string(Variable("TOOLBOX_RUN"));
 }

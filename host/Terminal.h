@@ -7,6 +7,7 @@
 //                     the program makes the file "ended" in it at its own end
 //   TOOLBOX_TERMINAL  which streams lead to the terminal: "data", "notes", both or none
 //   TOOLBOX_COLUMNS   how wide it is
+//   TOOLBOX_NAME      what the user has called
 #pragma once
 
 #include <string>
@@ -21,6 +22,9 @@ void TakeStandardError();
 /// Where standard output and standard error lead to. A console is told to obey control sequences.
 Destination WhereOutputLeads();
 Destination WhereErrorsLead();
+
+/// What the user calls this program: "./run", or its own name.
+std::string ProgramName();
 
 /// The folder of "./run", in the system code page and without a separator at the end; empty without
 /// one.

@@ -82,6 +82,14 @@ std::string Counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+std::string ShellWord(const std::string& text) {
+    const bool isPlain = std::ranges::all_of(text, [](char character) {
+        return util::IsLetter(character) || util::IsDigit(character) ||
+               std::string_view("-_./:\\,@+=").find(character) != std::string_view::npos;
+    });
+    return isPlain && !text.empty() ? text : '"' + text + '"';
+}
+
 std::string DescribeSystemError(std::uint32_t code) {
     char buffer[512];
     DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,

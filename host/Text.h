@@ -31,6 +31,9 @@ std::string Grouped(std::size_t number);
 /// "1 error", "2 errors"
 std::string Counted(std::size_t count, const std::string& noun);
 
+/// One word of a command line, in quotation marks where it needs them.
+std::string ShellWord(const std::string& text);
+
 /// What Windows says about an error code, in the system code page, without a final line feed, and
 /// with the code: "Access is denied. (error 5)".
 std::string DescribeSystemError(std::uint32_t code);

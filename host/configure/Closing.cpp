@@ -1,5 +1,7 @@
 #include "host/configure/Closing.h"
 
+#include "host/Terminal.h"
+#include "host/Text.h"
 #include "host/configure/RowText.h"
 #include "host/configure/Values.h"
 #include "host/reading/SettingNames.h"
@@ -49,6 +51,11 @@ RestartNeed RestartNeedOf(const Pass& pass) {
            : pass.story.stoppedForRestart           ? RestartNeed::kNotReported
            : RestartEffects(pass.run.after).empty() ? RestartNeed::kNone
                                                     : RestartNeed::kPending;
+}
+
+std::string ConfigureCommandLine(const ReportOptions& options, const char* more = "") {
+    return ShellWord(ProgramName()) + " configure " + options.fileWord + options.machineOptions +
+           (options.untilDone ? " --until-done" : more);
 }
 
 bool FailsAfterRestart(const Outcome& outcome) {
@@ -140,13 +147,18 @@ std::string WhatFailed(const Pass& pass) {
     return "putting the file away; every command before it was executed";
 }
 
+std::string CheckCommandLine(const ReportOptions& options) {
+    return ShellWord(ProgramName()) + " check " + options.fileWord +
+           (options.onThisMachine ? std::string() : options.machineOptions);
+}
+
 std::string NextStep(const Outcome& outcome, const ReportOptions& options) {
     const Story& story = outcome.Last().story;
     const std::size_t findings = options.checked.findings.List().size();
     if (findings != 0 && (story.failure || options.plan)) {
         return "Next: look at the " +
                (findings == 1 ? std::string("finding") : std::to_string(findings) + " findings") +
-               " of check (toolbox-host check " + options.file + ").";
+               " of check (" + CheckCommandLine(options) + ").";
     }
     if (story.failure || FailsAfterRestart(outcome)) {
         return options.plan ? "Next: fix the cause and plan again."
@@ -156,14 +168,14 @@ std::string NextStep(const Outcome& outcome, const ReportOptions& options) {
         if (!ChangesSomething(outcome)) {
             return "Next: nothing; the machine already matches the file.";
         }
-        return options.onThisMachine
-                   ? "Next: run it with --yes in place of --plan to make the changes."
-                   : "Next: run it without --plan to make the changes.";
+        return "Next: make the changes (" +
+               ConfigureCommandLine(options, options.onThisMachine ? " --yes" : "") + ").";
     }
     if (story.fileKept) {
         return options.onThisMachine
                    ? "Next: restart the machine and send the file again."
-                   : "Next: restart the machine and send the file again; --until-done does both.";
+                   : "Next: restart the machine and send the file again, or let it be done (" +
+                         ConfigureCommandLine(options, " --until-done") + ").";
     }
     return story.stoppedForRestart ? "Next: restart the machine and send the file again yourself."
                                    : "Next: nothing; the run is complete.";

@@ -38,6 +38,9 @@ std::vector<std::string> RestartLines(const Outcome& outcome);
 /// What failed: "SetDns (adapter index 7)".
 std::string WhatFailed(const Pass& pass);
 
+/// What shows every finding: "toolbox-host check site.ini --machine office.json"
+std::string CheckCommandLine(const ReportOptions& options);
+
 /// "Next: ..."
 std::string NextStep(const Outcome& outcome, const ReportOptions& options);
 

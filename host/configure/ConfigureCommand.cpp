@@ -206,6 +206,8 @@ int Configure(const CommonOptions& common, const ConfigureOptions& options, Outp
     const ReportOptions told = {
         input.Name(),
         machineName,
+        ShellWord(options.file),
+        options.machine.Options(),
         options.machine.thisMachine,
         options.plan,
         options.untilDone,

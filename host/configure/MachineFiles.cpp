@@ -6,6 +6,7 @@
 
 #include "host/Files.h"
 #include "host/HostError.h"
+#include "host/Text.h"
 #include "host/snapshot/Snapshot.h"
 #include "machine/MachineFile.h"
 
@@ -55,6 +56,10 @@ machine::State LoadMachine(const std::string& file) {
 
 std::string MachineChoice::Name() const {
     return thisMachine ? "this machine" : file.empty() ? "the embedded machine" : file;
+}
+
+std::string MachineChoice::Options() const {
+    return thisMachine ? " --this-machine" : file.empty() ? "" : " --machine " + ShellWord(file);
 }
 
 machine::State MachineChoice::Read(Output& output) const {

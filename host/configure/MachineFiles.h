@@ -20,6 +20,8 @@ struct MachineChoice {
 
     /// "this machine", "the embedded machine", the file
     std::string Name() const;
+    /// The options that choose it, each behind a blank; none for the embedded machine.
+    std::string Options() const;
     /// Notes what cannot be seen of this machine. Throws as LoadMachine does.
     machine::State Read(Output& output) const;
 };

@@ -212,7 +212,7 @@ void PrintFindings(const ReportOptions& options, Output& output) {
     }
     if (findings.size() > kShown) {
         output.Line("... and " + std::to_string(findings.size() - kShown) +
-                    " more findings: toolbox-host check " + options.file);
+                    " more findings: " + CheckCommandLine(options));
     }
 }
 

@@ -14,8 +14,10 @@ namespace host::configure {
 enum class Extent { kSummary, kUsual, kDetails };
 
 struct ReportOptions {
-    std::string file;     ///< as the user names it
-    std::string machine;  ///< "the embedded machine", "this machine", a file
+    std::string file;            ///< as the user names it
+    std::string machine;         ///< "the embedded machine", "this machine", a file
+    std::string fileWord;        ///< the same two in a command line
+    std::string machineOptions;  // each behind a blank
     bool onThisMachine = false;
     bool plan = false;
     bool untilDone = false;

@@ -4,6 +4,8 @@
 
 #include "host/ExitCode.h"
 #include "host/Files.h"
+#include "host/Text.h"
+#include "host/configure/MachineFiles.h"
 #include "host/configure/Report.h"
 #include "host/report/Digest.h"
 #include "host/report/Page.h"
@@ -75,8 +77,11 @@ void FleetReport::Add(const Planned& planned, const Row& row, const std::string&
     for (const std::string& lockOut : planned.result->lockOuts) {
         warnings.push_back("Warning: the agent may lose its connection here: " + lockOut + ".");
     }
+    const configure::MachineChoice machine{planned.member.machine};
     const configure::ReportOptions options{.file = fileName,
                                            .machine = planned.member.machine,
+                                           .fileWord = ShellWord(fileName),
+                                           .machineOptions = machine.Options(),
                                            .plan = true,
                                            .checked = planned.result->checked,
                                            .warnings = warnings,

@@ -79,7 +79,7 @@ site.ini:14:2: warning: the module ignores the section "Printers"
 [Printers] 2 keys: the module does not read this section
 
 Plan: 1 change, 2 already set, 1 skipped, 1 left alone, 3 without effect. No restart.
-Next: look at the 3 findings of check (toolbox-host check site.ini).
+Next: look at the 3 findings of check (toolbox-host check site.ini --machine box.json).
 )");
 }
 
@@ -93,7 +93,7 @@ TEST_F(Report, DetailsAddTheCallsAndWhatNoSettingTells) {
     const std::string end = R"(Plan: 2 changes, 2 left alone. No restart.
 Warning: the agent may lose its connection here: PCI 3/0/0 "Ethernet 2" (index 7): address 10.0.0.20/255.255.255.0 -> 10.0.0.77/255.0.0.0.
   --undo-file FILE writes a file that undoes it.
-Next: run it without --plan to make the changes.
+Next: make the changes (toolbox-host configure site.ini --machine box.json).
 )";
     const std::string usual = R"([TCP/IP] x, on PCI 3/0/0 "Ethernet 2" (index 7)
   :3 ~ DHCP           off -> on
@@ -121,6 +121,7 @@ TEST_F(Report, FailuresNameTheirPlace) {
     bare.adapters.clear();
     machine::State unaddressed = machine;
     unaddressed.adapters[0].ipAddress.reset();
+    unaddressed.adapters[0].ipSubnet.reset();
     const std::string routes =
         "[NicEntry1]\nDescription=x\nDHCP=true\nDNS-Server-Count=0\nDNS-SuffixSearchOrder=a.b\n"
         "Static-Route-Count=2\nRoute0=10.1.0.0,255.255.0.0,10.0.0.9,,1,\n"
@@ -254,7 +255,8 @@ TEST_F(Report, TheRestartStoryLooksAhead) {
 Run: 1 change, 1 after the restart. Restart needed.
 With the restart: computer name PC7.
 The file stays and is sent again: 1 change then, marked ">", and another restart.
-Next: restart the machine and send the file again; --until-done does both.
+Next: restart the machine and send the file again, or let it be done (toolbox-host configure )"
+                                  R"(site.ini --machine box.json --until-done).
 )"));
     // A plan looks there too, with the faults that are to come.
     for (const char* fault : {"JoinDomainOrWorkgroup=1326", "Rename=1326"}) {
