@@ -303,7 +303,8 @@ void AddOddities(machine::State& state, check_tests::RandomFile& random) {
             adapter.ipSubnet->push_back("64");
         }
         if (now() && now()) {
-            (now() ? adapter.gateways : adapter.ipAddress) = machine::TextList{"fe80::1"};
+            (now() ? adapter.ipAddress : adapter.gateways) =
+                machine::TextList{random.Below(2) == 0 ? "fe80::1" : "2620:9b::1"};
         }
         // Long enough for a comment of two lines.
         adapter.connectionName =
@@ -330,7 +331,7 @@ TEST(Describing, WhatDescribesARandomMachineChangesNothingOnIt) {
     Figures& figures = FiguresOf("files that describe random machines");
     for (std::uint64_t i = 0; i < machines && !HasFailure(); ++i) {
         NotePoint("machine " + std::to_string(i));
-        machine::State machine = PlainMachine(random);
+        machine::State machine = RandomMachine(random);
         AddOddities(machine, random);
         const std::string text =
             host::init::DescribeInFile(host::Module::DefaultPath(), machine, "it");
