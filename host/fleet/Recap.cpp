@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/ExitCode.h"
+#include "host/Terminal.h"
 #include "host/Text.h"
 
 namespace host::fleet {
@@ -212,8 +213,9 @@ std::string Recap::NextStep() const {
         }
         return verdict == Verdict::kNotPlanned
                    ? "Next: mend what is without a plan, first " + row->name + "."
-                   : "Next: look at one in full: toolbox-host configure --plan " + row->file +
-                         " --machine " + row->machine;
+                   : "Next: look at one in full: " + ShellWord(ProgramName()) +
+                         " configure --plan " + ShellWord(row->file) + " --machine " +
+                         ShellWord(row->machine);
     }
     return "Next: nothing; every machine is as its file wants it.";
 }
