@@ -13,7 +13,7 @@ std::uint64_t SampleOf(std::uint64_t few, std::uint64_t many, std::uint64_t all)
         throw std::invalid_argument("TOOLBOX_SAMPLE is neither \"full\" nor \"all\"");
     }
 #ifdef TOOLBOX_CHECKED
-    many = (many + 9) / 10;  // under the guard allocator all is slower
+    many = (many + 19) / 20;  // under the guard allocator all is slower
 #endif
     return sample == "all" ? all : sample == "full" ? many : few;
 }

