@@ -21,7 +21,7 @@ public:
 
 private:
     std::int32_t result_;
-    char text_[48];
+    char text_[48] = {};
 };
 
 }  // namespace sys

@@ -89,8 +89,9 @@ Members ReadFolder(const std::string& folder, bool pairs) {
     return members;
 }
 
-std::vector<Member> InOrder(Members members) {
+std::vector<Member> InOrder(Members&& members) {
     std::vector<Member> list;
+    list.reserve(members.size());
     for (auto& [name, member] : members) {
         list.push_back(std::move(member));
     }

@@ -33,19 +33,20 @@ std::string MakePage(std::string_view title, std::string_view content) {
 }
 
 std::string DateText() {
-    using namespace std::chrono;
+    namespace chrono = std::chrono;
     std::int64_t seconds =
-        duration_cast<std::chrono::seconds>(system_clock::now().time_since_epoch()).count();
+        chrono::duration_cast<chrono::seconds>(chrono::system_clock::now().time_since_epoch())
+            .count();
     // Whoever wants the same bytes again sets it.
     // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing here changes the environment.
     if (const char* const fixed = std::getenv("SOURCE_DATE_EPOCH")) {
         const std::string_view text = fixed;
         std::from_chars(text.data(), text.data() + text.size(), seconds);
     }
-    const sys_seconds time{std::chrono::seconds(seconds)};
-    const sys_days day = floor<days>(time);
-    const year_month_day date(day);
-    const hh_mm_ss clock(time - day);
+    const chrono::sys_seconds time{chrono::seconds(seconds)};
+    const chrono::sys_days day = chrono::floor<chrono::days>(time);
+    const chrono::year_month_day date(day);
+    const chrono::hh_mm_ss clock(time - day);
     return util::Format("%04d-%02u-%02u %02d:%02d UTC", static_cast<int>(date.year()),
                         static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
                         static_cast<int>(clock.hours().count()),

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "machine/CodePage.h"
+#include "machine/file/ShownText.h"
 
 namespace machine::file {
 namespace {
@@ -122,6 +123,13 @@ std::string Node::Text() const {
         Refuse("text without a zero character");
     }
     return *text;
+}
+
+std::string Node::TextToShow() const {
+    if (json_.is_string() && !FromUtf8(json_.get_ref<const std::string&>())) {
+        return ShownText(json_.get_ref<const std::string&>());
+    }
+    return Text();
 }
 
 bool Node::Boolean() const {

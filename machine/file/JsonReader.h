@@ -29,6 +29,8 @@ public:
 
     /// A text in the ANSI code page.
     std::string Text() const;
+    /// The same; what the code page lacks stands as ShownText has it.
+    std::string TextToShow() const;
     bool Boolean() const;
 
     template <typename Number>
@@ -91,6 +93,14 @@ public:
         }
         Read(node_.Member(name), target);
         return true;
+    }
+
+    /// The same for a text that is only shown.
+    void Shown(const std::string& name, std::string& text) {
+        known_.insert(name);
+        if (Has(name)) {
+            text = node_.Member(name).TextToShow();
+        }
     }
 
     template <typename Target>

@@ -56,6 +56,8 @@ void ListMembers(Members& members, Like<Adapter> auto& adapter) {
         const auto describe = [&](auto member) {
             if constexpr (std::is_same_v<decltype(member), std::uint32_t Adapter::*>) {
                 members.Required(name, adapter.*member);  // the key
+            } else if constexpr (std::is_same_v<decltype(member), std::string Adapter::*>) {
+                members.Shown(name, adapter.*member);
             } else {
                 members.Optional(name, adapter.*member);
             }

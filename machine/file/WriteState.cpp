@@ -8,6 +8,7 @@
 #include "machine/file/JsonReader.h"
 #include "machine/file/Layout.h"
 #include "machine/file/RegistryFile.h"
+#include "machine/file/ShownText.h"
 
 namespace machine::file {
 namespace {
@@ -28,6 +29,10 @@ public:
     template <typename Value>
     void Optional(const std::string& name, const Value& value) {
         Write(Place{object_[name]}, value);
+    }
+
+    void Shown(const std::string& name, const std::string& text) {
+        object_[name] = FromShownText(text);
     }
 
 private:

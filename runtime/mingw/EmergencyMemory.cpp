@@ -1,3 +1,5 @@
+// The names are the library's.
+// NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
 namespace __gnu_cxx {
 
 /// Of libstdc++: gives back what the library keeps for errors that are thrown when no memory is
@@ -5,6 +7,7 @@ namespace __gnu_cxx {
 void __freeres();
 
 }  // namespace __gnu_cxx
+// NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
 
 namespace {
 

@@ -72,10 +72,10 @@ TEST(CheckCommand, EachFindingShowsItsLineAndPlace) {
 /// What the program prints as JSON is left beside the folder of this test program for check-schema,
 /// which runs after it.
 Json Printed(const std::string& name, const std::vector<std::string>& arguments) {
-    static const auto folder = std::filesystem::path(host_tests::BesideProgram("checked-json"));
-    std::filesystem::create_directories(folder);
+    static const auto kFolder = std::filesystem::path(host_tests::BesideProgram("checked-json"));
+    std::filesystem::create_directories(kFolder);
     const std::string data = RunHost(arguments).data;
-    support::WriteFile(folder / name, data);
+    support::WriteFile(kFolder / name, data);
     return Json::parse(data);
 }
 

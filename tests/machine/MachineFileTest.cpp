@@ -62,6 +62,19 @@ TEST(MachineFile, WhatIsSavedLoadsUnchanged) {
     }
 }
 
+TEST(MachineFile, ANameThatIsOnlyShownMayHoldAnyCharacter) {
+    const std::pair<const char*, const char*> names[] = {
+        {"\xE4\xB8\xAD LAN", "\\u4e2d LAN"}, {"\xC3\xA4", "\xE4"}, {"\\u0041", "\\u0041"}};
+    for (const auto& [name, shown] : names) {
+        const nlohmann::json adapter = {{"index", 1}, {"connectionName", name}};
+        const State state =
+            ParseState("{\"computerName\": \"PC1\", \"adapters\": [" + adapter.dump() + "]}");
+        EXPECT_EQ(state.adapters.at(0).connectionName, shown);
+        const auto saved = nlohmann::json::parse(FormatState(state));
+        EXPECT_EQ(saved.at("adapters").at(0).at("connectionName"), name);
+    }
+}
+
 TEST(MachineFile, MissingMembersTakeSensibleValues) {
     const State state = ParseState(R"({"computerName": "PC1", "adapters": [
         {"index": 3, "dhcpEnabled": false, "dnsServers": ["192.0.2.1"]},
