@@ -42,3 +42,15 @@ compile() {
     shift
     flock -F "$build/$compile_preset.lock" ninja -C "$build/$compile_preset" "$@"
 }
+
+# npm_packages FOLDER TOOLS: what the folder's lock file names stands in TOOLS. npm trusts whom the
+# system trusts.
+npm_packages() {
+    cmp -s "$1/package-lock.json" "$2/installed" && return
+    mkdir -p "$2" || die "cannot write to $2"
+    cp "$1/package.json" "$1/package-lock.json" "$2/" || exit 1
+    NODE_EXTRA_CA_CERTS=${NODE_EXTRA_CA_CERTS:-/etc/ssl/certs/ca-certificates.crt}
+    export NODE_EXTRA_CA_CERTS
+    step "$2/npm.log" npm ci --prefix "$2" --ignore-scripts --no-audit --no-fund
+    cp "$2/package-lock.json" "$2/installed"
+}
